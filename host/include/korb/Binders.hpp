@@ -1,0 +1,194 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "korb/HostTraits.hpp"
+#include "vel/HostExport.hpp"
+#include "vel/mi/Handle.hpp"
+#include "vel/tuvArray.hpp"
+
+namespace korb {
+
+// A generic value of the object system: a host array with the host type name
+// under which the binder delivered it.
+struct Value {
+    std::string hostType;
+    tuvArrayPtr data;
+};
+
+namespace detail {
+[[noreturn]] VELHOST_API void wrongClass(const vel::mi::Handle& object, const char* nativeType);
+[[noreturn]] VELHOST_API void wrongArgumentCount(std::size_t expected, std::size_t given);
+} // namespace detail
+
+// Resolves a handle to the native class a binder is bound to. The dynamic
+// cast performs the pointer adjustment that multiple inheritance needs (a
+// class deriving from an element class and from the handle base).
+template <class T>
+T& nativeObject(vel::mi::Handle& object) {
+    auto* p = dynamic_cast<T*>(&object);
+    if (!p) detail::wrongClass(object, typeid(T).name());
+    return *p;
+}
+
+// Reads one property of a native object.
+class VELHOST_API GetterBinder {
+public:
+    explicit GetterBinder(std::string hostType) : hostType_(std::move(hostType)) {}
+    virtual ~GetterBinder();
+    const std::string& hostTypeName() const { return hostType_; }
+    virtual tuvArrayPtr getArray(vel::mi::Handle& object) const = 0;
+    Value getValue(vel::mi::Handle& object) const { return {hostType_, getArray(object)}; }
+
+private:
+    std::string hostType_;
+};
+
+// Writes one property of a native object from a host value.
+class VELHOST_API SetterBinder {
+public:
+    explicit SetterBinder(std::string hostType) : hostType_(std::move(hostType)) {}
+    virtual ~SetterBinder();
+    const std::string& hostTypeName() const { return hostType_; }
+    virtual void set(vel::mi::Handle& object, const tuvArray& value) const = 0;
+
+private:
+    std::string hostType_;
+};
+
+// Calls one native member function with host values as arguments.
+class VELHOST_API MethodBinder {
+public:
+    explicit MethodBinder(std::size_t arity) : arity_(arity) {}
+    virtual ~MethodBinder();
+    std::size_t arity() const { return arity_; }
+    // Raises "Korb:WrongNumberOfArguments" unless args has arity() elements.
+    tuvArrayPtr call(vel::mi::Handle& object, const std::vector<tuvArrayPtr>& args) const;
+
+protected:
+    virtual tuvArrayPtr invoke(vel::mi::Handle& object, const std::vector<tuvArrayPtr>& args) const = 0;
+
+private:
+    std::size_t arity_;
+};
+
+namespace detail {
+
+template <class T, class R, class F>
+class FunctionGetter final : public GetterBinder {
+public:
+    explicit FunctionGetter(F fn) : GetterBinder(HostTraits<R>::typeName), fn_(std::move(fn)) {}
+    tuvArrayPtr getArray(vel::mi::Handle& object) const override {
+        return HostTraits<R>::toArray(fn_(nativeObject<T>(object)));
+    }
+
+private:
+    F fn_;
+};
+
+template <class T, class V, class F>
+class FunctionSetter final : public SetterBinder {
+public:
+    explicit FunctionSetter(F fn) : SetterBinder(HostTraits<V>::typeName), fn_(std::move(fn)) {}
+    void set(vel::mi::Handle& object, const tuvArray& value) const override {
+        T& native = nativeObject<T>(object);
+        fn_(native, HostTraits<V>::fromArray(value));
+    }
+
+private:
+    F fn_;
+};
+
+template <class T, class R, class F, class... A>
+class FunctionMethod final : public MethodBinder {
+public:
+    explicit FunctionMethod(F fn) : MethodBinder(sizeof...(A)), fn_(std::move(fn)) {}
+
+protected:
+    tuvArrayPtr invoke(vel::mi::Handle& object, const std::vector<tuvArrayPtr>& args) const override {
+        return invokeWith(nativeObject<T>(object), args, std::index_sequence_for<A...>{});
+    }
+
+private:
+    template <std::size_t... I>
+    tuvArrayPtr invokeWith(T& native, const std::vector<tuvArrayPtr>& args,
+                           std::index_sequence<I...>) const {
+        // Convert every argument before the call so that a bad argument
+        // leaves the object untouched.
+        std::tuple<std::decay_t<A>...> converted{HostTraits<std::decay_t<A>>::fromArray(*args[I])...};
+        if constexpr (std::is_void_v<R>) {
+            fn_(native, std::get<I>(converted)...);
+            return tuvArray::empty();
+        } else {
+            return HostTraits<std::decay_t<R>>::toArray(fn_(native, std::get<I>(converted)...));
+        }
+    }
+
+    F fn_;
+};
+
+} // namespace detail
+
+// Getter binders: a const or non-const member function taking nothing, or a
+// callable taking the native object.
+template <class T, class R>
+std::unique_ptr<GetterBinder> getter(R (T::*fn)() const) {
+    auto call = [fn](T& o) -> decltype(auto) { return (o.*fn)(); };
+    return std::make_unique<detail::FunctionGetter<T, std::decay_t<R>, decltype(call)>>(call);
+}
+
+template <class T, class R>
+std::unique_ptr<GetterBinder> getter(R (T::*fn)()) {
+    auto call = [fn](T& o) -> decltype(auto) { return (o.*fn)(); };
+    return std::make_unique<detail::FunctionGetter<T, std::decay_t<R>, decltype(call)>>(call);
+}
+
+template <class T, class F>
+std::unique_ptr<GetterBinder> getterFn(F fn) {
+    using R = std::decay_t<std::invoke_result_t<F&, T&>>;
+    return std::make_unique<detail::FunctionGetter<T, R, F>>(std::move(fn));
+}
+
+// Setter binders: a member function taking the value, or a callable taking
+// the native object and the value.
+template <class T, class A, class Ret>
+std::unique_ptr<SetterBinder> setter(Ret (T::*fn)(A)) {
+    using V = std::decay_t<A>;
+    auto call = [fn](T& o, const V& v) { (o.*fn)(v); };
+    return std::make_unique<detail::FunctionSetter<T, V, decltype(call)>>(call);
+}
+
+template <class T, class V, class F>
+std::unique_ptr<SetterBinder> setterFn(F fn) {
+    return std::make_unique<detail::FunctionSetter<T, V, F>>(std::move(fn));
+}
+
+// Method binders: a member function with any number of arguments; each
+// argument is converted from its host value by HostTraits.
+template <class T, class R, class... A>
+std::unique_ptr<MethodBinder> method(R (T::*fn)(A...) const) {
+    auto call = [fn](T& o, const std::decay_t<A>&... a) -> decltype(auto) { return (o.*fn)(a...); };
+    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call);
+}
+
+template <class T, class R, class... A>
+std::unique_ptr<MethodBinder> method(R (T::*fn)(A...)) {
+    auto call = [fn](T& o, const std::decay_t<A>&... a) -> decltype(auto) { return (o.*fn)(a...); };
+    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call);
+}
+
+// A method implemented by a callable taking the native object and the
+// arguments A...; R is what the callable returns.
+template <class T, class R, class... A, class F>
+std::unique_ptr<MethodBinder> methodFn(F fn) {
+    auto call = [fn](T& o, const std::decay_t<A>&... a) -> decltype(auto) { return fn(o, a...); };
+    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call);
+}
+
+} // namespace korb

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vel/HostExport.hpp"
+
+namespace vel::mi {
+class HandleClass;
+}
+
+namespace korb {
+
+class Client;
+class PackageInfo;
+
+// The host's registry of packages and classes. It starts out knowing the
+// package "plexo.mixin" with the abstract class "plexo.mixin.Heterogeneous".
+//
+// Packages are added and terminated on the host's thread; lookups are safe
+// from any thread while no package is being added or removed.
+class VELHOST_API ObjectSystem {
+public:
+    static ObjectSystem& instance();
+
+    ObjectSystem();
+    ~ObjectSystem();
+    ObjectSystem(const ObjectSystem&) = delete;
+    ObjectSystem& operator=(const ObjectSystem&) = delete;
+
+    // Adds the package and registers its classes. A package name already
+    // known raises "Korb:DuplicatePackage" and leaves the registry unchanged;
+    // so does a failure while its classes register.
+    void addPackage(std::unique_ptr<PackageInfo> package);
+
+    // Registers one class of the package being added (only valid inside
+    // PackageInfo::registerClasses). Raises "Korb:DuplicateClass" for a
+    // qualified name already known and "Korb:UnknownSuperclass" when the
+    // class names a superclass that is not registered yet.
+    void registerClass(std::unique_ptr<vel::mi::HandleClass> handleClass);
+
+    // Removes every class of the package; the package stays known by name.
+    void removeClasses(const std::string& packageName);
+
+    // Null when unknown.
+    PackageInfo* findPackage(const std::string& name) const;
+    const vel::mi::HandleClass* findClass(const std::string& qualifiedName) const;
+
+    std::vector<std::string> getPackageNames() const;
+    // The package's classes in registration order (empty when unknown).
+    std::vector<const vel::mi::HandleClass*> getPackageClasses(const std::string& packageName) const;
+
+    // The client through which libraries and tools use the registry.
+    Client& getPublicClient();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace korb

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vel/HostExport.hpp"
+
+namespace korb {
+class GetterBinder;
+class SetterBinder;
+class MethodBinder;
+class ObjectSystem;
+} // namespace korb
+
+namespace vel::mi {
+
+// The object system's record of one handle class: its names, superclass,
+// abstract flag, and the properties and methods that scripts can use. A
+// record is created by its package, then registered with the object system,
+// which gives it its qualified name ("Package.ShortName") and asks it to
+// declare its members through registerMembers().
+class VELHOST_API HandleClass {
+public:
+    struct Property {
+        std::string name;
+        std::unique_ptr<korb::GetterBinder> getter;
+        std::unique_ptr<korb::SetterBinder> setter; // null for a read-only property
+        bool isReadOnly() const { return !setter; }
+    };
+    struct Method {
+        std::string name;
+        std::unique_ptr<korb::MethodBinder> binder;
+    };
+
+    HandleClass(std::string shortName, std::string description);
+    virtual ~HandleClass();
+    HandleClass(const HandleClass&) = delete;
+    HandleClass& operator=(const HandleClass&) = delete;
+
+    const std::string& getShortName() const { return shortName_; }
+    const std::string& getDescription() const { return description_; }
+    // "Package.ShortName" once registered; empty before.
+    const std::string& getQualifiedName() const { return qualifiedName_; }
+    // Empty when the class has no superclass.
+    const std::string& getSuperclassName() const { return superclass_; }
+
+    // An abstract class is never instantiated by scripts.
+    virtual bool isAbstract() const;
+
+    // Own members only, in registration order; see korb::Client for the
+    // lookup that includes superclass members.
+    const std::vector<Property>& getProperties() const { return properties_; }
+    const std::vector<Method>& getMethods() const { return methods_; }
+    const Property* findOwnProperty(const std::string& name) const;
+    const Method* findOwnMethod(const std::string& name) const;
+
+protected:
+    // Declares superclass, properties and methods, in that order. Called
+    // once, by the object system, when the class is registered.
+    virtual void registerMembers() = 0;
+
+    void setSuperclass(std::string qualifiedName);
+    // A second member of one name raises "Korb:DuplicateMember".
+    void addProperty(std::string name, std::unique_ptr<korb::GetterBinder> getter,
+                     std::unique_ptr<korb::SetterBinder> setter = nullptr);
+    void addMethod(std::string name, std::unique_ptr<korb::MethodBinder> binder);
+
+private:
+    friend class korb::ObjectSystem;
+
+    std::string shortName_;
+    std::string description_;
+    std::string qualifiedName_;
+    std::string superclass_;
+    std::vector<Property> properties_;
+    std::vector<Method> methods_;
+};
+
+} // namespace vel::mi

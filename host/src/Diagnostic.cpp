@@ -1,0 +1,154 @@
+#include "vel/diag/Diagnostic.hpp"
+
+#include <mutex>
+#include <shared_mutex>
+#include <unordered_map>
+
+namespace vel::diag {
+
+namespace {
+// The host's own message texts. Libraries may add catalogs of their own.
+const std::map<std::string, std::string> kBriskCodeGen = {
+    {"CustomContentPreviousAssociation",
+     "Custom section '{1}' cannot be associated with section '{2}': it is already associated with "
+     "section '{3}'."},
+    {"CustomContentSectionDoesNotExist",
+     "Cannot add content to custom section '{2}' of file '{1}': the section has not been declared."},
+    {"CustomContentSectionAlreadyRetrieved",
+     "The content of custom section '{1}' was already retrieved and cannot be retrieved again in "
+     "{2}. Each custom section can be placed only once; mark '{3}' as in use or remove the second "
+     "placement."},
+    {"CustomContentInvalidBuiltin",
+     "Custom section '{1}' cannot be declared: '{2}' is not the name of a built-in file section."},
+};
+
+const std::map<std::string, std::string> kKorb = {
+    {"InvalidHandle", "Invalid or deleted object."},
+    {"UnknownClass", "No class '{1}' is registered with the object system."},
+    {"UnknownProperty", "No property '{1}' for class '{2}'."},
+    {"UnknownMethod", "No method '{1}' for class '{2}'."},
+    {"ReadOnlyProperty", "Property '{1}' of class '{2}' is read-only."},
+    {"ObjectLocked", "Cannot set property '{1}': the object of class '{2}' is locked."},
+    {"InvalidPropertyValue", "Invalid value for property '{1}' of class '{2}': {3}"},
+    {"TypeMismatch", "Expected a value of type '{1}', but got {2}."},
+    {"WrongNumberOfArguments", "Expected {1} argument(s), but got {2}."},
+    {"WrongClass", "An object of class '{1}' cannot be used as '{2}'."},
+    {"NotAHandle", "A native object of type '{1}' is not a handle object and cannot be given to scripts."},
+    {"DuplicatePackage", "A package named '{1}' is already registered."},
+    {"DuplicateClass", "A class named '{1}' is already registered."},
+    {"DuplicateMember", "Class '{2}' already has a member named '{1}'."},
+    {"UnknownSuperclass", "Class '{1}' names the superclass '{2}', which is not registered."},
+    {"NotRegistering", "Class '{1}' can only be registered while its package is being added."},
+};
+
+const std::map<std::string, std::string> kTuv = {
+    {"WrongClass", "Expected a {1} array, but the array is of class {2}."},
+    {"NotScalar", "Expected a scalar, but the array is {1}-by-{2}."},
+    {"IndexOutOfRange", "Index {1} is out of range for an array of {2} element(s)."},
+};
+
+std::pair<std::string, std::string> splitIdentifier(const std::string& id) {
+    auto pos = id.rfind(':');
+    if (pos == std::string::npos) return {std::string(), id};
+    return {id.substr(0, pos), id.substr(pos + 1)};
+}
+} // namespace
+
+struct MessageCatalog::Impl {
+    mutable std::shared_mutex mutex;
+    std::unordered_map<std::string, std::map<std::string, std::string>> catalogs;
+};
+
+MessageCatalog::MessageCatalog() : impl_(new Impl) {
+    impl_->catalogs["Brisk:codeGen"] = kBriskCodeGen;
+    impl_->catalogs["Korb"] = kKorb;
+    impl_->catalogs["tuv"] = kTuv;
+}
+
+MessageCatalog& MessageCatalog::instance() {
+    // Never destroyed: diagnostics may be raised during static destruction.
+    static MessageCatalog* catalog = new MessageCatalog;
+    return *catalog;
+}
+
+void MessageCatalog::addCatalog(const std::string& catalog,
+                                const std::map<std::string, std::string>& templates) {
+    std::unique_lock lock(impl_->mutex);
+    auto& entries = impl_->catalogs[catalog];
+    for (const auto& [key, text] : templates) entries[key] = text;
+}
+
+const std::string* MessageCatalog::lookup(const std::string& identifier) const {
+    auto [catalog, key] = splitIdentifier(identifier);
+    std::shared_lock lock(impl_->mutex);
+    auto c = impl_->catalogs.find(catalog);
+    if (c == impl_->catalogs.end()) return nullptr;
+    auto m = c->second.find(key);
+    // Entries are never erased, so the pointer outlives the lock.
+    return m == c->second.end() ? nullptr : &m->second;
+}
+
+std::string MessageCatalog::format(const std::string& pattern, const std::vector<std::string>& arguments) {
+    std::string out;
+    out.reserve(pattern.size());
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        char c = pattern[i];
+        if (c == '{' && i + 1 < pattern.size() && pattern[i + 1] == '{') {
+            out += '{';
+            ++i;
+            continue;
+        }
+        if (c == '{') {
+            std::size_t close = pattern.find('}', i);
+            std::size_t n = 0;
+            bool numeric = close != std::string::npos && close > i + 1;
+            for (std::size_t j = i + 1; numeric && j < close; ++j) {
+                if (pattern[j] < '0' || pattern[j] > '9' || n > 1000) numeric = false;
+                else n = n * 10 + static_cast<std::size_t>(pattern[j] - '0');
+            }
+            if (numeric && n >= 1 && n <= arguments.size()) {
+                out += arguments[n - 1];
+                i = close;
+                continue;
+            }
+        }
+        out += c;
+    }
+    return out;
+}
+
+Diagnostic::Diagnostic(std::string identifier, std::vector<std::string> arguments, std::string message)
+    : identifier_(std::move(identifier)), arguments_(std::move(arguments)), message_(std::move(message)) {}
+
+Diagnostic Diagnostic::fromCatalog(std::string identifier, std::vector<std::string> arguments) {
+    std::string message;
+    if (const std::string* pattern = MessageCatalog::instance().lookup(identifier)) {
+        message = MessageCatalog::format(*pattern, arguments);
+    } else {
+        // No text known: still say everything the caller gave.
+        message = "Message " + identifier;
+        for (std::size_t i = 0; i < arguments.size(); ++i)
+            message += (i == 0 ? " (" : ", ") + arguments[i];
+        if (!arguments.empty()) message += ")";
+    }
+    return Diagnostic(std::move(identifier), std::move(arguments), std::move(message));
+}
+
+Diagnostic Diagnostic::withText(std::string identifier, std::string text) {
+    return Diagnostic(std::move(identifier), {}, std::move(text));
+}
+
+void Diagnostic::raise() const { throw Exception(*this); }
+
+Exception::Exception(Diagnostic diagnostic)
+    : diagnostic_(std::move(diagnostic)), what_(diagnostic_.identifier() + ": " + diagnostic_.message()) {}
+
+void throwError(std::string identifier, std::vector<std::string> arguments) {
+    Diagnostic::fromCatalog(std::move(identifier), std::move(arguments)).raise();
+}
+
+void throwErrorText(std::string identifier, std::string text) {
+    Diagnostic::withText(std::move(identifier), std::move(text)).raise();
+}
+
+} // namespace vel::diag

@@ -1,0 +1,185 @@
+#include "vel/tuvArray.hpp"
+
+#include <cmath>
+#include <sstream>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/i18n/Text.hpp"
+
+using Storage8 = std::vector<std::uint8_t>;
+
+const char* tuvClassName(tuvClass c) {
+    switch (c) {
+    case tuvClass::Logical: return "logical";
+    case tuvClass::Int32: return "int32";
+    case tuvClass::UInt32: return "uint32";
+    case tuvClass::Int64: return "int64";
+    case tuvClass::Double: return "double";
+    case tuvClass::Char: return "char";
+    case tuvClass::Cell: return "cell";
+    case tuvClass::Object: return "handle";
+    case tuvClass::Opaque: return "opaque";
+    }
+    return "unknown";
+}
+
+tuvArray::tuvArray(tuvClass c, std::size_t rows, std::size_t cols, Storage data, std::string foreignClass)
+    : class_(c), rows_(rows), cols_(cols), data_(std::move(data)), foreignClass_(std::move(foreignClass)) {}
+
+tuvArrayPtr tuvArray::empty() {
+    return tuvArrayPtr(new tuvArray(tuvClass::Double, 0, 0, std::vector<double>{}));
+}
+tuvArrayPtr tuvArray::logical(bool v) {
+    return tuvArrayPtr(new tuvArray(tuvClass::Logical, 1, 1, Storage8{static_cast<std::uint8_t>(v)}));
+}
+tuvArrayPtr tuvArray::int32(std::int32_t v) {
+    return tuvArrayPtr(new tuvArray(tuvClass::Int32, 1, 1, std::vector<std::int32_t>{v}));
+}
+tuvArrayPtr tuvArray::uint32(std::uint32_t v) {
+    return tuvArrayPtr(new tuvArray(tuvClass::UInt32, 1, 1, std::vector<std::uint32_t>{v}));
+}
+tuvArrayPtr tuvArray::int64(std::int64_t v) {
+    return tuvArrayPtr(new tuvArray(tuvClass::Int64, 1, 1, std::vector<std::int64_t>{v}));
+}
+tuvArrayPtr tuvArray::float64(double v) {
+    return tuvArrayPtr(new tuvArray(tuvClass::Double, 1, 1, std::vector<double>{v}));
+}
+tuvArrayPtr tuvArray::chars(std::u16string text) {
+    // Character arrays are row vectors; the empty text is 0-by-0.
+    std::size_t n = text.size();
+    return tuvArrayPtr(new tuvArray(tuvClass::Char, n ? 1 : 0, n, std::move(text)));
+}
+tuvArrayPtr tuvArray::fromUtf8(const std::string& text) { return chars(vel::i18n::toUString(text)); }
+tuvArrayPtr tuvArray::fromWide(const std::wstring& text) { return chars(vel::i18n::toUString(text)); }
+tuvArrayPtr tuvArray::int32Vector(std::vector<std::int32_t> values) {
+    std::size_t n = values.size();
+    return tuvArrayPtr(new tuvArray(tuvClass::Int32, n ? 1 : 0, n, std::move(values)));
+}
+tuvArrayPtr tuvArray::doubleVector(std::vector<double> values) {
+    std::size_t n = values.size();
+    return tuvArrayPtr(new tuvArray(tuvClass::Double, n ? 1 : 0, n, std::move(values)));
+}
+tuvArrayPtr tuvArray::cell(std::size_t rows, std::size_t cols) {
+    std::vector<tuvArrayPtr> cells(rows * cols);
+    for (auto& c : cells) c = empty();
+    return tuvArrayPtr(new tuvArray(tuvClass::Cell, rows, cols, std::move(cells)));
+}
+tuvArrayPtr tuvArray::objects(std::vector<vel::mi::HandleRef> handles) {
+    std::size_t n = handles.size();
+    return tuvArrayPtr(new tuvArray(tuvClass::Object, n ? 1 : 0, n, std::move(handles)));
+}
+tuvArrayPtr tuvArray::opaque(std::string className, std::shared_ptr<const void> payload) {
+    return tuvArrayPtr(new tuvArray(tuvClass::Opaque, 1, 1, std::move(payload), std::move(className)));
+}
+
+std::string tuvArray::className() const {
+    return class_ == tuvClass::Opaque ? foreignClass_ : tuvClassName(class_);
+}
+
+bool tuvArray::isNumeric() const {
+    return class_ == tuvClass::Int32 || class_ == tuvClass::UInt32 || class_ == tuvClass::Int64 ||
+           class_ == tuvClass::Double;
+}
+
+template <class T>
+const T& tuvArray::storage(tuvClass c) const {
+    if (class_ != c) vel::diag::throwError("tuv:WrongClass", {tuvClassName(c), className()});
+    return std::get<T>(data_);
+}
+
+void tuvArray::requireScalar() const {
+    if (!isScalar())
+        vel::diag::throwError("tuv:NotScalar", {std::to_string(rows_), std::to_string(cols_)});
+}
+
+bool tuvArray::logicalValue() const {
+    const auto& d = storage<Storage8>(tuvClass::Logical);
+    requireScalar();
+    return d[0] != 0;
+}
+std::int32_t tuvArray::int32Value() const {
+    const auto& d = storage<std::vector<std::int32_t>>(tuvClass::Int32);
+    requireScalar();
+    return d[0];
+}
+std::uint32_t tuvArray::uint32Value() const {
+    const auto& d = storage<std::vector<std::uint32_t>>(tuvClass::UInt32);
+    requireScalar();
+    return d[0];
+}
+std::int64_t tuvArray::int64Value() const {
+    const auto& d = storage<std::vector<std::int64_t>>(tuvClass::Int64);
+    requireScalar();
+    return d[0];
+}
+double tuvArray::doubleValue() const {
+    const auto& d = storage<std::vector<double>>(tuvClass::Double);
+    requireScalar();
+    return d[0];
+}
+
+double tuvArray::numericAt(std::size_t i) const {
+    if (i >= numel())
+        vel::diag::throwError("tuv:IndexOutOfRange", {std::to_string(i + 1), std::to_string(numel())});
+    switch (class_) {
+    case tuvClass::Logical: return std::get<Storage8>(data_)[i];
+    case tuvClass::Int32: return std::get<std::vector<std::int32_t>>(data_)[i];
+    case tuvClass::UInt32: return std::get<std::vector<std::uint32_t>>(data_)[i];
+    case tuvClass::Int64: return static_cast<double>(std::get<std::vector<std::int64_t>>(data_)[i]);
+    case tuvClass::Double: return std::get<std::vector<double>>(data_)[i];
+    default: vel::diag::throwError("tuv:WrongClass", {"numeric", className()});
+    }
+}
+
+double tuvArray::numericValue() const {
+    if (!isNumeric() && class_ != tuvClass::Logical)
+        vel::diag::throwError("tuv:WrongClass", {"numeric", className()});
+    requireScalar();
+    return numericAt(0);
+}
+
+const std::u16string& tuvArray::charData() const { return storage<std::u16string>(tuvClass::Char); }
+std::string tuvArray::toUtf8() const { return vel::i18n::toUtf8(charData()); }
+std::wstring tuvArray::toWide() const { return vel::i18n::toWide(charData()); }
+
+const std::vector<std::int32_t>& tuvArray::int32Data() const {
+    return storage<std::vector<std::int32_t>>(tuvClass::Int32);
+}
+
+const tuvArrayPtr& tuvArray::getCell(std::size_t i) const {
+    const auto& cells = storage<std::vector<tuvArrayPtr>>(tuvClass::Cell);
+    if (i >= cells.size())
+        vel::diag::throwError("tuv:IndexOutOfRange", {std::to_string(i + 1), std::to_string(cells.size())});
+    return cells[i];
+}
+
+void tuvArray::setCell(std::size_t i, tuvArrayPtr value) {
+    storage<std::vector<tuvArrayPtr>>(tuvClass::Cell); // class check
+    auto& cells = std::get<std::vector<tuvArrayPtr>>(data_);
+    if (i >= cells.size())
+        vel::diag::throwError("tuv:IndexOutOfRange", {std::to_string(i + 1), std::to_string(cells.size())});
+    cells[i] = value ? std::move(value) : empty();
+}
+
+const std::vector<vel::mi::HandleRef>& tuvArray::handles() const {
+    return storage<std::vector<vel::mi::HandleRef>>(tuvClass::Object);
+}
+
+const std::shared_ptr<const void>& tuvArray::opaquePayload() const {
+    return storage<std::shared_ptr<const void>>(tuvClass::Opaque);
+}
+
+std::string tuvArray::describe() const {
+    std::ostringstream os;
+    if (class_ == tuvClass::Char && rows_ <= 1) {
+        os << "'" << toUtf8() << "'";
+        return os.str();
+    }
+    if (isScalar() && (isNumeric() || class_ == tuvClass::Logical)) {
+        os << className() << " " << numericAt(0);
+        if (class_ == tuvClass::Logical) os.str(numericAt(0) != 0 ? "logical true" : "logical false");
+        return os.str();
+    }
+    os << rows_ << "x" << cols_ << " " << className() << " array";
+    return os.str();
+}

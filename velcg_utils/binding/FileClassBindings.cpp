@@ -1,0 +1,7 @@
+#include "ClassBindings.hpp"
+
+namespace VelCG::binding {
+
+void appendFileClasses(ClassList&) {}
+
+} // namespace VelCG::binding

@@ -1,0 +1,7 @@
+#include "ClassBindings.hpp"
+
+namespace VelCG::binding {
+
+void appendModelClasses(ClassList&) {}
+
+} // namespace VelCG::binding
