@@ -1,0 +1,66 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/feature/Feature.hpp"
+
+namespace {
+
+using vel::feature::Feature;
+
+TEST(Feature, ReadsAreCountedAndSetResetRestoreTheInitialValue) {
+    Feature f("TestFeatureCounting", "counting", "Test[Unit]", 3);
+    EXPECT_EQ(0u, f.readCount());
+    EXPECT_EQ(3, f.value());
+    EXPECT_EQ(3, static_cast<int>(f));
+    EXPECT_EQ(2u, f.readCount());
+    EXPECT_EQ(3, f.peek());
+    EXPECT_EQ(2u, f.readCount()) << "peek does not count";
+    f.set(-4);
+    EXPECT_EQ(-4, f.value());
+    {
+        vel::feature::ScopedValue scoped(f, 9);
+        EXPECT_EQ(9, f.value());
+    }
+    EXPECT_EQ(-4, f.value());
+    f.reset();
+    EXPECT_EQ(3, f.value());
+    f.resetReadCount();
+    EXPECT_EQ(0u, f.readCount());
+}
+
+TEST(Feature, RegistryFindsDeclaredFeaturesAndRefusesDuplicates) {
+    {
+        Feature f("TestFeatureRegistry", "desc", "Test[Unit]", 0, "tests/host");
+        ASSERT_EQ(&f, vel::feature::Registry::find("TestFeatureRegistry"));
+        EXPECT_EQ("tests/host", f.source());
+        try {
+            Feature dup("TestFeatureRegistry", "again", "Test[Unit]", 1);
+            FAIL() << "duplicate accepted";
+        } catch (const vel::diag::Exception& e) {
+            EXPECT_EQ("Feature:Duplicate", e.identifier());
+        }
+        EXPECT_EQ(&f, vel::feature::Registry::find("TestFeatureRegistry"));
+    }
+    EXPECT_EQ(nullptr, vel::feature::Registry::find("TestFeatureRegistry")) << "destroyed features leave";
+}
+
+TEST(Feature, EnvironmentOverridesTheDefaultOnlyWithAnInteger) {
+    struct Row {
+        const char* env;
+        int expected;
+    } rows[] = {{"7", 7}, {"-2", -2}, {"", 5}, {"x1", 5}, {"3x", 5}, {"99999999999", 5}};
+    for (const auto& r : rows) {
+        ::setenv("VEL_FEATURE_TestFeatureEnv", r.env, 1);
+        Feature f("TestFeatureEnv", "env", "Test[Unit]", 5);
+        EXPECT_EQ(r.expected, f.value()) << "'" << r.env << "'";
+        EXPECT_EQ(5, f.defaultValue());
+        f.set(100);
+        f.reset();
+        EXPECT_EQ(r.expected, f.value()) << "reset returns to the initial value";
+    }
+    ::unsetenv("VEL_FEATURE_TestFeatureEnv");
+}
+
+} // namespace

@@ -1,0 +1,75 @@
+#include <gtest/gtest.h>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/tuvArray.hpp"
+
+namespace {
+
+std::string idOf(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const vel::diag::Exception& e) {
+        return e.identifier();
+    }
+    return "none";
+}
+
+TEST(tuvArray, FactoriesGiveClassShapeAndValue) {
+    struct Row {
+        tuvArrayPtr a;
+        const char* cls;
+        std::size_t rows, cols;
+        std::string shown;
+    } rows[] = {
+        {tuvArray::empty(), "double", 0, 0, "0x0 double array"},
+        {tuvArray::logical(true), "logical", 1, 1, "logical true"},
+        {tuvArray::int32(-3), "int32", 1, 1, "int32 -3"},
+        {tuvArray::uint32(4000000000u), "uint32", 1, 1, "uint32 4e+09"},
+        {tuvArray::int64(-5), "int64", 1, 1, "int64 -5"},
+        {tuvArray::float64(2.5), "double", 1, 1, "double 2.5"},
+        {tuvArray::fromUtf8("ab"), "char", 1, 2, "'ab'"},
+        {tuvArray::fromUtf8(""), "char", 0, 0, "''"},
+        {tuvArray::int32Vector({1, 2, 3}), "int32", 1, 3, "1x3 int32 array"},
+        {tuvArray::int32Vector({}), "int32", 0, 0, "0x0 int32 array"},
+        {tuvArray::cell(0, 1), "cell", 0, 1, "0x1 cell array"},
+        {tuvArray::cell(2), "cell", 2, 1, "2x1 cell array"},
+        {tuvArray::objects({}), "handle", 0, 0, "0x0 handle array"},
+        {tuvArray::opaque("embedded.type", nullptr), "embedded.type", 1, 1, "1x1 embedded.type array"},
+    };
+    for (const auto& r : rows) {
+        EXPECT_EQ(r.cls, r.a->className()) << r.shown;
+        EXPECT_EQ(r.rows, r.a->rows()) << r.shown;
+        EXPECT_EQ(r.cols, r.a->cols()) << r.shown;
+        EXPECT_EQ(r.shown, r.a->describe());
+    }
+    EXPECT_EQ(4000000000u, tuvArray::uint32(4000000000u)->uint32Value());
+    EXPECT_EQ(-5, tuvArray::int64(-5)->int64Value());
+    EXPECT_EQ(-3.0, tuvArray::int32(-3)->numericValue());
+    EXPECT_EQ(std::wstring(L"\u00e9"), tuvArray::fromUtf8("\xc3\xa9")->toWide());
+}
+
+TEST(tuvArray, CellsHoldSharedArraysAndCheckBounds) {
+    auto c = tuvArray::cell(2, 1);
+    EXPECT_TRUE(c->getCell(1)->isEmpty());
+    auto s = tuvArray::fromUtf8("x");
+    c->setCell(1, s);
+    EXPECT_EQ(s, c->getCell(1));
+    c->setCell(0, nullptr);
+    EXPECT_TRUE(c->getCell(0)->isEmpty()) << "a null cell reads as empty";
+    EXPECT_EQ("tuv:IndexOutOfRange", idOf([&] { c->getCell(2); }));
+    EXPECT_EQ("tuv:IndexOutOfRange", idOf([&] { c->setCell(2, s); }));
+    EXPECT_EQ("tuv:WrongClass", idOf([&] { s->setCell(0, s); }));
+}
+
+TEST(tuvArray, TypedReadsRefuseOtherClassesAndShapes) {
+    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::int32(1)->logicalValue(); }));
+    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::float64(1)->int32Value(); }));
+    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::int32(1)->toUtf8(); }));
+    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::fromUtf8("a")->numericValue(); }));
+    EXPECT_EQ("tuv:NotScalar", idOf([] { tuvArray::int32Vector({1, 2})->int32Value(); }));
+    EXPECT_EQ("tuv:NotScalar", idOf([] { tuvArray::empty()->doubleValue(); }));
+    EXPECT_EQ("tuv:IndexOutOfRange", idOf([] { tuvArray::int32Vector({1})->numericAt(1); }));
+    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::cell(1)->handles(); }));
+}
+
+} // namespace
