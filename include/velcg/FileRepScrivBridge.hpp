@@ -1,0 +1,134 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include <boost/function.hpp>
+#include <boost/shared_ptr.hpp>
+#include <boost/unordered_map.hpp>
+
+#include "velcg/Export.hpp"
+#include "velcg/VelCGFileSectionKind.hpp"
+
+namespace VelCG {
+
+class FileSectionFragment;
+class VelCGFile;
+class VelCGFileRepository;
+
+// The name-based interface through which Scriv scripts work on the files of
+// one repository: a file is addressed by its index in the repository's file
+// list (from 0), an attribute or a section by its name (case-sensitive).
+//
+// Attribute names:
+//   boolean, read and set: "Filter", "IsEmpty" (setting false marks the file
+//     non-empty, setting true does nothing), "WrittenToDisk", "Indent",
+//     "Shared", "SharedType", "DeferredIncludeCoderTypes"
+//   string, set: "BaseName", "Type", "Creator", "SystemsInFile" (adds one),
+//     "RequiredIncludes" and "UtilityIncludes" (add one to the includes
+//     section's list), "CodeTemplate", "OutputDirectory", "Group" (only the
+//     first non-empty setting takes), "DefinedMacro"
+//   string, read: "Name", "BaseName", "NameWithoutExtension", "Type",
+//     "Creator", "CodeTemplate", "OutputDirectory", "Group", "DefinedMacro",
+//     and every section name (the section's current text)
+//   string list, read: "SystemsInFile", "RequiredIncludes", "UtilityIncludes"
+//
+// Section names are the Scriv section names of the kinds 0..21 except
+// FORWARD_DECLS_SECTION ("Banner" ... "UserBottom"). For declaring custom
+// sections only, "Types" also names the typedefs section.
+//
+// Every operation runs in time independent of the number of files.
+//
+// Diagnostics (catalogue "VelCG:FileRepScrivBridge" unless noted):
+//   "VelCG:FileRepScrivBridge:InvalidFileIndex"  fileIndex < 0 or >= number of
+//                                                files (arguments: index, count)
+//   "VelCG:FileRepScrivBridge:UnknownAttribute"  name not in the table the
+//                                                operation uses (name, kind of attribute)
+//   "VelCG:FileRepScrivBridge:UnknownSection"    section name unknown to the
+//                                                operation (name)
+//   "VelCG:FileRepScrivBridge:NullArgument"      null value, fragment or stream
+//                                                (argument's name)
+//   "Brisk:codeGen:CustomContentInvalidBuiltin"  addCustomSection with an unknown
+//                                                built-in name (custom name, built-in name)
+// Errors of the files' custom contents pass through unchanged.
+class VELCG_API FileRepScrivBridge {
+public:
+    explicit FileRepScrivBridge(VelCGFileRepository& repository);
+    FileRepScrivBridge(const FileRepScrivBridge&) = delete;
+    FileRepScrivBridge& operator=(const FileRepScrivBridge&) = delete;
+    virtual ~FileRepScrivBridge();
+
+    VelCGFile& getFileFromIndex(std::int32_t fileIndex) const;
+
+    bool isBooleanAttribute(const std::string& name) const;
+    // True for every section name too.
+    bool isStringAttribute(const std::string& name) const;
+    bool isStringArrayAttribute(const std::string& name) const;
+    bool isFileSectionAttribute(const std::string& name) const;
+
+    bool getBooleanAttribute(std::int32_t fileIndex, const std::string& name) const;
+    // Valid while the file lives and the attribute (or section) is unchanged.
+    const char* getStringAttribute(std::int32_t fileIndex, const std::string& name) const;
+    const std::vector<std::string>& getStringArrayAttribute(std::int32_t fileIndex,
+                                                            const std::string& name) const;
+    void setAttribute(std::int32_t fileIndex, const std::string& name, const char* value);
+    void setAttribute(std::int32_t fileIndex, const std::string& name, bool value);
+
+    // Appends fragment (shared, not copied) to the named section.
+    void addSectionContent(std::int32_t fileIndex, const std::string& sectionName,
+                           boost::shared_ptr<FileSectionFragment> fragment);
+    // Declares a custom section tied to the named built-in section.
+    void addCustomSection(std::int32_t fileIndex, const std::string& builtinSectionName,
+                          const std::string& customSectionName);
+    // Appends the custom sections the template did not place to the section.
+    void appendMissingTokens(std::int32_t fileIndex, const std::string& sectionName);
+    // Writes the named section of the file to an open stream; the caller
+    // opens and closes it.
+    void writeSection(std::int32_t fileIndex, const std::string& sectionName, std::FILE* stream) const;
+
+private:
+    using BooleanSetter = boost::function<void(VelCGFile&, bool)>;
+    using BooleanGetter = boost::function<bool(const VelCGFile&)>;
+    using StringSetter = boost::function<void(VelCGFile&, const char*)>;
+    using StringGetter = boost::function<const std::string&(const VelCGFile&)>;
+    using StringArrayGetter = boost::function<const std::vector<std::string>&(const VelCGFile&)>;
+    using SectionWriter = boost::function<void(VelCGFile&, std::FILE*)>;
+    using SectionContentAdder =
+        boost::function<void(VelCGFile&, const boost::shared_ptr<FileSectionFragment>&)>;
+    using CustomSectionAdder = boost::function<void(VelCGFile&, const char*)>;
+    using SectionTokenAppender = boost::function<void(VelCGFile&)>;
+
+    void fillAttributeTables();
+    void fillSectionTables();
+
+    bool getBooleanAttributeFromFile(const VelCGFile& file, const std::string& name) const;
+    const char* getStringAttributeFromFile(const VelCGFile& file, const std::string& name) const;
+    const std::vector<std::string>& getStringArrayAttributeFromFile(const VelCGFile& file,
+                                                                    const std::string& name) const;
+    void setAttributeForFile(VelCGFile& file, const std::string& name, const char* value);
+    void setAttributeForFile(VelCGFile& file, const std::string& name, bool value);
+
+    // Section handlers, bound per kind.
+    const std::string& getFileSectionContent(const VelCGFile& file, VelCGFileSectionKind kind) const;
+    void addFileCustomSection(VelCGFile& file, const char* customSectionName,
+                              VelCGFileSectionKind kind);
+    void appendFileSectionTokens(VelCGFile& file, VelCGFileSectionKind kind);
+    void writeFileSectionToDisk(VelCGFile& file, std::FILE* stream, VelCGFileSectionKind kind) const;
+    void addFileSectionContent(VelCGFile& file, const boost::shared_ptr<FileSectionFragment>& fragment,
+                               VelCGFileSectionKind kind);
+
+    VelCGFileRepository& repository_;
+    boost::unordered_map<std::string, BooleanSetter> booleanSetters_;
+    boost::unordered_map<std::string, BooleanGetter> booleanGetters_;
+    boost::unordered_map<std::string, StringSetter> stringSetters_;
+    boost::unordered_map<std::string, StringGetter> stringGetters_;
+    boost::unordered_map<std::string, StringArrayGetter> stringArrayGetters_;
+    boost::unordered_map<std::string, SectionWriter> sectionWriters_;
+    boost::unordered_map<std::string, SectionContentAdder> sectionContentAdders_;
+    boost::unordered_map<std::string, CustomSectionAdder> customSectionAdders_;
+    boost::unordered_map<std::string, SectionTokenAppender> sectionTokenAppenders_;
+};
+
+} // namespace VelCG

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <iosfwd>
+#include <list>
+#include <memory>
+#include <string>
+
+#include <boost/shared_ptr.hpp>
+
+#include "vel/mi/Handle.hpp"
+#include "velcg/Export.hpp"
+#include "velcg/FileSectionFragment.hpp"
+
+namespace VelCG {
+
+// One section of a generated file: an ordered list of text fragments. The
+// fragments are held by boost::shared_ptr (as are custom sections, see
+// CustomContents): a cloned section shares them with its original.
+//
+// Sections render and write their fragments in insertion order with nothing
+// between them; fragments carry their own line ends.
+//
+// Diagnostics: "VelCG:FileSection:NullContent" (null text),
+// "VelCG:FileSection:NullFragment" (null fragment),
+// "VelCG:FileSection:NullStream" (null stream),
+// "VelCG:FileSection:WriteFailed" (the stream refused bytes).
+class VELCG_API FileSection : public vel::mi::Handle {
+public:
+    using FragmentPtr = boost::shared_ptr<FileSectionFragment>;
+
+    FileSection();
+    FileSection(const FileSection& other);
+    FileSection& operator=(const FileSection&) = delete;
+    ~FileSection() override;
+
+    // "VelCG.FileSection".
+    const char* getFullyQualifiedKorbTypeName() const override;
+
+    // True when the section has no fragments; a section holding only empty
+    // strings is not empty.
+    virtual bool isEmpty() const;
+
+    // Writes every fragment's text to out, in order.
+    virtual void printToStream(std::ostream& out) const;
+
+    // The concatenated text of the fragments. The reference stays valid
+    // until the next call on this section.
+    virtual const std::string& getContent() const;
+
+    // Appends text up to its terminating NUL as a new fragment.
+    virtual void addContent_cstr(const char* text);
+
+    // Appends the string's character data through addContent_cstr, so text
+    // after an embedded NUL is dropped.
+    virtual void addContent(const std::string& text);
+
+    // Appends the fragment itself (shared, not copied).
+    virtual void addFragment(FragmentPtr fragment);
+
+    // Writes every fragment's bytes to stream, in order.
+    virtual void writeToFile(std::FILE* stream) const;
+
+    // A new section of the same class holding the same fragments.
+    virtual std::unique_ptr<FileSection> clone() const;
+
+    // Removes all fragments.
+    virtual void clearContent();
+
+protected:
+    virtual std::uint32_t getNumberOfSectionFragments() const;
+
+    // The text of fragment i (from 0).
+    // REQUIRES: i < getNumberOfSectionFragments(); a larger i raises
+    // "VelCG:FileSection:InvalidFragmentIndex".
+    virtual const std::string& getSectionFragment(std::uint32_t i) const;
+
+private:
+    std::list<FragmentPtr> fragments_;
+    mutable std::string contentCache_;
+};
+
+} // namespace VelCG

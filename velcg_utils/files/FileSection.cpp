@@ -1,0 +1,79 @@
+#include "velcg/FileSection.hpp"
+
+#include <iterator>
+#include <ostream>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/StringFileSectionFragment.hpp"
+
+namespace VelCG {
+
+namespace {
+[[maybe_unused]] const bool kCatalogRegistered = [] {
+    vel::diag::MessageCatalog::instance().addCatalog(
+        "VelCG:FileSection",
+        {
+            {"NullContent", "Section content must be a character string, not a null pointer."},
+            {"NullFragment", "A null fragment cannot be added to a file section."},
+            {"NullStream", "Cannot write a file section: the output stream is null."},
+            {"WriteFailed", "Writing {1} byte(s) of a file section to the output stream failed."},
+            {"InvalidFragmentIndex",
+             "Fragment index {1} is out of range for a section of {2} fragment(s)."},
+        });
+    return true;
+}();
+} // namespace
+
+FileSection::FileSection() = default;
+
+FileSection::FileSection(const FileSection& other) : vel::mi::Handle(other), fragments_(other.fragments_) {}
+
+FileSection::~FileSection() = default;
+
+const char* FileSection::getFullyQualifiedKorbTypeName() const { return "VelCG.FileSection"; }
+
+bool FileSection::isEmpty() const { return fragments_.empty(); }
+
+void FileSection::printToStream(std::ostream& out) const {
+    for (const FragmentPtr& f : fragments_) out << f->getContent();
+}
+
+const std::string& FileSection::getContent() const {
+    contentCache_.clear();
+    for (const FragmentPtr& f : fragments_) contentCache_ += f->getContent();
+    return contentCache_;
+}
+
+void FileSection::addContent_cstr(const char* text) {
+    addFragment(boost::shared_ptr<FileSectionFragment>(new StringFileSectionFragment(text)));
+}
+
+void FileSection::addContent(const std::string& text) { addContent_cstr(text.c_str()); }
+
+void FileSection::addFragment(FragmentPtr fragment) {
+    if (!fragment) vel::diag::throwError("VelCG:FileSection:NullFragment", {});
+    contentCache_.clear();
+    fragments_.push_back(std::move(fragment));
+}
+
+void FileSection::writeToFile(std::FILE* stream) const {
+    if (!stream) vel::diag::throwError("VelCG:FileSection:NullStream", {});
+    for (const FragmentPtr& f : fragments_) f->writeToFile(stream);
+}
+
+std::unique_ptr<FileSection> FileSection::clone() const { return std::make_unique<FileSection>(*this); }
+
+void FileSection::clearContent() { fragments_.clear(); }
+
+std::uint32_t FileSection::getNumberOfSectionFragments() const {
+    return static_cast<std::uint32_t>(fragments_.size());
+}
+
+const std::string& FileSection::getSectionFragment(std::uint32_t i) const {
+    if (i >= fragments_.size())
+        vel::diag::throwError("VelCG:FileSection:InvalidFragmentIndex",
+                              {std::to_string(i), std::to_string(fragments_.size())});
+    return (*std::next(fragments_.begin(), i))->getContent();
+}
+
+} // namespace VelCG

@@ -1,0 +1,85 @@
+#include "velcg/VelCGFile.hpp"
+
+#include <boost/filesystem/path.hpp>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/i18n/Text.hpp"
+#include "velcg/FileSection.hpp"
+#include "velcg/VelCGFileContent.hpp"
+#include "velcg/VelCGFileContentBuilder.hpp"
+#include "velcg/VelCGFileContentCreator.hpp"
+
+namespace VelCG {
+
+namespace {
+[[maybe_unused]] const bool kCatalogRegistered = [] {
+    vel::diag::MessageCatalog::instance().addCatalog(
+        "VelCG:VelCGFile",
+        {
+            {"NullBuilder", "Cannot create the file '{1}' without a content builder."},
+            {"NullStream", "Cannot write section '{2}' of file '{1}': the output stream is null."},
+        });
+    return true;
+}();
+
+std::unique_ptr<VelCGFileContent> buildContent(const std::string& name,
+                                               std::unique_ptr<VelCGFileContentBuilder> builder) {
+    if (!builder) vel::diag::throwError("VelCG:VelCGFile:NullBuilder", {name});
+    std::unique_ptr<VelCGFileContent> content = VelCGFileContentCreator::createFileContent(*builder);
+    // A builder that allocated no table leaves the file without sections.
+    return content ? std::move(content) : std::make_unique<VelCGFileContent>();
+}
+
+std::string withoutLastExtension(const std::string& name) {
+    std::string::size_type dot = name.rfind('.');
+    return dot == std::string::npos ? name : name.substr(0, dot);
+}
+} // namespace
+
+VelCGFile::VelCGFile(const std::string& name, std::unique_ptr<VelCGFileContentBuilder> builder)
+    : content_(buildContent(name, std::move(builder))),
+      name_(vel::i18n::toWide(name)),
+      nameAscii_(name),
+      baseName_(boost::filesystem::path(name).stem().string()),
+      nameWithoutExtension_(withoutLastExtension(name)),
+      customContents_(name) {}
+
+VelCGFile::~VelCGFile() = default;
+
+const char* VelCGFile::getFullyQualifiedKorbTypeName() const { return "VelCG.VelCGFile"; }
+
+void VelCGFile::setSystemsInFile(const std::vector<std::string>& systems) {
+    systemsInFile_ = systems;
+    systemsSeen_.clear();
+    systemsSeen_.insert(systems.begin(), systems.end());
+}
+
+void VelCGFile::addSystemToFile(const std::string& system) {
+    if (systemsSeen_.insert(system).second) systemsInFile_.push_back(system);
+}
+
+bool VelCGFile::isEmpty() const { return !notEmpty_ && content_->isEmpty(); }
+
+void VelCGFile::clearContents() {
+    notEmpty_ = false;
+    content_->clearContents();
+}
+
+bool VelCGFile::hasSection(VelCGFileSectionKind kind) const { return content_->hasSection(kind); }
+
+FileSection& VelCGFile::getFileSection(VelCGFileSectionKind kind) { return content_->getSection(kind); }
+
+const FileSection& VelCGFile::getFileSection(VelCGFileSectionKind kind) const {
+    return content_->getSection(kind);
+}
+
+void VelCGFile::writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream) {
+    if (!hasSection(kind)) return;
+    if (!stream)
+        vel::diag::throwError("VelCG:VelCGFile:NullStream", {nameAscii_, getScrivSectionNameFromEnum(kind)});
+    FileSection& section = getFileSection(kind);
+    customContents_.appendMissingTokens(section, kind);
+    section.writeToFile(stream);
+}
+
+} // namespace VelCG

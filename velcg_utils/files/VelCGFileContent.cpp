@@ -1,0 +1,92 @@
+#include "velcg/VelCGFileContent.hpp"
+
+#include "vel/diag/Diagnostic.hpp"
+
+namespace VelCG {
+
+namespace {
+[[maybe_unused]] const bool kCatalogRegistered = [] {
+    vel::diag::MessageCatalog::instance().addCatalog(
+        "VelCG:VelCGFileContent",
+        {{"InvalidSlot", "Cannot place a section in slot {1} of a file's section table: {2}."}});
+    return true;
+}();
+
+bool isSlot(VelCGFileSectionKind kind) {
+    return static_cast<unsigned>(kind) < static_cast<unsigned>(kNumberOfSectionSlots);
+}
+} // namespace
+
+// EmptyFileSection
+
+VelCGFileContent::EmptyFileSection::EmptyFileSection() = default;
+VelCGFileContent::EmptyFileSection::EmptyFileSection(const EmptyFileSection& other) = default;
+VelCGFileContent::EmptyFileSection::~EmptyFileSection() = default;
+
+void VelCGFileContent::EmptyFileSection::addContent_cstr(const char*) {}
+void VelCGFileContent::EmptyFileSection::addContent(const std::string&) {}
+void VelCGFileContent::EmptyFileSection::addFragment(FragmentPtr) {}
+
+std::unique_ptr<FileSection> VelCGFileContent::EmptyFileSection::clone() const {
+    return std::make_unique<EmptyFileSection>();
+}
+
+const std::string& VelCGFileContent::EmptyFileSection::getSectionFragment(std::uint32_t) const {
+    return emptyString_;
+}
+
+// VelCGFileContent
+
+VelCGFileContent::VelCGFileContent() : sections_(kNumberOfSectionSlots) {}
+
+VelCGFileContent::VelCGFileContent(const VelCGFileContent& other) : sections_(kNumberOfSectionSlots) {
+    for (int k = 0; k < kNumberOfSectionSlots; ++k)
+        if (other.sections_[k]) sections_[k] = other.sections_[k]->clone();
+}
+
+VelCGFileContent& VelCGFileContent::operator=(const VelCGFileContent& other) {
+    if (this != &other) {
+        VelCGFileContent copy(other);
+        sections_.swap(copy.sections_);
+    }
+    return *this;
+}
+
+VelCGFileContent::~VelCGFileContent() = default;
+
+FileSection& VelCGFileContent::getSection(VelCGFileSectionKind kind) {
+    if (!hasSection(kind)) return emptySection_;
+    return *sections_[kind];
+}
+
+const FileSection& VelCGFileContent::getSection(VelCGFileSectionKind kind) const {
+    if (!hasSection(kind)) return emptySection_;
+    return *sections_[kind];
+}
+
+bool VelCGFileContent::hasSection(VelCGFileSectionKind kind) const {
+    return isSlot(kind) && sections_[kind] != nullptr;
+}
+
+bool VelCGFileContent::isEmpty() const {
+    for (const auto& s : sections_)
+        if (s && !s->isEmpty()) return false;
+    return true;
+}
+
+void VelCGFileContent::clearContents() {
+    for (const auto& s : sections_)
+        if (s && !s->isEmpty()) s->clearContent();
+}
+
+void VelCGFileContent::setSection(VelCGFileSectionKind kind, std::unique_ptr<FileSection> section) {
+    if (!isSlot(kind))
+        vel::diag::throwError("VelCG:VelCGFileContent:InvalidSlot",
+                              {std::to_string(static_cast<int>(kind)), "no such slot"});
+    if (!section)
+        vel::diag::throwError("VelCG:VelCGFileContent:InvalidSlot",
+                              {std::to_string(static_cast<int>(kind)), "the section is null"});
+    sections_[kind] = std::move(section);
+}
+
+} // namespace VelCG

@@ -1,0 +1,95 @@
+#include "velcg/CustomContents.hpp"
+
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/CustomSection.hpp"
+
+namespace VelCG {
+
+namespace {
+[[maybe_unused]] const bool kCatalogRegistered = [] {
+    vel::diag::MessageCatalog::instance().addCatalog(
+        "VelCG:CustomContents",
+        {{"NullContent", "Cannot add a null string to custom section '{2}' of file '{1}'."}});
+    return true;
+}();
+
+// The registry's containers start with 16 buckets and a maximum load factor
+// of 1.
+constexpr std::size_t kInitialBuckets = 16;
+
+template <class Container>
+void configure(Container& c) {
+    c.max_load_factor(1.0f);
+    c.rehash(kInitialBuckets);
+}
+} // namespace
+
+CustomContents::CustomContents(std::string fileName) : fileName_(std::move(fileName)) {
+    configure(sectionsByBuiltin_);
+    configure(sectionsByName_);
+    configure(tokensInUse_);
+}
+
+CustomContents::CustomContents(const CustomContents& other) = default;
+CustomContents& CustomContents::operator=(const CustomContents& other) = default;
+CustomContents::~CustomContents() = default;
+
+void CustomContents::addCustomSection(const std::string& name, VelCGFileSectionKind builtin) {
+    auto found = sectionsByName_.find(name);
+    if (found != sectionsByName_.end()) {
+        VelCGFileSectionKind previous = found->second->getBuiltinSection();
+        if (previous == builtin) return; // the same declaration again
+        vel::diag::throwError("Brisk:codeGen:CustomContentPreviousAssociation",
+                              {name, getScrivSectionNameFromEnum(builtin),
+                               getScrivSectionNameFromEnum(previous)});
+    }
+    SectionPtr section(new CustomSection(name, builtin));
+    // Reserve the list slot before entering the name so that a failure
+    // leaves both maps as they were.
+    std::vector<SectionPtr>& list = sectionsByBuiltin_[builtin];
+    list.reserve(list.size() + 1);
+    sectionsByName_.emplace(name, section);
+    list.push_back(section);
+}
+
+bool CustomContents::isCustomSection(const std::string& name) const { return sectionsByName_.count(name) != 0; }
+
+void CustomContents::addContentToSection(const std::string& name, const std::string& content) {
+    addContentToSection(name, content.c_str());
+}
+
+void CustomContents::addContentToSection(const std::string& name, const char* content) {
+    auto found = sectionsByName_.find(name);
+    if (found == sectionsByName_.end())
+        vel::diag::throwError("Brisk:codeGen:CustomContentSectionDoesNotExist", {fileName_, name});
+    if (!content) vel::diag::throwError("VelCG:CustomContents:NullContent", {fileName_, name});
+    found->second->addContent_cstr(content);
+}
+
+const std::string& CustomContents::getCustomSectionContent(const std::string& name, const std::string& context) {
+    auto found = sectionsByName_.find(name);
+    if (found == sectionsByName_.end()) return emptyContent_;
+    CustomSection& section = *found->second;
+    if (section.isRetrieved())
+        vel::diag::throwError("Brisk:codeGen:CustomContentSectionAlreadyRetrieved", {name, context, name});
+    section.setIsRetrieved();
+    return section.getContent();
+}
+
+void CustomContents::setCustomTokenInUse(const std::string& name) { tokensInUse_.insert(name + "_InUse"); }
+
+void CustomContents::appendMissingTokens(FileSection& target, VelCGFileSectionKind builtin) {
+    auto found = sectionsByBuiltin_.find(builtin);
+    if (found == sectionsByBuiltin_.end()) return;
+    for (const SectionPtr& section : found->second) {
+        if (!section->isRequired() || sectionTokenInUse(section) || section->isRetrieved()) continue;
+        target.addContent(section->getContent());
+        section->setIsRetrieved();
+    }
+}
+
+bool CustomContents::sectionTokenInUse(const SectionPtr& section) const {
+    return tokensInUse_.count(section->getSectionToken()) != 0;
+}
+
+} // namespace VelCG
