@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/FunctionsSection.hpp"
+
+using namespace VelCG;
+
+namespace {
+template <class F>
+std::string diagnosticOf(F&& f) {
+    try {
+        f();
+    } catch (const vel::diag::Exception& e) {
+        return e.identifier();
+    }
+    return "no diagnostic";
+}
+} // namespace
+
+TEST(FunctionsSection, KeepsFunctionsWithTheirNamesCountingFromZeroNativelyAndOneForScripts) {
+    FunctionsSection s;
+    s.addFunction("f", "void f(void) {}\n");
+    s.addFunction("f", std::string("void g(void) {}\0junk", 20));
+    s.addContent("/* not a function */\n");
+
+    EXPECT_EQ(3u, s.getNumberOfFunctions());
+    EXPECT_EQ("void g(void) {}", s.getFunction(1));
+    EXPECT_EQ("f", s.getFunctionName(1));
+    EXPECT_EQ("void f(void) {}\n", s.korb_getFunction(1));
+    EXPECT_EQ("/* not a function */\n", s.korb_getFunction(3));
+    EXPECT_EQ("f", s.korb_getFunctionName(2));
+    EXPECT_EQ("void f(void) {}\nvoid g(void) {}/* not a function */\n", s.clone()->getContent());
+
+    // Indices past the functions, or past the names, are diagnosed.
+    const char* id = "VelCG:FunctionsSection:InvalidFunctionIndex";
+    EXPECT_EQ(id, diagnosticOf([&] { s.getFunction(3); }));
+    EXPECT_EQ(id, diagnosticOf([&] { s.getFunctionName(2); }));
+    EXPECT_EQ(id, diagnosticOf([&] { s.korb_getFunction(0); }));
+    EXPECT_EQ(id, diagnosticOf([&] { s.korb_getFunction(4); }));
+    EXPECT_EQ(id, diagnosticOf([&] { s.korb_getFunctionName(3); }));
+    EXPECT_EQ(id, diagnosticOf([&] { s.korb_getFunctionName(-1); }));
+}
