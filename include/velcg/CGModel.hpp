@@ -1,0 +1,251 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+
+#include "vel/i18n/Text.hpp"
+#include "vel/mi/Handle.hpp"
+#include "velcg/CGModelCPPConfig.hpp"
+#include "velcg/ChildCoderGroupMgr.hpp"
+#include "velcg/Export.hpp"
+#include "velcg/FilePackagingFormat.hpp"
+#include "velcg/FPCIOMap.hpp"
+
+namespace CG {
+class Type;
+}
+
+namespace VelCG {
+
+class BlockHierarchyMap;
+class CoderDataGroup;
+class DataInterfaceRecord;
+class ExternalInput;
+class ModelParameter;
+class System;
+class ToAsyncQueueBlock;
+class VarGroup;
+class VelCGType;
+class VelType;
+
+// The root of everything modelled for one compilation of one model. Owns
+// every element added to it and deletes them all when destroyed; elements
+// are addressed by their position in the model's lists, which never changes
+// once added. A base class: the name, version and "should" queries answer
+// neutral defaults here.
+//
+// Built and read on one thread; not synchronized.
+class VELCG_API CGModel : public vel::mi::Handle {
+public:
+    using StringMap = std::vector<std::pair<std::string, std::string>>;
+
+    CGModel();
+    ~CGModel() override;
+    CGModel(const CGModel&) = delete;
+    CGModel& operator=(const CGModel&) = delete;
+
+    const char* getFullyQualifiedKorbTypeName() const override;
+
+    virtual std::wstring getName() const;
+    virtual std::wstring getVersion() const;
+    virtual std::wstring getKordelCoderVersion() const;
+    virtual std::wstring getKordelVersion() const;
+    virtual void initializeCompiledInfo();
+    virtual void initializeCodegenInfo();
+    // Forwarded to the owned FPCIOMap.
+    virtual int getOverwritableOutputPort(int inputPort) const;
+    virtual std::string getHeaderFileForDataType(const CG::Type& type) const;
+    virtual void setOverwritableIOPair(int inputPort, int outputPort);
+    // A hook for the code generator's model class; does nothing here (use
+    // appendCoderDataGroup to place a group in the model).
+    virtual void addCoderDataGroup(CoderDataGroup* group);
+    virtual bool shouldSuppressSelf() const;
+    virtual bool useGlobalSelfInstanceForChildModel(vel::i18n::ustring childModel) const;
+    // Whether blockPath (exact, case-sensitive) is an actual signal source
+    // of an async-queue block; false until serialization records them.
+    virtual bool isTAQBlockActualSrc(const std::wstring& blockPath) const;
+
+    // Each add takes ownership and appends. Types and inputs are first
+    // pointed at this model. A null element raises "VelCG:Model:NullArgument".
+    void addSystem(std::unique_ptr<System> system);
+    void addVelCGType(std::unique_ptr<VelCGType> type);
+    void addVelType(std::unique_ptr<VelType> type);
+    void addVarGroup(std::unique_ptr<VarGroup> group);
+    void addExternalInput(std::unique_ptr<ExternalInput> input);
+    void addModelParameter(std::unique_ptr<ModelParameter> parameter);
+    void addTAQBlock(std::unique_ptr<ToAsyncQueueBlock> block);
+    void addGlobalBlockOutput(std::unique_ptr<DataInterfaceRecord> record);
+    void addConstantBlockOutput(std::unique_ptr<DataInterfaceRecord> record);
+    void addExternalBlockOutput(std::unique_ptr<DataInterfaceRecord> record);
+    void addDWork(std::unique_ptr<DataInterfaceRecord> record);
+    void addExternalInputDataInterface(std::unique_ptr<DataInterfaceRecord> record);
+    void addExternalOutputDataInterface(std::unique_ptr<DataInterfaceRecord> record);
+
+    // Places a coder data group: appends it, records its name and position
+    // and sets its group index. Returns the position. A null group or a name
+    // already placed raises a diagnostic and leaves the model unchanged.
+    std::size_t appendCoderDataGroup(std::unique_ptr<CoderDataGroup> group);
+
+    // Records that the generated function belongs to the system (not owned);
+    // a name given again keeps the last system.
+    void addFunctionForSystem(const std::string& functionName, System* system);
+    // Null for an unknown name.
+    System* getSystemForFunction(const std::string& functionName) const;
+
+    const std::vector<System*>& getSystems() const { return systems_; }
+    const std::vector<VelCGType*>& getVelCGTypes() const { return velCGTypes_; }
+    const std::vector<VelType*>& getVelTypes() const { return velTypes_; }
+    const std::vector<VarGroup*>& getVarGroups() const { return varGroups_; }
+    const std::vector<ToAsyncQueueBlock*>& getTAQBlocks() const { return taqBlocks_; }
+    const std::vector<ModelParameter*>& getModelParameters() const { return modelParameters_; }
+    const std::vector<DataInterfaceRecord*>& getGlobalBlockOutputs() const { return globalBlockOutputs_; }
+    const std::vector<DataInterfaceRecord*>& getConstantBlockOutputs() const { return constantBlockOutputs_; }
+    const std::vector<ExternalInput*>& getExternalInputs() const { return externalInputs_; }
+    std::vector<ExternalInput*>& getExternalInputs() { return externalInputs_; }
+    const std::vector<ExternalInput*>& getExternalInputs_korb() const { return externalInputs_; }
+    const std::vector<DataInterfaceRecord*>& getExternalBlockOutputs() const { return externalBlockOutputs_; }
+    std::vector<DataInterfaceRecord*>& getExternalBlockOutputs() { return externalBlockOutputs_; }
+    const std::vector<DataInterfaceRecord*>& getDWorks() const { return dWorks_; }
+    std::vector<DataInterfaceRecord*>& getDWorks() { return dWorks_; }
+    const std::vector<DataInterfaceRecord*>& getExternalInputInterfaces() const { return externalInputInterfaces_; }
+    std::vector<DataInterfaceRecord*>& getExternalInputInterfaces() { return externalInputInterfaces_; }
+    const std::vector<DataInterfaceRecord*>& getExternalOutputInterfaces() const { return externalOutputInterfaces_; }
+    std::vector<DataInterfaceRecord*>& getExternalOutputInterfaces() { return externalOutputInterfaces_; }
+
+    // Index lookups: null at or past the end, never throw.
+    const VelCGType* getVelCGType(unsigned int index) const;
+    const VarGroup* getVarGroup(unsigned int index) const;
+    const ModelParameter* getModelParameter(unsigned int index) const;
+    const DataInterfaceRecord* getExternalInputDataInterface(unsigned int index) const;
+    const DataInterfaceRecord* getExternalOutputDataInterface(unsigned int index) const;
+    const ExternalInput* getExternalInput(unsigned int index) const;
+    ExternalInput* getExternalInput(unsigned int index);
+    const DataInterfaceRecord* getGlobalBlockOutput(unsigned int index) const;
+    DataInterfaceRecord* getGlobalBlockOutput(unsigned int index);
+    const DataInterfaceRecord* getConstantBlockOutput(unsigned int index) const;
+    DataInterfaceRecord* getConstantBlockOutput(unsigned int index);
+    const DataInterfaceRecord* getExternalBlockOutput(unsigned int index) const;
+    DataInterfaceRecord* getExternalBlockOutput(unsigned int index);
+    const DataInterfaceRecord* getDWork(unsigned int index) const;
+    DataInterfaceRecord* getDWork(unsigned int index);
+
+    std::uint64_t getNumCoderDataGroups() const { return coderDataGroups_.size(); }
+    // std::out_of_range ("invalid vector<T> subscript") at or past the end.
+    const CoderDataGroup* getCoderDataGroup(std::size_t index) const;
+    CoderDataGroup* getCoderDataGroup(std::size_t index);
+    // Null for an unknown name.
+    const CoderDataGroup* getCoderDataGroup(const std::string& name) const;
+    CoderDataGroup* getCoderDataGroup(const std::string& name);
+
+    // Never null.
+    const BlockHierarchyMap* getBlockHierarchyMap() const { return blockHierarchyMap_; }
+    BlockHierarchyMap* getBlockHierarchyMap() { return blockHierarchyMap_; }
+    BlockHierarchyMap* korb_getBlockHierarchyMap() const { return blockHierarchyMap_; }
+
+    // Whole-list setters for the binding layer. They do nothing: lists are
+    // only built through the add operations.
+    void setSystems(const std::vector<System*>& systems);
+    void setVelCGTypes(const std::vector<VelCGType*>& types);
+    void setVelTypes(const std::vector<VelType*>& types);
+    void setVarGroups(const std::vector<VarGroup*>& groups);
+    void setTAQBlocks(const std::vector<ToAsyncQueueBlock*>& blocks);
+    void setExternalInputs(const std::vector<ExternalInput*>& inputs);
+    void setBlockHierarchyMap(BlockHierarchyMap* map);
+    // The exception: deletes every model parameter held, then takes
+    // ownership of the given ones. A list that shares a parameter with the
+    // current one, holds a null or the same parameter twice is refused with
+    // a diagnostic before anything changes.
+    void setModelParameters(const std::vector<ModelParameter*>& parameters);
+
+    // A one-shot flag: once set, never cleared.
+    bool hasWarnedAboutQuaySFcnHeaderFileIgnore() const { return warnedAboutQuaySFcnHeaderFileIgnore_; }
+    void setWarnedAboutQuaySFcnHeaderFileIgnore() { warnedAboutQuaySFcnHeaderFileIgnore_ = true; }
+
+    // Build attributes. No setter validates its argument.
+    const std::string& getSubsystemNameForRightClickBuild() const { return subsystemNameForRightClickBuild_; }
+    void setSubsystemNameForRightClickBuild(const std::string& v) { subsystemNameForRightClickBuild_ = v; }
+    const std::string& getSubsystemPathForRightClickBuild() const { return subsystemPathForRightClickBuild_; }
+    void setSubsystemPathForRightClickBuild(const std::string& v) { subsystemPathForRightClickBuild_ = v; }
+    const std::string& getModelReferenceTargetType() const { return modelReferenceTargetType_; }
+    void setModelReferenceTargetType(const std::string& v) { modelReferenceTargetType_ = v; }
+    unsigned int getNumChildSFunctions() const { return numChildSFunctions_; }
+    void setNumChildSFunctions(unsigned int v) { numChildSFunctions_ = v; }
+    FilePackagingFormat getFilePackagingFormat() const { return filePackagingFormat_; }
+    void setFilePackagingFormat(FilePackagingFormat v) { filePackagingFormat_ = v; }
+    // True for Compact and CompactWithDataFile (values 1 and 2) only.
+    bool getIsCompactFilePackaging() const;
+    bool getIsQuayTarget() const { return isQuayTarget_; }
+    void setIsQuayTarget(bool v) { isQuayTarget_ = v; }
+    bool getIsGeneratingTosharedLocation() const { return isGeneratingToSharedLocation_; }
+    void setIsGeneratingToSharedLocation(bool v) { isGeneratingToSharedLocation_ = v; }
+    // -1 when not set.
+    int getMaxMultiWordBits() const { return maxMultiWordBits_; }
+    void setMaxMultiWordBits(int v) { maxMultiWordBits_ = v; }
+    bool getIsModelReferenceTarget() const { return isModelReferenceTarget_; }
+    void setIsModelReferenceTarget(bool v) { isModelReferenceTarget_ = v; }
+    int getNumModelReferenceBlocks() const { return numModelReferenceBlocks_; }
+    void setNumModelReferenceBlocks(int v) { numModelReferenceBlocks_ = v; }
+    bool getIsHostBasedSimulationTarget() const { return isHostBasedSimulationTarget_; }
+    void setIsHostBasedSimulationTarget(bool v) { isHostBasedSimulationTarget_ = v; }
+    // Shares the given list; getStringMap hands out the same list (null
+    // until set).
+    void setStringMap(const boost::shared_ptr<StringMap>& map) { stringMap_ = map; }
+    boost::shared_ptr<StringMap> getStringMap() const { return stringMap_; }
+    const std::wstring& getSharedCodeManagerPath() const { return sharedCodeManagerPath_; }
+    void setSharedCodeManagerPath(const std::wstring& v) { sharedCodeManagerPath_ = v; }
+
+    const CGModelCPPConfig& getCPPConfig() const { return cppConfig_; }
+    CGModelCPPConfig& getCPPConfig() { return cppConfig_; }
+    const ChildCoderGroupMgr& getChildCoderGroupManager() const { return childCoderGroupManager_; }
+    ChildCoderGroupMgr& getChildCoderGroupManager() { return childCoderGroupManager_; }
+
+private:
+    static const DataInterfaceRecord* getDataInterfaceRecordByIndex(unsigned int index,
+                                                                    const std::vector<DataInterfaceRecord*>& list);
+
+    std::vector<System*> systems_;
+    std::vector<VelCGType*> velCGTypes_;
+    BlockHierarchyMap* blockHierarchyMap_;
+    std::unordered_map<std::string, System*> functionSystemIndex_;
+    std::vector<VarGroup*> varGroups_;
+    std::vector<VelType*> velTypes_;
+    std::vector<ExternalInput*> externalInputs_;
+    std::vector<ModelParameter*> modelParameters_;
+    std::vector<DataInterfaceRecord*> globalBlockOutputs_;
+    std::vector<DataInterfaceRecord*> constantBlockOutputs_;
+    std::vector<DataInterfaceRecord*> externalBlockOutputs_;
+    std::vector<DataInterfaceRecord*> dWorks_;
+    std::vector<DataInterfaceRecord*> externalInputInterfaces_;
+    std::vector<DataInterfaceRecord*> externalOutputInterfaces_;
+    std::vector<ToAsyncQueueBlock*> taqBlocks_;
+    std::unique_ptr<FPCIOMap> fpcIOMap_;
+    bool warnedAboutQuaySFcnHeaderFileIgnore_ = false;
+    std::string subsystemNameForRightClickBuild_;
+    std::string subsystemPathForRightClickBuild_;
+    std::string modelReferenceTargetType_;
+    unsigned int numChildSFunctions_ = 0;
+    FilePackagingFormat filePackagingFormat_ = FilePackagingFormat::Modular;
+    bool isQuayTarget_ = false;
+    bool isGeneratingToSharedLocation_ = false;
+    int maxMultiWordBits_ = -1;
+    bool isModelReferenceTarget_ = false;
+    int numModelReferenceBlocks_ = 0;
+    bool isHostBasedSimulationTarget_ = false;
+    boost::shared_ptr<StringMap> stringMap_;
+    std::wstring sharedCodeManagerPath_;
+    CGModelCPPConfig cppConfig_;
+    ChildCoderGroupMgr childCoderGroupManager_;
+    std::set<std::wstring> taqActualSourcePaths_;
+    std::vector<CoderDataGroup*> coderDataGroups_;
+    std::unordered_map<std::string, std::size_t> coderDataGroupIndex_;
+};
+
+} // namespace VelCG

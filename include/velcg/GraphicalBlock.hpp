@@ -1,0 +1,80 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vel/mi/Handle.hpp"
+#include "vel/tuvArray.hpp"
+#include "velcg/Export.hpp"
+#include "velcg/GraphicalBlockIF.hpp"
+
+namespace VelCG {
+
+class GraphicalSubsystem;
+
+// One block of the block diagram: a facade that forwards every query to its
+// implementation object, which it owns. Blocks are owned by their
+// GraphicalSubsystem.
+class VELCG_API GraphicalBlock : public GraphicalBlockIF, public vel::mi::Handle {
+public:
+    // Takes ownership of impl; a null impl raises "VelCG:Model:NullArgument".
+    explicit GraphicalBlock(GraphicalBlockIF* impl);
+    ~GraphicalBlock() override;
+    GraphicalBlock(const GraphicalBlock&) = delete;
+    GraphicalBlock& operator=(const GraphicalBlock&) = delete;
+
+    const char* getFullyQualifiedKorbTypeName() const override;
+
+    // "NonVirtual", "Virtual", "PostCompileVirtual"; empty for other values.
+    static const char* getStringForBlockVirtuality(BlockVirtuality virtuality);
+
+    std::wstring getName() override;
+    std::wstring getVelName() override;
+    std::wstring getSID() const override;
+    std::wstring getCompactSID() const override;
+    std::wstring getBlockPath() override;
+    std::wstring getType() const override;
+    std::wstring getDescription() const override;
+    std::wstring getReferencedModelName() const override;
+    bool getIsProtectedModelBlock() const override;
+    BlockVirtuality getVirtual() override;
+    const std::vector<Port*>& getDataInputPorts() const override;
+    const std::vector<Port*>& getDataOutputPorts() const override;
+    const std::vector<Port*>& getControlInputPorts() const override;
+    int getNumFcnCallOutputPorts() const override;
+    const std::vector<Parameter*>& getParameters() const override;
+    const std::vector<State*>& getContinuousStates() const override;
+    const std::vector<State*>& getDerivatives() const override;
+    const std::vector<DataInterfaceRecord*>& getDiscreteStates() const override;
+    const std::vector<DataInterfaceRecord*>& getDWorks() const override;
+    bool isReduced() const override;
+    void initializeCodegenInfo() override;
+    std::string getRLSCommentName() const override;
+    int getNumDataOutputPorts() const override;
+    bool isInport() const override;
+    bool isOutport() const override;
+    bool isSubsystem() const override;
+    bool isDataStoreMemory() const override;
+    const CGModel* getCGModel() const override;
+
+    GraphicalBlockIF* getImpl() { return impl_; }
+    const GraphicalBlockIF* getImpl() const { return impl_; }
+
+    const GraphicalSubsystem* getParentSubsystem() const { return parentSubsystem_; }
+    void setParentSubsystem(const GraphicalSubsystem* parent) { parentSubsystem_ = parent; }
+
+    // N-by-1 cell arrays, cell i holding element i's own host value. An
+    // element that is not script-visible (a plain Parameter or
+    // DataInterfaceRecord rather than its Korb variant) leaves its cell empty.
+    tuvArrayPtr getParametersAsTuvArray() const;
+    tuvArrayPtr getDiscreteStatesAsTuvArray() const;
+    tuvArrayPtr getDWorksAsTuvArray() const;
+
+private:
+    static tuvArrayPtr getDataInterfaceRecordsListAsTuvArray(const std::vector<DataInterfaceRecord*>& records);
+
+    GraphicalBlockIF* impl_;
+    const GraphicalSubsystem* parentSubsystem_ = nullptr;
+};
+
+} // namespace VelCG

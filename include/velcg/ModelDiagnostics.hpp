@@ -1,0 +1,32 @@
+#pragma once
+
+// Diagnostics raised by the model classes for arguments that would otherwise
+// reach memory they do not own: an index past the end of a list, an element
+// used before it belongs to a model, an ownership transfer that would free an
+// object still in use. Each is thrown as the host exception.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "velcg/Export.hpp"
+
+namespace VelCG {
+
+inline constexpr const char* kIndexOutOfRangeId = "VelCG:Model:IndexOutOfRange";
+inline constexpr const char* kNoModelId = "VelCG:Model:NoModel";
+inline constexpr const char* kNullArgumentId = "VelCG:Model:NullArgument";
+inline constexpr const char* kInvalidOwnershipId = "VelCG:Model:InvalidOwnership";
+inline constexpr const char* kDuplicateNameId = "VelCG:Model:DuplicateName";
+inline constexpr const char* kCyclicTypeId = "VelCG:Model:CyclicType";
+
+// "Index 5 is out of range for <what> (3 elements)."
+[[noreturn]] VELCG_API void throwIndexOutOfRange(const std::string& what, std::int64_t index,
+                                                 std::size_t size);
+// "<what> does not belong to a model."
+[[noreturn]] VELCG_API void throwNoModel(const std::string& what);
+// "<what> must not be null."
+[[noreturn]] VELCG_API void throwNullArgument(const std::string& what);
+[[noreturn]] VELCG_API void throwInvalidOwnership(const std::string& text);
+
+} // namespace VelCG

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vel/mi/Handle.hpp"
+#include "velcg/Export.hpp"
+
+namespace VelCG {
+
+class ModelParameter;
+
+// What the modelling environment knows about one block parameter.
+class VELCG_API ParameterImpl {
+public:
+    ParameterImpl() = default;
+    ParameterImpl(const ParameterImpl&) = default;
+    ParameterImpl& operator=(const ParameterImpl&) = default;
+    virtual ~ParameterImpl();
+
+    virtual std::wstring getName() const = 0;
+    // The model parameters the block parameter refers to; not owned (the
+    // model owns its model parameters).
+    virtual const std::vector<ModelParameter*>& getModelParameters() const = 0;
+};
+
+// A block parameter: a facade over its implementation object, which it owns.
+class VELCG_API Parameter {
+public:
+    // Takes ownership of impl; a null impl raises "VelCG:Model:NullArgument".
+    explicit Parameter(ParameterImpl* impl);
+    virtual ~Parameter();
+    Parameter(const Parameter&) = delete;
+    Parameter& operator=(const Parameter&) = delete;
+
+    std::wstring getName() const { return impl_->getName(); }
+    const std::vector<ModelParameter*>& getModelParameters() const { return impl_->getModelParameters(); }
+
+    ParameterImpl* getImpl() { return impl_; }
+    const ParameterImpl* getImpl() const { return impl_; }
+
+private:
+    ParameterImpl* impl_;
+};
+
+// The script-visible block parameter, "VelCG.Parameter".
+class VELCG_API ParameterKorb : public Parameter, public vel::mi::Handle {
+public:
+    explicit ParameterKorb(ParameterImpl* impl) : Parameter(impl) {}
+    ~ParameterKorb() override;
+
+    const char* getFullyQualifiedKorbTypeName() const override;
+};
+
+} // namespace VelCG

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vel/mi/Handle.hpp"
+#include "velcg/Export.hpp"
+
+namespace VelCG {
+
+class CGModel;
+class Region;
+
+// One input, output or control port of a graphical block. Owns its regions.
+// A base class: the name and connection state come from a derived class,
+// so their setters do nothing here.
+class VELCG_API Port : public vel::mi::Handle {
+public:
+    Port() = default;
+    ~Port() override;
+    Port(const Port&) = delete;
+    Port& operator=(const Port&) = delete;
+
+    const char* getFullyQualifiedKorbTypeName() const override;
+
+    virtual std::wstring getVelName() const;
+    virtual bool getConnected() const;
+
+    const std::wstring& getSignalLabel() const { return signalLabel_; }
+    void setSignalLabel(const std::wstring& label) { signalLabel_ = label; }
+    bool getTestPoint() const { return testPoint_; }
+    void setTestPoint(bool value) { testPoint_ = value; }
+    bool getMdlRefSimLoggableTestPoint() const { return mdlRefSimLoggableTestPoint_; }
+    void setMdlRefSimLoggableTestPoint(bool value) { mdlRefSimLoggableTestPoint_ = value; }
+    const CGModel* getCGModel() const { return model_; }
+    void setCGModel(const CGModel* model) { model_ = model; }
+
+    const std::vector<Region*>& getRegions() const { return regions_; }
+    // Appends the region; the port owns it. A null region is refused.
+    void addRegion(std::unique_ptr<Region> region);
+
+    // Where the source port sits in the model's block hierarchy map.
+    void setGrSrcPortIdx(int subsystemIdx, int blockIdx, int portIdx);
+
+    // The port that feeds this one, resolved through the model's block
+    // hierarchy map and cached. Null when no model is set, when the
+    // subsystem index is -1, or when the port index is not below the
+    // source block's number of data output ports (nothing is cached then,
+    // so a later call tries again). A subsystem or block index that does not
+    // exist raises "VelCG:Model:IndexOutOfRange".
+    const Port* getGraphicalSource() const;
+    // The cached source only, without resolving.
+    const Port* getGraphicalSourceSerialize() const { return graphicalSource_; }
+
+    // These do nothing: connection state and name come from a derived
+    // class, the source only from the indices, regions only from addRegion.
+    void setConnected(bool connected);
+    void setGraphicalSource(const Port* source);
+    void setRegions(const std::vector<Region*>& regions);
+    void setVelName(const std::wstring& name);
+
+private:
+    std::wstring signalLabel_;
+    bool testPoint_ = false;
+    bool mdlRefSimLoggableTestPoint_ = false;
+    int srcSubsystemIdx_ = -1;
+    int srcBlockIdx_ = -1;
+    int srcPortIdx_ = -1;
+    mutable const Port* graphicalSource_ = nullptr;
+    std::vector<Region*> regions_;
+    const CGModel* model_ = nullptr;
+};
+
+} // namespace VelCG

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "vel/mi/Handle.hpp"
+#include "velcg/Export.hpp"
+
+namespace VelCG {
+
+// A continuous state or state derivative of a block.
+class VELCG_API State : public vel::mi::Handle {
+public:
+    State() = default;
+    explicit State(std::vector<int> dims) : dimensions_(std::move(dims)) {}
+    State(const State&) = default;
+    State& operator=(const State&) = default;
+    ~State() override;
+
+    const char* getFullyQualifiedKorbTypeName() const override;
+
+    const std::vector<int>& getDimensions() const { return dimensions_; }
+    void setDimensions(const std::vector<int>& dims) { dimensions_ = dims; }
+    // Replaces one dimension; an index past the end raises
+    // "VelCG:Model:IndexOutOfRange".
+    void setDimensionValue(std::size_t index, int value);
+
+private:
+    std::vector<int> dimensions_;
+};
+
+} // namespace VelCG

@@ -1,0 +1,9 @@
+#include "velcg/ChildCoderDataGroup.hpp"
+
+namespace VelCG {
+
+ChildCoderDataGroup::~ChildCoderDataGroup() = default;
+
+void ChildCoderDataGroup::WriteToBriskFile() const {}
+
+} // namespace VelCG

@@ -1,0 +1,76 @@
+#include "velcg/ChildCoderGroupMgr.hpp"
+
+#include <stdexcept>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/CoderDataGroup.hpp"
+#include "velcg/ModelDiagnostics.hpp"
+
+namespace VelCG {
+
+ChildCoderGroupMgr::ChildCoderGroupMgr() = default;
+ChildCoderGroupMgr::~ChildCoderGroupMgr() = default;
+
+void ChildCoderGroupMgr::setChildCoderGroup(vel::i18n::ustring childModel, std::unique_ptr<CoderDataGroup> group) {
+    if (!group) throwNullArgument("A child coder data group");
+    auto& groups = groupsByChildModel_[std::move(childModel)];
+    if (!groups) groups = std::make_unique<GroupMap>();
+    const std::string name = group->name();
+    // Replace: the earlier group of that name is destroyed.
+    groups->erase(name);
+    groups->emplace(name, std::move(group));
+}
+
+const CoderDataGroup* ChildCoderGroupMgr::getChildCoderGroup(vel::i18n::ustring childModel,
+                                                             const std::string& groupName) const {
+    auto model = groupsByChildModel_.find(childModel);
+    if (model == groupsByChildModel_.end()) return nullptr;
+    auto group = model->second->find(groupName);
+    return group == model->second->end() ? nullptr : group->second.get();
+}
+
+std::vector<std::string> ChildCoderGroupMgr::getChildCoderGroupNames(const vel::i18n::ustring& childModel) const {
+    std::vector<std::string> names;
+    auto model = groupsByChildModel_.find(childModel);
+    if (model == groupsByChildModel_.end()) return names;
+    for (const auto& entry : *model->second) names.push_back(entry.second->name());
+    return names;
+}
+
+std::string ChildCoderGroupMgr::getChildSelfGroupName(const vel::i18n::ustring& childModel) const {
+    auto model = groupsByChildModel_.find(childModel);
+    if (model == groupsByChildModel_.end()) return {};
+    for (const auto& entry : *model->second)
+        if (entry.second->isSelfGroup()) return entry.second->name();
+    return {};
+}
+
+void ChildCoderGroupMgr::addVariableForChildGroup(vel::i18n::ustring childModel, const std::string& groupName,
+                                                  const std::string& varName, int compiledModelBlockIndex) {
+    const CoderDataGroup* group = getChildCoderGroup(childModel, groupName);
+    if (!group)
+        vel::diag::throwErrorText("VelCG:Model:UnknownChildCoderGroup",
+                                  "Child model '" + vel::i18n::toUtf8(childModel) + "' has no coder data group '" +
+                                      groupName + "'.");
+    varInfoByGroup_[groupName].emplace_back(group->getRootGroupTypeName(), varName, compiledModelBlockIndex);
+    auto& names = varNamesByBlock_[compiledModelBlockIndex];
+    if (!names) names = std::make_unique<VarNameMap>();
+    // The first variable recorded for a group under a block is kept.
+    names->emplace(groupName, varName);
+}
+
+std::string ChildCoderGroupMgr::getChildCoderGroupVarName(const std::string& groupName,
+                                                          int compiledModelBlockIndex) const {
+    auto block = varNamesByBlock_.find(compiledModelBlockIndex);
+    if (block == varNamesByBlock_.end()) return {};
+    auto var = block->second->find(groupName);
+    if (var == block->second->end()) throw std::out_of_range("invalid unordered_map<K, T> key");
+    return var->second;
+}
+
+const std::vector<ChildCoderGroupVarInfo>* ChildCoderGroupMgr::getVarInfoForGroup(const std::string& groupName) const {
+    auto it = varInfoByGroup_.find(groupName);
+    return it == varInfoByGroup_.end() ? nullptr : &it->second;
+}
+
+} // namespace VelCG

@@ -1,0 +1,4 @@
+#include "velcg/ChildCoderGroupVarInfo.hpp"
+
+// Every operation of ChildCoderGroupVarInfo is inline; this file keeps the
+// one-source-per-class layout.

@@ -1,0 +1,52 @@
+#include "velcg/CoderDataGroup.hpp"
+
+#include "velcg/CGModel.hpp"
+#include "velcg/ModelDiagnostics.hpp"
+#include "velcg/VarGroup.hpp"
+#include "velcg/VelCGType.hpp"
+
+namespace VelCG {
+
+CoderDataGroup::CoderDataGroup(const std::string& name, const CGModel* model)
+    : name_(name), identification_("Coder Group '" + name + "'"), model_(model) {}
+
+CoderDataGroup::~CoderDataGroup() = default;
+
+const char* CoderDataGroup::getAsStructureString(AsStructure value) {
+    switch (value) {
+    case AsStructure::InParent: return "InParent";
+    case AsStructure::InSelf: return "InSelf";
+    case AsStructure::Standalone: return "Standalone";
+    case AsStructure::None: return "None";
+    }
+    return "";
+}
+
+const char* CoderDataGroup::getDataInitString(DataInit value) {
+    switch (value) {
+    case DataInit::Dynamic: return "Dynamic";
+    case DataInit::Static: return "Static";
+    case DataInit::None: return "None";
+    }
+    return "";
+}
+
+const std::string& CoderDataGroup::getRootGroupTypeName() const {
+    if (!rootGroupTypeName_.empty() || asStructure_ == AsStructure::None || !model_) return rootGroupTypeName_;
+    // The root system is the last system, or the one before it in a
+    // model-reference target.
+    const int rootIndex =
+        static_cast<int>(model_->getSystems().size()) - (model_->getIsModelReferenceTarget() ? 2 : 1);
+    // Every match overwrites: with several, the last one wins.
+    for (const VarGroup* group : model_->getVarGroups()) {
+        if (group->getSystemIndex() != rootIndex || group->getCoderGroupIndex() != groupIndex_) continue;
+        const int typeIndex = group->getCGTypeIndex();
+        const VelCGType* type = typeIndex < 0 ? nullptr : model_->getVelCGType(static_cast<unsigned>(typeIndex));
+        if (!type)
+            throwIndexOutOfRange("the model's code-generation types", typeIndex, model_->getVelCGTypes().size());
+        rootGroupTypeName_ = type->getName();
+    }
+    return rootGroupTypeName_;
+}
+
+} // namespace VelCG

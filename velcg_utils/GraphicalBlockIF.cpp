@@ -1,0 +1,7 @@
+#include "velcg/GraphicalBlockIF.hpp"
+
+namespace VelCG {
+
+GraphicalBlockIF::~GraphicalBlockIF() = default;
+
+} // namespace VelCG

@@ -1,0 +1,80 @@
+#include "velcg/GraphicalSubsystem.hpp"
+
+#include "velcg/BlockHierarchyMap.hpp"
+#include "velcg/GraphicalBlock.hpp"
+#include "velcg/ModelDiagnostics.hpp"
+
+namespace VelCG {
+
+GraphicalSubsystem::~GraphicalSubsystem() { clearBlocks(); }
+
+const char* GraphicalSubsystem::getFullyQualifiedKorbTypeName() const { return "VelCG.GraphicalSubsystem"; }
+
+const char* GraphicalSubsystem::getStringForSubsystemType(GraphicalSubsystemType type) {
+    switch (type) {
+    case GraphicalSubsystemType::Root: return "root";
+    case GraphicalSubsystemType::Virtual: return "virtual";
+    case GraphicalSubsystemType::Atomic: return "atomic";
+    case GraphicalSubsystemType::Enabled: return "enabled";
+    case GraphicalSubsystemType::Trigger: return "trigger";
+    case GraphicalSubsystemType::EnableTrigger: return "enabletrigger";
+    case GraphicalSubsystemType::FcnCall: return "fcncall";
+    case GraphicalSubsystemType::Action: return "action";
+    case GraphicalSubsystemType::Iterator: return "iterator";
+    case GraphicalSubsystemType::Unknown: return "unknown";
+    }
+    return "";
+}
+
+std::wstring GraphicalSubsystem::getName() const { return {}; }
+std::wstring GraphicalSubsystem::getVelName() const { return {}; }
+GraphicalSubsystemType GraphicalSubsystem::getType() const { return GraphicalSubsystemType::Unknown; }
+std::wstring GraphicalSubsystem::getMaskType() const { return {}; }
+const std::vector<GraphicalBlock*>& GraphicalSubsystem::getBlocks() const { return blocks_; }
+const std::string& GraphicalSubsystem::getMangledPathName() const { return mangledPathName_; }
+const std::string& GraphicalSubsystem::getMangledSubsystemPathName() const { return mangledPathName_; }
+
+GraphicalBlock* GraphicalSubsystem::addGraphicalBlock(std::unique_ptr<GraphicalBlock> block) {
+    if (!block) throwNullArgument("A graphical block");
+    block->setParentSubsystem(this);
+    GraphicalBlock* added = block.release();
+    blocks_.push_back(added);
+    if (added->isInport())
+        inputPortBlocks_.push_back(added);
+    else if (added->isOutport())
+        outputPortBlocks_.push_back(added);
+    else if (added->isSubsystem())
+        subsystemBlocks_.push_back(added);
+    else if (added->isDataStoreMemory())
+        dataStoreBlocks_.push_back(added);
+    return added;
+}
+
+void GraphicalSubsystem::finalize(std::size_t firstChildIndex) {
+    if (!map_) throwNoModel("A subsystem that is not in a block hierarchy map");
+    const auto& subsystems = map_->getSubsystems();
+    const std::size_t count = subsystemBlocks_.size();
+    if (count > 0 && (firstChildIndex >= subsystems.size() || count > subsystems.size() - firstChildIndex))
+        throwIndexOutOfRange("the subsystems of the block hierarchy map",
+                             static_cast<std::int64_t>(firstChildIndex + count - 1), subsystems.size());
+    for (std::size_t i = 0; i < count; ++i) childSubsystems_.push_back(subsystems[firstChildIndex + i]);
+}
+
+GraphicalBlock* GraphicalSubsystem::getSubsystemBlock() const {
+    if (!map_) return nullptr;
+    // A negative index converts to a huge one and names no block.
+    return map_->getBlockGivenIndices(static_cast<std::size_t>(subsystemBlockIndex_.first),
+                                      static_cast<std::size_t>(subsystemBlockIndex_.second));
+}
+
+void GraphicalSubsystem::clearBlocks() {
+    for (GraphicalBlock* block : blocks_) delete block;
+    blocks_.clear();
+    inputPortBlocks_.clear();
+    outputPortBlocks_.clear();
+    dataStoreBlocks_.clear();
+    subsystemBlocks_.clear();
+    childSubsystems_.clear();
+}
+
+} // namespace VelCG

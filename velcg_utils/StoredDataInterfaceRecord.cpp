@@ -1,0 +1,7 @@
+#include "velcg/StoredDataInterfaceRecord.hpp"
+
+namespace VelCG {
+
+StoredDataInterfaceRecord::~StoredDataInterfaceRecord() = default;
+
+} // namespace VelCG

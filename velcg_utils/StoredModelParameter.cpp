@@ -1,0 +1,7 @@
+#include "velcg/StoredModelParameter.hpp"
+
+namespace VelCG {
+
+StoredModelParameter::~StoredModelParameter() = default;
+
+} // namespace VelCG

@@ -1,0 +1,7 @@
+#include "velcg/StoredParameter.hpp"
+
+namespace VelCG {
+
+StoredParameter::~StoredParameter() = default;
+
+} // namespace VelCG
