@@ -1,0 +1,620 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "CG/DataInterface.hpp"
+#include "CG/Type.hpp"
+#include "korb/ClassInfo.hpp"
+#include "korb/Client.hpp"
+#include "korb/ObjectSystem.hpp"
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/BlockHierarchyMap.hpp"
+#include "velcg/CGModel.hpp"
+#include "velcg/CGModelFactory.hpp"
+#include "velcg/CGTypeMember.hpp"
+#include "velcg/ExternalInput.hpp"
+#include "velcg/ModelDiagnostics.hpp"
+#include "velcg/ModelParameter.hpp"
+#include "velcg/Parameter.hpp"
+#include "velcg/PlexoModule.hpp"
+#include "velcg/Port.hpp"
+#include "velcg/Region.hpp"
+#include "velcg/State.hpp"
+#include "velcg/StoredDataInterfaceRecord.hpp"
+#include "velcg/StoredGraphicalBlock.hpp"
+#include "velcg/StoredGraphicalSubsystem.hpp"
+#include "velcg/StoredModelParameter.hpp"
+#include "velcg/StoredParameter.hpp"
+#include "velcg/System.hpp"
+#include "velcg/ToAsyncQueueBlock.hpp"
+#include "velcg/VarGroup.hpp"
+#include "velcg/VelCGType.hpp"
+#include "velcg/VelType.hpp"
+
+using namespace VelCG;
+
+namespace {
+
+// A compact, exact rendering of a host value: 'text', "int32 5",
+// "int32[2,3]", {cells}, <class names of handles>, or an opaque class name.
+std::string render(const tuvArray& a) {
+    std::ostringstream os;
+    switch (a.classId()) {
+    case tuvClass::Char: return "'" + a.toUtf8() + "'";
+    case tuvClass::Opaque: return a.className();
+    case tuvClass::Cell:
+        os << "{";
+        for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << render(*a.getCell(i));
+        os << "}";
+        return os.str();
+    case tuvClass::Object:
+        os << "<";
+        for (std::size_t i = 0; i < a.numel(); ++i)
+            os << (i ? "," : "") << a.handles()[i].get()->getFullyQualifiedKorbTypeName();
+        os << ">";
+        return os.str();
+    default:
+        if (a.isScalar()) return a.describe();
+        if (a.isEmpty() && a.classId() == tuvClass::Double) return "[]";
+        os << a.className() << "[";
+        for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << a.numericAt(i);
+        os << "]";
+        return os.str();
+    }
+}
+
+template <class F>
+std::string diagnosticOf(F&& f) {
+    try {
+        f();
+    } catch (const vel::diag::Exception& e) {
+        return e.identifier();
+    }
+    return "no diagnostic";
+}
+
+// One object of every script-visible model class, wired together in one model.
+struct Scene {
+    CGModel model;
+    System* system = nullptr;
+    VelCGType* cgType = nullptr;
+    CGTypeMember* member = nullptr;
+    VarGroup* group = nullptr;
+    VelType* velType = nullptr;
+    ExternalInput* input = nullptr;
+    GraphicalSubsystem* root = nullptr;
+    GraphicalBlock* block = nullptr;
+    Port* inPort = nullptr;
+    Port* outPort = nullptr;
+    Region* region = nullptr;
+    Parameter* parameter = nullptr;
+    State* state = nullptr;
+    ModelParameter* modelParameter = nullptr;
+    ToAsyncQueueBlock* taq = nullptr;
+    DataInterfaceRecord* dWork = nullptr;
+
+    Scene() {
+        std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
+        CG::DataInterface* di = CG::DataInterface::create({"rtDW.x", "StructElement", "rtDW", "real_T", "Gain"});
+
+        auto sys = std::make_unique<System>();
+        system = sys.get();
+        system->setIdentifier("sysId");
+        system->setStartFcn("start");
+        system->setOutputFcn("out");
+        system->setUpdateFcn("upd");
+        system->setOutputUpdateFcn("outupd");
+        model.addSystem(std::move(sys));
+
+        auto type = std::make_unique<VelCGType>("int32_T");
+        cgType = type.get();
+        cgType->setVelTypeIndex(0);
+        cgType->setDimensions({2, 3});
+        cgType->setSymbolicDimensions({"N", "M"});
+        cgType->setSlope(1.5);
+        cgType->setNBits(32);
+        cgType->setIsSigned(true);
+        cgType->setEmbeddedTypeFromCGType(*CG::Type::integer("int32_T", 32, true));
+        cgType->addMember(std::make_unique<CGTypeMember>("u1", 0, 4));
+        member = cgType->getMembers()[0];
+        model.addVelCGType(std::move(type));
+
+        auto vg = std::make_unique<VarGroup>();
+        group = vg.get();
+        group->setName("DW_T");
+        group->setCategory(VarGroupEnum::DWork);
+        group->setLocalName("localDW");
+        group->setNonReusedName("rtDW");
+        group->setSystemIndex(0);
+        group->setHasElement("yes");
+        group->setCGTypeIndex(0);
+        group->setTypeTag("tag");
+        group->setGlobalOffset(8);
+        group->setElements({"a", "b"});
+        group->addSubStructName("S");
+        group->addSubStructIndex(1);
+        model.addVarGroup(std::move(vg));
+
+        auto vt = std::make_unique<VelType>("int32");
+        velType = vt.get();
+        velType->setID(7);
+        model.addVelType(std::move(vt));
+
+        auto in = std::make_unique<ExternalInput>();
+        input = in.get();
+        input->setCGTypeIndex(0);
+        input->setStorageClass(2, "Auto");
+        input->setIdentifier("In1");
+        input->setSizeVarGroupIndex(2);
+        input->setPadding(4);
+        model.addExternalInput(std::move(in));
+
+        auto mpImpl = new StoredModelParameter(L"K");
+        mpImpl->setIsWorkspaceVar(true);
+        mpImpl->setIsTunable(true);
+        mpImpl->setOriginalName(L"Korig");
+        mpImpl->setWorkspaceVarName(L"Kws");
+        mpImpl->setDataInterface(di);
+        modelParameter = factory->createModelParameter(mpImpl);
+        model.addModelParameter(std::unique_ptr<ModelParameter>(modelParameter));
+
+        auto impl = new StoredGraphicalBlock(L"Gain");
+        impl->setVelName(L"Gain1");
+        impl->setSID(L"m:5");
+        impl->setType(L"Gain");
+        impl->setDescription(L"desc");
+        impl->setVirtual(BlockVirtuality::Virtual);
+        impl->setRLSCommentName("rls");
+        inPort = impl->addDataInputPort(std::make_unique<Port>());
+        inPort->setCGModel(&model);
+        inPort->setGrSrcPortIdx(0, 0, 0);
+        outPort = impl->addDataOutputPort(std::make_unique<Port>());
+        outPort->setSignalLabel(L"sig");
+        outPort->setTestPoint(true);
+        auto r = std::make_unique<Region>();
+        region = r.get();
+        region->setSource("rtB.x");
+        region->setOffset(2);
+        region->setDataInterface(di);
+        outPort->addRegion(std::move(r));
+        parameter = impl->addParameter(std::unique_ptr<Parameter>(
+            factory->createParameter(new StoredParameter(L"K", {modelParameter}))));
+        state = impl->addContinuousState(std::make_unique<State>(std::vector<int>{3}));
+        impl->addDerivative(std::make_unique<State>(std::vector<int>{3}));
+        impl->addDiscreteState(std::unique_ptr<DataInterfaceRecord>(
+            factory->createDataInterfaceRecord(new StoredDataInterfaceRecord())));
+        dWork = impl->addDWork(std::unique_ptr<DataInterfaceRecord>(
+            factory->createDataInterfaceRecord(new StoredDataInterfaceRecord(di))));
+
+        auto sub = std::make_unique<StoredGraphicalSubsystem>(L"root", GraphicalSubsystemType::Root);
+        root = sub.get();
+        block = root->addGraphicalBlock(std::make_unique<GraphicalBlock>(impl));
+        root->setSubsystemBlockIndex({0, 0});
+        model.getBlockHierarchyMap()->addGraphicalSubsystem(std::move(sub));
+        system->addGraphicalCallsite(block);
+        mpImpl->setGraphicalSource(block);
+        mpImpl->addGraphicalReference(block);
+
+        auto t = std::make_unique<ToAsyncQueueBlock>(new StoredGraphicalBlock(L"TAQ"));
+        taq = t.get();
+        taq->addLeafElement(new ToAsyncQueueBlock(new StoredGraphicalBlock(L"leaf1")));
+        taq->addLeafElement(new ToAsyncQueueBlock(new StoredGraphicalBlock(L"leaf2")));
+        model.addTAQBlock(std::move(t));
+
+        model.setSubsystemPathForRightClickBuild("m/Sub");
+        model.setSubsystemNameForRightClickBuild("Sub");
+        model.setModelReferenceTargetType("SIM");
+        model.setNumChildSFunctions(2);
+        model.setIsQuayTarget(true);
+        model.setIsGeneratingToSharedLocation(true);
+        model.setFilePackagingFormat(FilePackagingFormat::CompactWithDataFile);
+        model.setMaxMultiWordBits(128);
+        model.setNumModelReferenceBlocks(3);
+        model.setSharedCodeManagerPath(L"/shared");
+
+        di->release(); // the model's elements hold their own references
+    }
+};
+
+class ModelClassBindings : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { PlexoInitialize_velcg(); }
+    korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
+};
+
+TEST_F(ModelClassBindings, RegistersModelClassesInOrderAfterFileClasses) {
+    const std::vector<std::array<const char*, 3>> expected = {
+        {"System", "VelCG System object", korb::kHeterogeneous},
+        {"VelCGType", "VelCG Type", korb::kHeterogeneous},
+        {"CGTypeMember", "VelCGType member", korb::kHeterogeneous},
+        {"CGModel", "CGModel object", korb::kHeterogeneous},
+        {"VarGroup", "VelCG VarGroup", korb::kHeterogeneous},
+        {"VelType", "VelType", korb::kHeterogeneous},
+        {"ExternalInput", "VelCG ExternalInput", korb::kHeterogeneous},
+        {"BlockHierarchyMap", "BHM object", korb::kHeterogeneous},
+        {"GraphicalSubsystem", "Graph obj", korb::kHeterogeneous},
+        {"GraphicalBlock", "VelCG Graphical block object", korb::kHeterogeneous},
+        {"Port", "VelCG Port object", korb::kHeterogeneous},
+        {"Region", "VelCG Region object", korb::kHeterogeneous},
+        {"Parameter", "VelCG Parameter object", korb::kHeterogeneous},
+        {"State", "VelCG State object", korb::kHeterogeneous},
+        {"ModelParameter", "VelCG Model Parameter object", korb::kHeterogeneous},
+        {"ToAsyncQueueBlock", "VelCG ToAsyncQueue block object", "VelCG.GraphicalBlock"},
+        {"DataInterfaceRecord", "VelCG  DataInterfaceRecord object", korb::kHeterogeneous},
+    };
+    auto classes = korb::ObjectSystem::instance().getPackageClasses("VelCG");
+    ASSERT_GE(classes.size(), expected.size());
+    // The model classes close the package, after the generated-file classes.
+    const std::size_t first = classes.size() - expected.size();
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const auto* cls = classes[first + i];
+        EXPECT_EQ(std::string("VelCG.") + expected[i][0], cls->getQualifiedName()) << i;
+        EXPECT_EQ(expected[i][1], cls->getDescription()) << i;
+        EXPECT_EQ(expected[i][2], cls->getSuperclassName()) << i;
+        EXPECT_FALSE(cls->isAbstract()) << i;
+    }
+}
+
+struct Prop {
+    const char* key;
+    const char* hostType;
+    std::string rendered;
+};
+
+TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
+    Scene s;
+    const std::string B = "VelCG.GraphicalBlock", T = "VelCG.ToAsyncQueueBlock";
+    const struct {
+        vel::mi::Handle* object;
+        std::vector<Prop> props;
+    } classes[] = {
+        {s.system,
+         {{"Identifier", "char", "'sysId'"}, {"GraphicalCallsites", "any", "<" + B + ">"},
+          {"StartFcn", "char", "'start'"}, {"OutputFcn", "char", "'out'"}, {"UpdateFcn", "char", "'upd'"},
+          {"OutputUpdateFcn", "char", "'outupd'"}, {"IsModelReferenceBaseSystem", "logical scalar", "logical false"}}},
+        {s.cgType,
+         {{"Name", "char", "'int32_T'"}, {"VelTypeIndex", "int32 scalar", "int32 0"},
+          {"Width", "int32 scalar", "int32 1"}, {"SymbolicWidth", "char", "'1'"}, {"Constructor", "char", "''"},
+          {"BaseIndex", "int32 scalar", "int32 0"}, {"Dimensions", "int32 vector", "int32[2,3]"},
+          {"SymbolicDimensions", "cell", "{'N','M'}"}, {"Bias", "double scalar", "double 0"},
+          {"Slope", "double scalar", "double 1.5"}, {"NBits", "int32 scalar", "int32 32"},
+          {"IsSigned", "logical scalar", "logical true"}, {"Exponent", "int32 scalar", "int32 0"},
+          {"IsLoweredMultiword", "logical scalar", "logical false"}, {"StructAlignment", "int32 scalar", "int32 -1"},
+          {"Members", "any", "<VelCG.CGTypeMember>"}, {"EmbeddedType", "any", "embedded.type"}}},
+        {s.member,
+         {{"Name", "char", "'u1'"}, {"CGTypeIndex", "int32 scalar", "int32 0"}, {"Alignment", "int32 scalar", "int32 4"}}},
+        {&s.model,
+         {{"Systems", "any", "<VelCG.System>"}, {"BlockHierarchyMap", "any", "<VelCG.BlockHierarchyMap>"},
+          {"CGTypes", "any", "<VelCG.VelCGType>"}, {"VarGroups", "any", "<VelCG.VarGroup>"},
+          {"VelTypes", "any", "<VelCG.VelType>"}, {"ExternalInputs", "any", "<VelCG.ExternalInput>"},
+          {"TAQBlocks", "any", "<" + T + ">"}, {"SubsystemPathForRightClickBuild", "char", "'m/Sub'"},
+          {"SubsystemNameForRightClickBuild", "char", "'Sub'"}, {"ModelReferenceTargetType", "char", "'SIM'"},
+          {"NumChildSFunctions", "uint32 scalar", "uint32 2"}, {"IsQuayTarget", "logical scalar", "logical true"},
+          {"IsGeneratingToSharedLocation", "logical scalar", "logical true"},
+          {"IsCompactFilePackaging", "logical scalar", "logical true"},
+          {"MaxMultiWordBits", "int32 scalar", "int32 128"},
+          {"IsModelReferenceTarget", "logical scalar", "logical false"},
+          {"NumModelReferenceBlocks", "int32 scalar", "int32 3"},
+          {"IsHostBasedSimulationTarget", "logical scalar", "logical false"},
+          {"SharedCodeManagerPath", "char", "'/shared'"}}},
+        {s.group,
+         {{"Name", "char", "'DW_T'"}, {"Category", "char vector", "'DWork'"}, {"LocalName", "char", "'localDW'"},
+          {"NonreusedName", "char", "'rtDW'"}, {"SystemIndex", "int32 scalar", "int32 0"},
+          {"HasElement", "char", "'yes'"}, {"InstanceIndex", "int32 scalar", "int32 0"},
+          {"IsPointer", "logical scalar", "logical false"}, {"ParentVarGroupIndex", "int32 scalar", "int32 -1"},
+          {"MemberIndexInParent", "int32 scalar", "int32 -1"}, {"CGTypeIndex", "int32 scalar", "int32 0"},
+          {"TypeTag", "char", "'tag'"}, {"GlobalOffset", "int32 scalar", "int32 8"},
+          {"Elements", "cell", "{'a','b'}"}, {"SubstructNames", "cell", "{'S'}"},
+          {"SubstructIndices", "int32 vector", "int32 1"}, {"DataGroupIndex", "int32 scalar", "int32 -1"}}},
+        {s.velType,
+         {{"ID", "int32 scalar", "int32 7"}, {"CGTypeIdx", "int32 scalar", "int32 0"},
+          {"ContainerCGTypeIdx", "int32 scalar", "int32 -1"}, {"ContainerVelTypeIdx", "int32 scalar", "int32 -1"}}},
+        {s.input,
+         {{"CGTypeIndex", "int32 scalar", "int32 0"}, {"StorageClass", "char", "'Auto'"},
+          {"RequiresGlobalAccess", "logical scalar", "logical true"}, {"Identifier", "char", "'In1'"},
+          {"VarGroupIndex", "int32 scalar", "int32 -1"}, {"VarGroupMemberIndex", "int32 scalar", "int32 -1"},
+          {"HasVarDims", "logical scalar", "logical false"},
+          {"CanonicalDimSizeDWorkIndex", "int32 scalar", "int32 -1"},
+          {"HasCanonicalDimSizeDWorkIndex", "logical scalar", "logical false"},
+          {"SizeVarGroupIdx", "int32 scalar", "int32 2"}, {"SizeVarGroupMemberIndex", "int32 scalar", "int32 -1"},
+          {"DimSizeDWork", "int32 scalar", "int32 -1"}, {"Padding", "int32 scalar", "int32 4"}}},
+        {s.model.getBlockHierarchyMap(),
+         {{"Subsystems", "any", "<VelCG.GraphicalSubsystem>"}, {"ReducedBlocks", "any", "<>"}}},
+        {s.root,
+         {{"Name", "char", "'root'"}, {"VelName", "char", "'root'"}, {"SubsystemBlock", "any", "<" + B + ">"},
+          {"Type", "char vector", "'root'"}, {"MaskType", "char", "''"}, {"InputPortBlocks", "any", "<>"},
+          {"OutputPortBlocks", "any", "<>"}, {"DataStoreBlocks", "any", "<>"}, {"SubsystemBlocks", "any", "<>"},
+          {"ChildSubsystems", "any", "<>"}, {"Blocks", "any", "<" + B + ">"}}},
+        {s.block,
+         {{"Name", "char", "'Gain'"}, {"VelName", "char", "'Gain1'"}, {"SID", "char", "'m:5'"},
+          {"Type", "char", "'Gain'"}, {"Description", "char", "'desc'"}, {"ReferencedModelName", "char", "''"},
+          {"Virtual", "char vector", "'Virtual'"}, {"DataInputPorts", "any", "<VelCG.Port>"},
+          {"DataOutputPorts", "any", "<VelCG.Port>"}, {"ControlInputPorts", "any", "<>"},
+          {"NumFcnCallOutputPorts", "int32 scalar", "int32 0"}, {"Parameters", "any", "{<VelCG.Parameter>}"},
+          {"ContinuousStates", "any", "<VelCG.State>"}, {"Derivatives", "any", "<VelCG.State>"},
+          {"DiscreteStates", "any", "{<VelCG.DataInterfaceRecord>}"},
+          {"DWorks", "any", "{<VelCG.DataInterfaceRecord>}"}, {"RLSCommentName", "char", "'rls'"},
+          {"IsProtectedModelBlock", "logical scalar", "logical false"}}},
+        {s.inPort,
+         {{"VelName", "char", "''"}, {"SignalLabel", "char", "''"}, {"Connected", "logical scalar", "logical false"},
+          {"TestPoint", "logical scalar", "logical false"},
+          {"MdlRefSimLoggableTestPoint", "logical scalar", "logical false"},
+          {"GraphicalSource", "any", "<VelCG.Port>"}, {"Regions", "any", "<>"}}},
+        {s.region,
+         {{"Source", "char", "'rtB.x'"}, {"BusSelElIdx", "char", "''"}, {"BusSelElCGTypeId", "char", "''"},
+          {"Offset", "int32 scalar", "int32 2"}, {"GroundDataTypeIdx", "int32 scalar", "int32 -1"},
+          {"GroundLabel", "char", "''"}, {"GroundIsComplex", "logical scalar", "logical false"},
+          {"GroundIsSynthesized", "logical scalar", "logical false"}, {"Dimensions", "int32 vector", "int32 1"},
+          {"FunctionArgumentIdx", "int32 scalar", "int32 -1"}, {"DataInterface", "any", "coder.DataInterface"}}},
+        {dynamic_cast<vel::mi::Handle*>(s.parameter),
+         {{"Name", "char", "'K'"}, {"ModelParameters", "any", "<VelCG.ModelParameter>"}}},
+        {s.state, {{"Dimensions", "int32 vector", "int32 3"}}},
+        {dynamic_cast<vel::mi::Handle*>(s.modelParameter),
+         {{"Name", "char", "'K'"}, {"IsAlias", "logical scalar", "logical false"},
+          {"IsWorkspaceVar", "logical scalar", "logical true"},
+          {"IsPseudoWorkspaceVar", "logical scalar", "logical false"}, {"IsTunable", "logical scalar", "logical true"},
+          {"GraphicalSource", "any", "<" + B + ">"}, {"GraphicalReferences", "any", "<" + B + ">"},
+          {"DataInterface", "any", "coder.DataInterface"}}},
+        {s.taq,
+         {{"isFixedPoint", "logical scalar", "logical false"}, {"isEnum", "logical scalar", "logical false"},
+          {"dataTypeId", "int32 scalar", "int32 0"}, {"dataTypeSize", "int32 scalar", "int32 0"},
+          {"fxpNumericType", "int32 scalar", "int32 0"}, {"fxpSignedness", "uint32 scalar", "uint32 0"},
+          {"fxpWordLength", "int32 scalar", "int32 0"}, {"fxpFractionLength", "int32 scalar", "int32 0"},
+          {"fxpSlopeAdjFactor", "double scalar", "double 0"}, {"fxpFixedExponent", "int32 scalar", "int32 0"},
+          {"fxpBias", "double scalar", "double 0"}, {"enumClassName", "char", "''"},
+          {"enumClassification", "char", "''"}, {"enumLabels", "cell", "{}"}, {"enumValues", "int32 vector", "int32[]"},
+          {"isComplex", "logical scalar", "logical false"}, {"isDiscete", "logical scalar", "logical false"},
+          {"isVirtualBus", "logical scalar", "logical false"}, {"isNVBus", "logical scalar", "logical false"},
+          {"isVarDims", "logical scalar", "logical false"}, {"dimensions", "int32 vector", "int32[]"},
+          {"blockPath", "char", "''"}, {"blockSID", "char", "''"}, {"portNumber", "int32 scalar", "int32 0"},
+          {"signalName", "char", "''"}, {"actSrcBlockPath", "char", "''"}, {"actSrcBlockSID", "char", "''"},
+          {"actSrcPortNumber", "int32 scalar", "int32 0"}, {"actSrcDWorkName", "char", "''"},
+          {"actSrcStartElement", "int32 scalar", "int32 0"}, {"signalSourceUUID", "char", "''"},
+          {"signalSourceUUIDasInteger", "int64 scalar", "int64 0"}, {"units", "char", "''"},
+          {"uniqueId", "uint32 scalar", "uint32 0"}, {"tid", "int32 scalar", "int32 0"},
+          {"leafElements", "any", "<" + T + "," + T + ">"}, {"nvBusOffset", "int64 scalar", "int64 0"},
+          {"isLiveStreaming", "logical scalar", "logical false"},
+          {"isDeferredStreaming", "logical scalar", "logical false"}}},
+        {dynamic_cast<vel::mi::Handle*>(s.dWork), {{"DataInterface", "any", "coder.DataInterface"}}},
+    };
+    for (const auto& c : classes) {
+        ASSERT_NE(nullptr, c.object);
+        const auto& cls = client.classOf(*c.object);
+        SCOPED_TRACE(cls.getQualifiedName());
+        std::vector<std::string> registered, expected;
+        for (const auto& p : cls.getProperties()) registered.push_back(p.name);
+        for (const auto& p : c.props) expected.push_back(p.key);
+        EXPECT_EQ(expected, registered);
+        for (const auto& p : c.props) {
+            korb::Value v = client.getPropertyValue(c.object->makeRef(), p.key);
+            EXPECT_EQ(p.hostType, v.hostType) << p.key;
+            EXPECT_EQ(p.rendered, render(*v.data)) << p.key;
+        }
+    }
+    // The async-queue block also answers the graphical block's properties.
+    EXPECT_EQ("'TAQ'", render(*client.getProperty(s.taq->makeRef(), "Name")));
+    // Handles refer to the very objects of the model.
+    EXPECT_EQ(s.block, client.getProperty(s.system->makeRef(), "GraphicalCallsites")->handles()[0].get());
+    EXPECT_EQ(s.outPort, client.getProperty(s.inPort->makeRef(), "GraphicalSource")->handles()[0].get());
+}
+
+TEST_F(ModelClassBindings, WritablePropertiesRoundTripAndOthersAreReadOnly) {
+    Scene s;
+    auto labels = tuvArray::cell(1, 2);
+    labels->setCell(0, tuvArray::fromUtf8("A"));
+    labels->setCell(1, tuvArray::fromUtf8("B"));
+    const auto& leaves = s.taq->getLeafElements();
+    const struct {
+        vel::mi::Handle* object;
+        const char* key;
+        tuvArrayPtr value;
+    } rows[] = {
+        {s.system, "Identifier", tuvArray::fromUtf8("id2")},
+        {s.system, "GraphicalCallsites", tuvArray::objects({})},
+        {s.system, "StartFcn", tuvArray::fromUtf8("s2")},
+        {s.system, "OutputFcn", tuvArray::fromUtf8("o2")},
+        {s.system, "UpdateFcn", tuvArray::fromUtf8("u2")},
+        {s.system, "OutputUpdateFcn", tuvArray::fromUtf8("ou2")},
+        {s.system, "IsModelReferenceBaseSystem", tuvArray::logical(true)},
+        {s.velType, "ID", tuvArray::int32(12)},
+        {s.velType, "CGTypeIdx", tuvArray::int32(3)},
+        {s.velType, "ContainerCGTypeIdx", tuvArray::int32(4)},
+        {s.velType, "ContainerVelTypeIdx", tuvArray::int32(5)},
+        {&s.model, "SharedCodeManagerPath", tuvArray::fromUtf8("/other/\xc3\xa9")},
+        {s.taq, "isFixedPoint", tuvArray::logical(true)},
+        {s.taq, "isEnum", tuvArray::logical(true)},
+        {s.taq, "dataTypeId", tuvArray::int32(9)},
+        {s.taq, "dataTypeSize", tuvArray::int32(4)},
+        {s.taq, "fxpNumericType", tuvArray::int32(2)},
+        {s.taq, "fxpSignedness", tuvArray::uint32(1)},
+        {s.taq, "fxpWordLength", tuvArray::int32(16)},
+        {s.taq, "fxpFractionLength", tuvArray::int32(8)},
+        {s.taq, "fxpSlopeAdjFactor", tuvArray::float64(1.25)},
+        {s.taq, "fxpFixedExponent", tuvArray::int32(-3)},
+        {s.taq, "fxpBias", tuvArray::float64(0.5)},
+        {s.taq, "enumClassName", tuvArray::fromUtf8("Color")},
+        {s.taq, "enumClassification", tuvArray::fromUtf8("native")},
+        {s.taq, "enumLabels", labels},
+        {s.taq, "enumValues", tuvArray::int32Vector({1, 2})},
+        {s.taq, "isComplex", tuvArray::logical(true)},
+        {s.taq, "isDiscete", tuvArray::logical(true)},
+        {s.taq, "isVirtualBus", tuvArray::logical(true)},
+        {s.taq, "isNVBus", tuvArray::logical(true)},
+        {s.taq, "isVarDims", tuvArray::logical(true)},
+        {s.taq, "dimensions", tuvArray::int32Vector({2, 2})},
+        {s.taq, "blockPath", tuvArray::fromUtf8("m/Gain")},
+        {s.taq, "blockSID", tuvArray::fromUtf8("m:5")},
+        {s.taq, "portNumber", tuvArray::int32(1)},
+        {s.taq, "signalName", tuvArray::fromUtf8("sig")},
+        {s.taq, "actSrcBlockPath", tuvArray::fromUtf8("m/Src")},
+        {s.taq, "actSrcBlockSID", tuvArray::fromUtf8("m:1")},
+        {s.taq, "actSrcPortNumber", tuvArray::int32(2)},
+        {s.taq, "actSrcDWorkName", tuvArray::fromUtf8("dw")},
+        {s.taq, "actSrcStartElement", tuvArray::int32(3)},
+        {s.taq, "signalSourceUUID", tuvArray::fromUtf8("uuid")},
+        {s.taq, "signalSourceUUIDasInteger", tuvArray::int64(INT64_MAX)},
+        {s.taq, "units", tuvArray::fromUtf8("m/s")},
+        {s.taq, "uniqueId", tuvArray::uint32(UINT32_MAX)},
+        {s.taq, "tid", tuvArray::int32(1)},
+        {s.taq, "leafElements", tuvArray::objects({leaves[1]->makeRef()})},
+        {s.taq, "nvBusOffset", tuvArray::int64(-8)},
+        {s.taq, "isLiveStreaming", tuvArray::logical(true)},
+        {s.taq, "isDeferredStreaming", tuvArray::logical(true)},
+    };
+    std::map<std::string, std::set<std::string>> writable;
+    for (const auto& r : rows) {
+        const std::string before = render(*client.getProperty(r.object->makeRef(), r.key));
+        client.setProperty(r.object->makeRef(), r.key, *r.value);
+        const std::string after = render(*client.getProperty(r.object->makeRef(), r.key));
+        EXPECT_EQ(render(*r.value), after) << r.key;
+        EXPECT_NE(before, after) << r.key << ": the written value must differ from the old one";
+        writable[client.classOf(*r.object).getQualifiedName()].insert(r.key);
+    }
+    EXPECT_TRUE(s.taq->getIsDiscrete()) << "\"isDiscete\" writes isDiscrete";
+    EXPECT_EQ(L"/other/\u00e9", s.model.getSharedCodeManagerPath());
+    EXPECT_TRUE(s.system->getGraphicalCallsites().empty());
+    ASSERT_EQ(1u, s.taq->getLeafElements().size()) << "the dropped leaf is deleted, the kept one stays";
+    EXPECT_EQ(L"leaf2", s.taq->getLeafElements()[0]->getName());
+
+    // Only "EmbeddedType" of VelCGType is writable besides the rows above, and
+    // writing it has no effect.
+    const CG::EmbeddedType* embedded = s.cgType->getEmbeddedType();
+    client.setProperty(s.cgType->makeRef(), "EmbeddedType", *tuvArray::empty());
+    EXPECT_EQ(embedded, s.cgType->getEmbeddedType());
+    writable["VelCG.VelCGType"].insert("EmbeddedType");
+
+    // Every other property of the model classes is read-only.
+    const auto classes = korb::ObjectSystem::instance().getPackageClasses("VelCG");
+    ASSERT_GE(classes.size(), 17u);
+    for (std::size_t i = classes.size() - 17; i < classes.size(); ++i) {
+        const auto& name = classes[i]->getQualifiedName();
+        for (const auto& p : classes[i]->getProperties())
+            EXPECT_EQ(writable[name].count(p.name) == 0, p.isReadOnly()) << name << "." << p.name;
+    }
+}
+
+TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
+    Scene s;
+    const struct {
+        vel::mi::Handle* object;
+        const char* name;
+        std::vector<tuvArrayPtr> args;
+        std::string rendered;
+    } rows[] = {
+        {s.system, "getName", {}, "''"},
+        {s.system, "isRootSystem", {}, "logical false"},
+        {s.system, "isReusableLibrarySubsystem", {}, "logical false"},
+        {s.system, "isAtomic", {}, "logical false"},
+        {s.system, "isCalledByBlock", {}, "logical false"},
+        {s.system, "getSystemType", {}, "''"},
+        {s.system, "isInlined", {}, "logical false"},
+        {s.system, "isNonReusable", {}, "logical false"},
+        {s.system, "isReusable", {}, "logical false"},
+        {s.cgType, "getContainerTypeName", {}, "'int32_T'"},
+        {&s.model, "getName", {}, "''"},
+        {&s.model, "getVersion", {}, "''"},
+        {&s.model, "getKordelCoderVersion", {}, "''"},
+        {&s.model, "getKordelVersion", {}, "''"},
+        {&s.model, "getSystemForFunction", {tuvArray::fromUtf8("f")}, "[]"},
+        {s.velType, "getDTName", {}, "'int32'"},
+        {s.velType, "isShared", {}, "logical false"},
+        {s.velType, "isUserProvided", {}, "logical false"},
+        {s.velType, "getDescription", {}, "'int32'"},
+        {s.velType, "getIdAliasedTo", {}, "int32 -10"},
+        {s.velType, "getIdAliasedThruTo", {}, "int32 -10"},
+        {s.velType, "getHeaderFile", {}, "'int32'"},
+        {s.velType, "isEnumType", {}, "logical false"},
+        {s.velType, "isStructType", {}, "logical false"},
+        {s.velType, "isBus", {}, "logical false"},
+        {s.velType, "isAliasType", {}, "logical true"},
+        {s.velType, "getName", {}, "'int32_T'"},
+        {s.velType, "getComplexName", {}, "'cint32_T'"},
+        {s.input, "getRecordIdentifier", {}, "'In1'"},
+        {dynamic_cast<vel::mi::Handle*>(s.modelParameter), "getOriginalName", {}, "'Korig'"},
+        {dynamic_cast<vel::mi::Handle*>(s.modelParameter), "getWorkspaceVarName", {}, "'Kws'"},
+    };
+    std::map<const vel::mi::Handle*, std::vector<std::string>> called;
+    for (const auto& r : rows) {
+        EXPECT_EQ(r.rendered, render(*client.callMethod(r.object->makeRef(), r.name, r.args))) << r.name;
+        called[r.object].push_back(r.name);
+    }
+    // The rows cover every method, in registration order.
+    for (const auto& [object, names] : called) {
+        std::vector<std::string> registered;
+        for (const auto& m : client.classOf(*object).getMethods()) registered.push_back(m.name);
+        EXPECT_EQ(names, registered) << client.classOf(*object).getQualifiedName();
+    }
+    s.system->setBriskSystemCode(2);
+    s.model.addFunctionForSystem("f", s.system);
+    EXPECT_EQ("logical true", render(*client.callMethod(s.system->makeRef(), "isReusable")));
+    EXPECT_EQ(s.system,
+              client.callMethod(s.model.makeRef(), "getSystemForFunction", {tuvArray::fromUtf8("f")})->handles()[0].get());
+}
+
+TEST_F(ModelClassBindings, BadIndicesAndOwnershipFromScriptsAreDiagnostics) {
+    Scene s;
+    auto leafOfOther = std::make_unique<ToAsyncQueueBlock>(new StoredGraphicalBlock(L"x"));
+    const struct {
+        const char* what;
+        std::function<void()> call;
+        const char* id;
+    } rows[] = {
+        {"member position past the end",
+         [&] {
+             s.input->setVarGroupIndex(0);
+             s.input->setVarGroupMemberIndex(5);
+             client.callMethod(s.input->makeRef(), "getRecordIdentifier");
+         },
+         kIndexOutOfRangeId},
+        {"variable group past the end",
+         [&] {
+             s.input->setVarGroupIndex(9);
+             client.callMethod(s.input->makeRef(), "getRecordIdentifier");
+         },
+         kIndexOutOfRangeId},
+        {"type index past the end",
+         [&] {
+             VelType* t = new VelType("double");
+             t->setCGTypeIdx(4);
+             s.model.addVelType(std::unique_ptr<VelType>(t));
+             client.callMethod(t->makeRef(), "getName");
+         },
+         kIndexOutOfRangeId},
+        {"negative type index",
+         [&] {
+             VelType fresh("x");
+             fresh.setCGTypeIdx(-1);
+             client.callMethod(fresh.makeRef(), "getName");
+         },
+         "VelCG:Type::InvalidCGType"},
+        {"source subsystem past the end",
+         [&] {
+             s.outPort->setCGModel(&s.model);
+             s.outPort->setGrSrcPortIdx(3, 0, 0);
+             client.getProperty(s.outPort->makeRef(), "GraphicalSource");
+         },
+         kIndexOutOfRangeId},
+        {"foreign leaf element",
+         [&] {
+             client.setProperty(s.taq->makeRef(), "leafElements", *tuvArray::objects({leafOfOther->makeRef()}));
+         },
+         kInvalidOwnershipId},
+        {"cyclic matrix type",
+         [&] {
+             auto* m = new VelCGType();
+             m->setConstructor("matrix");
+             m->setBaseIndex(1);
+             s.model.addVelCGType(std::unique_ptr<VelCGType>(m));
+             client.callMethod(m->makeRef(), "getContainerTypeName");
+         },
+         kCyclicTypeId},
+    };
+    for (const auto& r : rows) EXPECT_EQ(r.id, diagnosticOf(r.call)) << r.what;
+    EXPECT_EQ(2u, s.taq->getLeafElements().size()) << "a refused write leaves the leaves unchanged";
+}
+
+} // namespace
