@@ -26,10 +26,10 @@ const char* VelCGFileRepository::getFullyQualifiedKorbTypeName() const { return 
 
 template <class File>
 File& VelCGFileRepository::appendFile(std::unique_ptr<File> file) {
-    // Reserve first so that the push cannot fail after ownership moved.
-    files_.reserve(files_.size() + 1);
     File& added = *file;
-    files_.push_back(file.release());
+    // Ownership moves only once the push has succeeded.
+    files_.push_back(file.get());
+    file.release();
     // A repeated name now finds the newest file.
     nameIndex_[added.getNameAscii()] = static_cast<std::int32_t>(files_.size() - 1);
     return added;

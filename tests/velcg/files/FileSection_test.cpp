@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <sstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/FileSection.hpp"
@@ -98,6 +100,22 @@ TEST(VelCGFileSectionKind, NamesEveryKindAndConvertsEnumeratorNames) {
     EXPECT_EQ(BANNER_SECTION, getSectionKindFromEnumName("FUNCTION_SECTION"));
     EXPECT_EQ(BANNER_SECTION, getSectionKindFromEnumName("FUNCTION_SECTION"));
     EXPECT_EQ(BANNER_SECTION, getSectionKindFromEnumName(""));
+}
+
+TEST(VelCGFileSectionKind, EnumeratorNameConversionIsSafeFromManyThreads) {
+    std::vector<std::thread> threads;
+    std::vector<int> wrong(4, 0);
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([t, &wrong] {
+            for (int i = 0; i < 500; ++i) {
+                // Unknown names grow the shared table while known ones are read.
+                if (getSectionKindFromEnumName("UNKNOWN_" + std::to_string(t) + "_" + std::to_string(i)) != 0) ++wrong[t];
+                if (getSectionKindFromEnumName("USERBOTTOM_SECTION") != USERBOTTOM_SECTION) ++wrong[t];
+            }
+        });
+    }
+    for (auto& th : threads) th.join();
+    EXPECT_EQ((std::vector<int>{0, 0, 0, 0}), wrong);
 }
 
 TEST(VelCGFileContent, EmptySectionStandsInForMissingAndOutOfRangeKinds) {
