@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/BlockHierarchyMap.hpp"
+#include "velcg/GraphicalBlock.hpp"
+#include "velcg/ModelDiagnostics.hpp"
+#include "velcg/StoredGraphicalBlock.hpp"
+#include "velcg/StoredGraphicalSubsystem.hpp"
+
+using namespace VelCG;
+
+namespace {
+
+template <class F>
+std::string diagnosticOf(F&& f) {
+    try {
+        f();
+    } catch (const vel::diag::Exception& e) {
+        return e.identifier();
+    }
+    return "no diagnostic";
+}
+
+struct Kind {
+    bool inport = false, outport = false, subsystem = false, dsm = false, reduced = false;
+};
+
+std::unique_ptr<GraphicalBlock> block(const wchar_t* name, Kind k = {}) {
+    auto* impl = new StoredGraphicalBlock(name);
+    impl->setIsInport(k.inport);
+    impl->setIsOutport(k.outport);
+    impl->setIsSubsystem(k.subsystem);
+    impl->setIsDataStoreMemory(k.dsm);
+    impl->setIsReduced(k.reduced);
+    return std::make_unique<GraphicalBlock>(impl);
+}
+
+std::string names(const std::vector<GraphicalBlock*>& blocks) {
+    std::string s;
+    for (auto* b : blocks) {
+        const std::wstring name = b->getName();
+        s += (s.empty() ? "" : ",") + std::string(name.begin(), name.end());
+    }
+    return s;
+}
+
+TEST(GraphicalSubsystem, BlocksGoIntoTheFirstMatchingKindList) {
+    StoredGraphicalSubsystem s(L"S", GraphicalSubsystemType::Atomic);
+    s.addGraphicalBlock(block(L"in", {true}));
+    s.addGraphicalBlock(block(L"inAndSub", {true, false, true}));
+    s.addGraphicalBlock(block(L"out", {false, true, false, true}));
+    s.addGraphicalBlock(block(L"sub", {false, false, true, true}));
+    s.addGraphicalBlock(block(L"dsm", {false, false, false, true}));
+    s.addGraphicalBlock(block(L"plain"));
+    EXPECT_EQ("in,inAndSub", names(s.getInputPortBlocks()));
+    EXPECT_EQ("out", names(s.getOutputPortBlocks()));
+    EXPECT_EQ("sub", names(s.getSubsystemBlocks()));
+    EXPECT_EQ("dsm", names(s.getDataStoreBlocks()));
+    EXPECT_EQ("in,inAndSub,out,sub,dsm,plain", names(s.getBlocks()));
+    EXPECT_EQ(&s, s.getBlocks()[0]->getParentSubsystem());
+}
+
+TEST(GraphicalSubsystem, TypeStringsAndDefaults) {
+    const char* expected[] = {"root",    "virtual", "atomic", "enabled",  "trigger", "enabletrigger",
+                              "fcncall", "action",  "iterator", "unknown", ""};
+    for (int i = 0; i <= 10; ++i)
+        EXPECT_STREQ(expected[i], GraphicalSubsystem::getStringForSubsystemType(static_cast<GraphicalSubsystemType>(i)));
+    GraphicalSubsystem plain;
+    EXPECT_STREQ("unknown", GraphicalSubsystem::getStringForSubsystemType(plain.getType()));
+    plain.setMangledPathName("m_Sub");
+    EXPECT_EQ("m_Sub", plain.getMangledPathName());
+    EXPECT_EQ("m_Sub", plain.getMangledSubsystemPathName());
+    EXPECT_EQ(-1, plain.getNVOwnerSysIdx());
+    EXPECT_EQ((std::pair<int, int>{-1, -1}), plain.getSubsystemBlockIndex());
+    EXPECT_EQ(nullptr, plain.getSubsystemBlock()) << "no map";
+}
+
+// root with 2 subsystem blocks, A with 1, B with 0, C with 0.
+struct Hierarchy {
+    BlockHierarchyMap map;
+    GraphicalSubsystem *root, *a, *b, *c;
+    Hierarchy() {
+        root = map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"root", GraphicalSubsystemType::Root));
+        a = map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"A", GraphicalSubsystemType::Atomic));
+        b = map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"B", GraphicalSubsystemType::Virtual));
+        c = map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"C", GraphicalSubsystemType::Enabled));
+        root->addGraphicalBlock(block(L"In1", {true}));
+        root->addGraphicalBlock(block(L"A", {false, false, true}));
+        root->addGraphicalBlock(block(L"B", {false, false, true, false, true}));
+        a->addGraphicalBlock(block(L"C", {false, false, true}));
+        c->addGraphicalBlock(block(L"Gain", {false, false, false, false, true}));
+        a->setSubsystemBlockIndex({0, 1});
+        c->setSubsystemBlockIndex({1, 0});
+    }
+};
+
+TEST(BlockHierarchyMap, FinalizeLinksChildrenBreadthFirst) {
+    Hierarchy h;
+    h.map.finalize();
+    EXPECT_EQ((std::vector<GraphicalSubsystem*>{h.a, h.b}), h.root->getChildSubsystems());
+    EXPECT_EQ((std::vector<GraphicalSubsystem*>{h.c}), h.a->getChildSubsystems());
+    EXPECT_TRUE(h.b->getChildSubsystems().empty());
+    EXPECT_EQ(&h.map, h.c->getBlockHierarchyMap());
+    EXPECT_EQ(h.root->getBlocks()[1], h.a->getSubsystemBlock());
+    EXPECT_EQ(h.a->getBlocks()[0], h.c->getSubsystemBlock());
+    EXPECT_EQ(nullptr, h.b->getSubsystemBlock()) << "(-1, -1) names no block";
+}
+
+TEST(BlockHierarchyMap, FinalizeRefusesMissingChildren) {
+    BlockHierarchyMap map;
+    GraphicalSubsystem* root = map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
+    root->addGraphicalBlock(block(L"A", {false, false, true}));
+    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { map.finalize(); }));
+    EXPECT_TRUE(root->getChildSubsystems().empty());
+    GraphicalSubsystem loose;
+    loose.addGraphicalBlock(block(L"A", {false, false, true}));
+    EXPECT_EQ(kNoModelId, diagnosticOf([&] { loose.finalize(1); }));
+}
+
+TEST(BlockHierarchyMap, BlockLookupAndReducedBlocks) {
+    Hierarchy h;
+    EXPECT_EQ(h.root->getBlocks()[2], h.map.getBlockGivenIndices(0, 2));
+    EXPECT_EQ(nullptr, h.map.getBlockGivenIndices(0, 3));
+    EXPECT_EQ(nullptr, h.map.getBlockGivenIndices(4, 0));
+    EXPECT_EQ(nullptr, h.map.getBlockGivenIndices(1, static_cast<std::size_t>(-1)));
+    BlockHierarchyMap empty;
+    EXPECT_EQ(nullptr, empty.getBlockGivenIndices(0, 0));
+    EXPECT_TRUE(empty.getReducedBlocks().empty());
+
+    EXPECT_EQ("B,Gain", names(h.map.getReducedBlocks()));
+    auto extra = std::make_unique<GraphicalSubsystem>();
+    extra->addGraphicalBlock(block(L"late", {false, false, false, false, true}));
+    h.map.addGraphicalSubsystem(std::move(extra));
+    EXPECT_EQ("B,Gain,late", names(h.map.getReducedBlocks())) << "adding a subsystem empties the cache";
+}
+
+TEST(BlockHierarchyMap, SetSubsystemsReplacesButRefusesCurrentOnes) {
+    Hierarchy h;
+    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { h.map.setSubsystems({h.a}); }));
+    EXPECT_EQ(4u, h.map.getSubsystems().size());
+    auto* fresh = new StoredGraphicalSubsystem(L"new", GraphicalSubsystemType::Root);
+    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { h.map.setSubsystems({fresh, fresh}); }));
+    h.map.setSubsystems({fresh});
+    EXPECT_EQ((std::vector<GraphicalSubsystem*>{fresh}), h.map.getSubsystems());
+    EXPECT_EQ(&h.map, fresh->getBlockHierarchyMap());
+}
+
+} // namespace

@@ -1,0 +1,237 @@
+#include <gtest/gtest.h>
+
+#include "CG/DataInterface.hpp"
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/BlockHierarchyMap.hpp"
+#include "velcg/CGModel.hpp"
+#include "velcg/CGModelFactory.hpp"
+#include "velcg/DataInterfaceRecord.hpp"
+#include "velcg/GraphicalBlock.hpp"
+#include "velcg/GraphicalSubsystem.hpp"
+#include "velcg/ModelDiagnostics.hpp"
+#include "velcg/Parameter.hpp"
+#include "velcg/Port.hpp"
+#include "velcg/Region.hpp"
+#include "velcg/State.hpp"
+#include "velcg/StoredDataInterfaceRecord.hpp"
+#include "velcg/StoredGraphicalBlock.hpp"
+#include "velcg/StoredParameter.hpp"
+
+using namespace VelCG;
+
+namespace {
+
+template <class F>
+std::string diagnosticOf(F&& f) {
+    try {
+        f();
+    } catch (const vel::diag::Exception& e) {
+        return e.identifier();
+    }
+    return "no diagnostic";
+}
+
+// An implementation that records its destruction and the calls it gets.
+struct ProbeBlock : StoredGraphicalBlock {
+    explicit ProbeBlock(bool* destroyed) : StoredGraphicalBlock(L"probe"), destroyed_(destroyed) {}
+    ~ProbeBlock() override { *destroyed_ = true; }
+    void initializeCodegenInfo() override { ++initialized; }
+    int initialized = 0;
+    bool* destroyed_;
+};
+
+TEST(GraphicalBlock, ForwardsEveryQueryAndOwnsItsImplementation) {
+    bool destroyed = false;
+    {
+        auto* impl = new ProbeBlock(&destroyed);
+        impl->setVelName(L"Gain1");
+        impl->setSID(L"m:1");
+        impl->setCompactSID(L"1");
+        impl->setBlockPath(L"m/Gain1");
+        impl->setType(L"Gain");
+        impl->setDescription(L"d");
+        impl->setReferencedModelName(L"ref");
+        impl->setIsProtectedModelBlock(true);
+        impl->setVirtual(BlockVirtuality::PostCompileVirtual);
+        impl->setNumFcnCallOutputPorts(2);
+        impl->setIsReduced(true);
+        impl->setRLSCommentName("rls");
+        impl->setIsDataStoreMemory(true);
+        impl->addDataOutputPort(std::make_unique<Port>());
+        CGModel model;
+        impl->setCGModel(&model);
+        GraphicalBlock block(impl);
+        EXPECT_EQ(impl, block.getImpl());
+        EXPECT_EQ(L"probe", block.getName());
+        EXPECT_EQ(L"Gain1", block.getVelName());
+        EXPECT_EQ(L"m:1", block.getSID());
+        EXPECT_EQ(L"1", block.getCompactSID());
+        EXPECT_EQ(L"m/Gain1", block.getBlockPath());
+        EXPECT_EQ(L"Gain", block.getType());
+        EXPECT_EQ(L"d", block.getDescription());
+        EXPECT_EQ(L"ref", block.getReferencedModelName());
+        EXPECT_TRUE(block.getIsProtectedModelBlock());
+        EXPECT_EQ(BlockVirtuality::PostCompileVirtual, block.getVirtual());
+        EXPECT_EQ(2, block.getNumFcnCallOutputPorts());
+        EXPECT_TRUE(block.isReduced());
+        EXPECT_EQ("rls", block.getRLSCommentName());
+        EXPECT_EQ(1, block.getNumDataOutputPorts());
+        EXPECT_EQ(&impl->getDataOutputPorts(), &block.getDataOutputPorts());
+        EXPECT_FALSE(block.isInport() || block.isOutport() || block.isSubsystem());
+        EXPECT_TRUE(block.isDataStoreMemory());
+        EXPECT_EQ(&model, block.getCGModel());
+        block.initializeCodegenInfo();
+        EXPECT_EQ(1, impl->initialized);
+        EXPECT_EQ(nullptr, block.getParentSubsystem());
+        EXPECT_FALSE(destroyed);
+    }
+    EXPECT_TRUE(destroyed);
+    EXPECT_EQ(kNullArgumentId, diagnosticOf([] { GraphicalBlock b(nullptr); }));
+}
+
+TEST(GraphicalBlock, VirtualityStrings) {
+    const struct {
+        int value;
+        const char* name;
+    } rows[] = {{0, "NonVirtual"}, {1, "Virtual"}, {2, "PostCompileVirtual"}, {3, ""}, {-1, ""}};
+    for (const auto& r : rows)
+        EXPECT_STREQ(r.name, GraphicalBlock::getStringForBlockVirtuality(static_cast<BlockVirtuality>(r.value)));
+}
+
+TEST(GraphicalBlock, ListsBecomeColumnCellArraysOfElementHandles) {
+    std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
+    auto* impl = new StoredGraphicalBlock(L"b");
+    GraphicalBlock empty(new StoredGraphicalBlock(L"e"));
+    auto none = empty.getParametersAsTuvArray();
+    EXPECT_EQ(tuvClass::Cell, none->classId());
+    EXPECT_EQ(0u, none->rows());
+    EXPECT_EQ(1u, none->cols());
+
+    Parameter* k = impl->addParameter(std::unique_ptr<Parameter>(factory->createParameter(new StoredParameter(L"K"))));
+    Parameter* plain = impl->addParameter(std::make_unique<Parameter>(new StoredParameter(L"plain")));
+    impl->addDiscreteState(std::unique_ptr<DataInterfaceRecord>(
+        factory->createDataInterfaceRecord(new StoredDataInterfaceRecord())));
+    DataInterfaceRecord* dw1 = impl->addDWork(std::unique_ptr<DataInterfaceRecord>(
+        factory->createDataInterfaceRecord(new StoredDataInterfaceRecord())));
+    DataInterfaceRecord* dw2 = impl->addDWork(std::unique_ptr<DataInterfaceRecord>(
+        factory->createDataInterfaceRecord(new StoredDataInterfaceRecord())));
+    GraphicalBlock block(impl);
+
+    auto params = block.getParametersAsTuvArray();
+    ASSERT_EQ(2u, params->rows());
+    EXPECT_EQ(1u, params->cols());
+    EXPECT_EQ(dynamic_cast<vel::mi::Handle*>(k), params->getCell(0)->handles()[0].get());
+    EXPECT_TRUE(params->getCell(1)->isEmpty()) << plain->getName() << " is not script-visible";
+    EXPECT_EQ(1u, block.getDiscreteStatesAsTuvArray()->rows());
+    auto dworks = block.getDWorksAsTuvArray();
+    ASSERT_EQ(2u, dworks->rows());
+    EXPECT_EQ(dynamic_cast<vel::mi::Handle*>(dw1), dworks->getCell(0)->handles()[0].get());
+    EXPECT_EQ(dynamic_cast<vel::mi::Handle*>(dw2), dworks->getCell(1)->handles()[0].get());
+}
+
+TEST(GraphicalBlock, StoredBlockRefusesNullElements) {
+    StoredGraphicalBlock b;
+    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDataInputPort(nullptr); }));
+    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addParameter(nullptr); }));
+    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDWork(nullptr); }));
+    EXPECT_TRUE(b.getDataInputPorts().empty());
+}
+
+// A model whose root subsystem holds one block with two data output ports.
+struct SourceModel {
+    CGModel model;
+    Port* out1 = nullptr;
+    SourceModel() {
+        auto* impl = new StoredGraphicalBlock(L"src");
+        impl->addDataOutputPort(std::make_unique<Port>());
+        out1 = impl->addDataOutputPort(std::make_unique<Port>());
+        auto root = std::make_unique<GraphicalSubsystem>();
+        root->addGraphicalBlock(std::make_unique<GraphicalBlock>(impl));
+        model.getBlockHierarchyMap()->addGraphicalSubsystem(std::move(root));
+    }
+};
+
+TEST(Port, GraphicalSourceResolvesThroughTheHierarchyMap) {
+    SourceModel s;
+    Port p;
+    EXPECT_EQ(nullptr, p.getGraphicalSource()) << "no model";
+    p.setCGModel(&s.model);
+    EXPECT_EQ(nullptr, p.getGraphicalSource()) << "indices never set";
+    p.setGrSrcPortIdx(0, 0, 2);
+    EXPECT_EQ(nullptr, p.getGraphicalSource()) << "port index equal to the number of outputs";
+    EXPECT_EQ(nullptr, p.getGraphicalSourceSerialize()) << "nothing cached";
+    p.setGrSrcPortIdx(0, 0, 1);
+    EXPECT_EQ(s.out1, p.getGraphicalSource()) << "a later call tries again";
+    EXPECT_EQ(s.out1, p.getGraphicalSourceSerialize());
+    p.setGrSrcPortIdx(0, 0, 0);
+    EXPECT_EQ(s.out1, p.getGraphicalSource()) << "the cache is kept";
+
+    for (auto [sub, blk] : {std::pair{1, 0}, {0, 1}, {-2, 0}, {0, -1}}) {
+        Port q;
+        q.setCGModel(&s.model);
+        q.setGrSrcPortIdx(sub, blk, 0);
+        EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { q.getGraphicalSource(); })) << sub << "," << blk;
+    }
+    Port negativePort;
+    negativePort.setCGModel(&s.model);
+    negativePort.setGrSrcPortIdx(0, 0, -1);
+    EXPECT_EQ(nullptr, negativePort.getGraphicalSource());
+}
+
+TEST(Port, BaseSettersDoNothingAndRegionsAreOwned) {
+    Port p;
+    p.setConnected(true);
+    p.setVelName(L"x");
+    Port other;
+    p.setGraphicalSource(&other);
+    Region stray;
+    p.setRegions({&stray});
+    EXPECT_FALSE(p.getConnected());
+    EXPECT_EQ(L"", p.getVelName());
+    EXPECT_EQ(nullptr, p.getGraphicalSourceSerialize());
+    EXPECT_TRUE(p.getRegions().empty());
+    p.addRegion(std::make_unique<Region>());
+    EXPECT_EQ(1u, p.getRegions().size());
+    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { p.addRegion(nullptr); }));
+}
+
+TEST(Region, DefaultsAndDataInterfaceReferences) {
+    Region r;
+    EXPECT_EQ((std::vector<int>{1}), r.getDimensions());
+    EXPECT_EQ(0, r.getOffset());
+    EXPECT_EQ(-1, r.getFunctionArgumentIdx());
+    EXPECT_EQ(-1, r.getGroundDataTypeIdx());
+    r.setGroundDataTypeIdx(3);
+    r.setGroundLabel(L"g");
+    r.setGroundIsComplex(true);
+    EXPECT_EQ(-1, r.getGroundDataTypeIdx()) << "the base stores no ground data";
+    EXPECT_FALSE(r.getGroundIsComplex());
+    EXPECT_TRUE(r.getDataInterfaceAsTuvArray()->isEmpty());
+
+    CG::DataInterface* a = CG::DataInterface::create({"a", "Variable", "", "real_T", "a"});
+    CG::DataInterface* b = CG::DataInterface::create({"b", "Variable", "", "real_T", "b"});
+    r.setDataInterface(a);
+    EXPECT_EQ(2, a->getRefCount());
+    {
+        Region copy(r);
+        EXPECT_EQ(3, a->getRefCount()) << "a copy holds its own reference";
+    }
+    r.setDataInterface(b);
+    EXPECT_EQ(1, a->getRefCount()) << "the previous interface is released";
+    EXPECT_EQ(2, b->getRefCount());
+    EXPECT_EQ("coder.DataInterface", r.getDataInterfaceAsTuvArray()->className());
+    r.setDataInterface(nullptr);
+    EXPECT_EQ(1, b->getRefCount());
+    a->release();
+    b->release();
+}
+
+TEST(State, SetDimensionValueChecksTheIndex) {
+    State s({2, 3});
+    s.setDimensionValue(1, 4);
+    EXPECT_EQ((std::vector<int>{2, 4}), s.getDimensions());
+    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { s.setDimensionValue(2, 1); }));
+    EXPECT_EQ((std::vector<int>{2, 4}), s.getDimensions());
+}
+
+} // namespace
