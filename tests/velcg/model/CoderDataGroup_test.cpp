@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/CGModel.hpp"
+#include "velcg/ChildCoderDataGroup.hpp"
+#include "velcg/ModelDiagnostics.hpp"
+#include "velcg/System.hpp"
+#include "velcg/VarGroup.hpp"
+#include "velcg/VelCGType.hpp"
+
+using namespace VelCG;
+
+namespace {
+
+// A group of the model, as the code generator would derive it.
+struct ModelGroup : CoderDataGroup {
+    ModelGroup(const std::string& name, const CGModel* model) : CoderDataGroup(name, model) {}
+    void WriteToBriskFile() const override {}
+};
+
+TEST(CoderDataGroup, DefaultsAndRules) {
+    ChildCoderDataGroup g("Fast");
+    EXPECT_EQ("Coder Group 'Fast'", g.getIdentification());
+    EXPECT_EQ(-1, g.getGroupIndex());
+    const std::vector<std::string> rules = {
+        g.getHeaderFileRule(),           g.getStructureTypeNameRule(),       g.getStructureInstanceNameRule(),
+        g.getSelfStructureTypeNameRule(), g.getSelfStructureInstanceNameRule(), g.getStructureReferenceNameRule(),
+        g.getSelfStructureReferenceNameRule(), g.getStructureArgumentNameRule(), g.getSelfStructureArgumentNameRule(),
+        g.getParameterAccessMacroNameRule(),
+    };
+    EXPECT_EQ((std::vector<std::string>{"$R.h", "$R$N$G$M", "$G$N$M", "$R_IMPL$M", "$N$M", "$N$G_ref$M", "$N_ref$M",
+                                        "$R$G_arg$M", "self$M", "$R$U$N"}),
+              rules);
+    EXPECT_EQ(CoderDataGroup::AsStructure::InParent, g.getAsStructure());
+    EXPECT_EQ(CoderDataGroup::DataInit::Dynamic, g.getDataInit());
+    EXPECT_TRUE(g.getInstanceSpecific());
+    g.setDataInstantiation(static_cast<CoderDataGroup::DataInstantiation>(5));
+    EXPECT_FALSE(g.getInstanceSpecific());
+    EXPECT_TRUE(g.HasHierarchicalVarGroup());
+    EXPECT_STREQ("HierarchicalCoderData", VarGroup::getStringforCategory(g.getVargroupCategory()));
+    EXPECT_EQ(nullptr, g.getCGModel());
+
+    ChildCoderDataGroup copy(g);
+    EXPECT_EQ("Fast", copy.name());
+    EXPECT_FALSE(copy.getInstanceSpecific());
+}
+
+TEST(CoderDataGroup, StringFormsAndExportedScope) {
+    using AS = CoderDataGroup::AsStructure;
+    using DI = CoderDataGroup::DataInit;
+    EXPECT_STREQ("None", CoderDataGroup::getAsStructureString(AS::None));
+    EXPECT_STREQ("InSelf", CoderDataGroup::getAsStructureString(AS::InSelf));
+    EXPECT_STREQ("", CoderDataGroup::getAsStructureString(static_cast<AS>(7)));
+    EXPECT_STREQ("None", CoderDataGroup::getDataInitString(DI::None));
+    EXPECT_STREQ("Static", CoderDataGroup::getDataInitString(DI::Static));
+    EXPECT_STREQ("", CoderDataGroup::getDataInitString(static_cast<DI>(3)));
+
+    ChildCoderDataGroup g("G");
+    const struct {
+        const char* scope;
+        bool exported;
+    } rows[] = {{"Exported", true}, {"exported", false}, {"Exported ", false}, {"", false}, {"Imported", false}};
+    for (const auto& r : rows) {
+        g.setDataScope(r.scope);
+        EXPECT_EQ(r.exported, g.isDataScopeExported()) << "'" << r.scope << "'";
+    }
+}
+
+TEST(CoderDataGroup, RootGroupTypeNameIsTheLastMatchOfTheRootSystem) {
+    CGModel m;
+    for (int i = 0; i < 3; ++i) m.addSystem(std::make_unique<System>());
+    for (const char* name : {"A_T", "B_T", "C_T"}) m.addVelCGType(std::make_unique<VelCGType>(name));
+    auto group = [&](int system, int coderGroup, int type) {
+        auto g = std::make_unique<VarGroup>();
+        g->setSystemIndex(system);
+        g->setCoderGroupIndex(coderGroup);
+        g->setCGTypeIndex(type);
+        m.addVarGroup(std::move(g));
+    };
+    group(2, 0, 0); // root system, group 0
+    group(1, 0, 1); // another system
+    group(2, 0, 2); // root system again: the last match wins
+    group(2, 1, 1); // another coder group
+
+    ModelGroup g("G", &m);
+    EXPECT_EQ("", g.getRootGroupTypeName()) << "an unplaced group matches nothing";
+    g.setGroupIndex(0);
+    EXPECT_EQ("C_T", g.getRootGroupTypeName());
+    group(2, 0, 0);
+    EXPECT_EQ("C_T", g.getRootGroupTypeName()) << "cached once found";
+
+    m.setIsModelReferenceTarget(true); // the root system is then the one before the last
+    ModelGroup ref("R", &m);
+    ref.setGroupIndex(0);
+    EXPECT_EQ("B_T", ref.getRootGroupTypeName());
+
+    ModelGroup none("N", &m);
+    none.setGroupIndex(0);
+    none.setAsStructure(CoderDataGroup::AsStructure::None);
+    EXPECT_EQ("", none.getRootGroupTypeName()) << "no search for a group that is no structure";
+
+    group(1, 5, 9);
+    ModelGroup bad("X", &m);
+    bad.setGroupIndex(5);
+    try {
+        bad.getRootGroupTypeName();
+        ADD_FAILURE() << "a missing type must be a diagnostic";
+    } catch (const vel::diag::Exception& e) {
+        EXPECT_EQ(kIndexOutOfRangeId, e.identifier());
+    }
+}
+
+} // namespace

@@ -1,0 +1,87 @@
+#include <gtest/gtest.h>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/ModelDiagnostics.hpp"
+#include "velcg/StoredGraphicalBlock.hpp"
+#include "velcg/ToAsyncQueueBlock.hpp"
+
+using namespace VelCG;
+
+namespace {
+
+template <class F>
+std::string diagnosticOf(F&& f) {
+    try {
+        f();
+    } catch (const vel::diag::Exception& e) {
+        return e.identifier();
+    }
+    return "no diagnostic";
+}
+
+// Counts live records so that tests can tell which leaves were deleted.
+struct CountedBlock : StoredGraphicalBlock {
+    static int live;
+    explicit CountedBlock(const wchar_t* name) : StoredGraphicalBlock(name) { ++live; }
+    ~CountedBlock() override { --live; }
+};
+int CountedBlock::live = 0;
+
+ToAsyncQueueBlock* record(const wchar_t* name) { return new ToAsyncQueueBlock(new CountedBlock(name)); }
+
+TEST(ToAsyncQueueBlock, FreshRecordIsZeroAndAnswersAsAGraphicalBlock) {
+    ToAsyncQueueBlock b(new StoredGraphicalBlock(L"TAQ"));
+    EXPECT_FALSE(b.getIsFixedPoint() || b.getIsEnum() || b.getIsComplex() || b.getIsDiscrete() ||
+                 b.getIsVirtualBus() || b.getIsNVBus() || b.getIsVarDims() || b.getIsLiveStreaming() ||
+                 b.getIsDeferredStreaming());
+    EXPECT_EQ(0, b.getDataTypeId() + b.getDataTypeSize() + b.getPortNumber() + b.getTid() + b.getActSrcPortNumber());
+    EXPECT_EQ(0u, b.getUniqueId());
+    EXPECT_EQ(0, b.getNVBusOffset());
+    EXPECT_EQ(0.0, b.getFxpBias());
+    EXPECT_TRUE(b.getEnumLabels().empty() && b.getEnumValues().empty() && b.getDimensions().empty() &&
+                b.getLeafElements().empty());
+    EXPECT_EQ(L"TAQ", b.getName());
+    b.setBlockPath(L"m/Scope");
+    EXPECT_EQ(L"m/Scope", b.getBlockPathTAQ());
+    EXPECT_EQ(L"", b.getBlockPath()) << "the graphical block's own path is unaffected";
+    EXPECT_STREQ("VelCG.ToAsyncQueueBlock", b.getFullyQualifiedKorbTypeName());
+}
+
+TEST(ToAsyncQueueBlock, OwnsNestedLeavesAndDeletesThemWithItself) {
+    CountedBlock::live = 0;
+    {
+        ToAsyncQueueBlock bus(new CountedBlock(L"bus"));
+        ToAsyncQueueBlock* inner = record(L"inner");
+        inner->addLeafElement(record(L"deep"));
+        bus.addLeafElement(inner);
+        bus.addLeafElement(record(L"flat"));
+        EXPECT_EQ(4, CountedBlock::live);
+        EXPECT_EQ(L"deep", bus.getLeafElements()[0]->getLeafElements()[0]->getName());
+    }
+    EXPECT_EQ(0, CountedBlock::live);
+}
+
+TEST(ToAsyncQueueBlock, SetLeafElementsDeletesDroppedLeavesAndRefusesBadLists) {
+    CountedBlock::live = 0;
+    {
+        ToAsyncQueueBlock bus(new CountedBlock(L"bus"));
+        ToAsyncQueueBlock* a = record(L"a");
+        ToAsyncQueueBlock* b = record(L"b");
+        bus.addLeafElement(a);
+        bus.addLeafElement(b);
+        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.addLeafElement(a); }));
+        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.addLeafElement(&bus); }));
+        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { bus.addLeafElement(nullptr); }));
+        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.setLeafElements({b, b}); }));
+        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.setLeafElements({&bus}); }));
+        EXPECT_EQ(3, CountedBlock::live) << "refused lists change nothing";
+
+        ToAsyncQueueBlock* c = record(L"c");
+        bus.setLeafElements({b, c});
+        EXPECT_EQ(3, CountedBlock::live) << "a is deleted, c is taken over";
+        EXPECT_EQ((std::vector<ToAsyncQueueBlock*>{b, c}), bus.getLeafElements());
+    }
+    EXPECT_EQ(0, CountedBlock::live);
+}
+
+} // namespace
