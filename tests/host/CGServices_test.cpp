@@ -73,12 +73,12 @@ TEST(EmbeddedType, ReferencesAreCountedAcrossOwnersAndHostValues) {
 
 TEST(DataInterface, ReferencesAreCountedAcrossOwnersAndHostValues) {
     long before = CG::DataInterface::liveCount();
-    auto* di = CG::DataInterface::create({"rtDW.x", "StructElement", "rtDW", "real_T", "Delay"});
+    auto* di = CG::DataInterface::create({"model_State.x", "StructElement", "model_State", "real_T", "Delay"});
     auto hostValue = CG::DataInterface::toTuvArray(di);
     EXPECT_EQ("coder.DataInterface", hostValue->className());
     EXPECT_EQ(di, hostValue->opaquePayload().get());
     di->release();
-    EXPECT_EQ("rtDW.x", static_cast<const CG::DataInterface*>(hostValue->opaquePayload().get())
+    EXPECT_EQ("model_State.x", static_cast<const CG::DataInterface*>(hostValue->opaquePayload().get())
                             ->getDescription().identifier);
     hostValue.reset();
     EXPECT_EQ(before, CG::DataInterface::liveCount());

@@ -17,9 +17,9 @@ namespace CG {
 class VELHOST_API DataInterface {
 public:
     struct Description {
-        std::string identifier;     // e.g. "rtDW.UnitDelay_DSTATE"
+        std::string identifier;     // e.g. "model_State.delay_state"
         std::string implementation; // e.g. "StructElement", "Variable"
-        std::string owner;          // e.g. "rtDW"; empty for a standalone variable
+        std::string owner;          // e.g. "model_State"; empty for a standalone variable
         std::string typeName;       // e.g. "real_T"
         std::string graphicalName;  // the block or signal in the model
     };

@@ -99,7 +99,7 @@ struct Scene {
 
     Scene() {
         std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
-        CG::DataInterface* di = CG::DataInterface::create({"rtDW.x", "StructElement", "rtDW", "real_T", "Gain"});
+        CG::DataInterface* di = CG::DataInterface::create({"model_State.x", "StructElement", "model_State", "real_T", "Gain"});
 
         auto sys = std::make_unique<System>();
         system = sys.get();
@@ -128,7 +128,7 @@ struct Scene {
         group->setName("DW_T");
         group->setCategory(VarGroupEnum::DWork);
         group->setLocalName("localDW");
-        group->setNonReusedName("rtDW");
+        group->setNonReusedName("model_State");
         group->setSystemIndex(0);
         group->setHasElement("yes");
         group->setCGTypeIndex(0);
@@ -303,7 +303,7 @@ TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
           {"SharedCodeManagerPath", "char", "'/shared'"}}},
         {s.group,
          {{"Name", "char", "'DW_T'"}, {"Category", "char vector", "'DWork'"}, {"LocalName", "char", "'localDW'"},
-          {"NonreusedName", "char", "'rtDW'"}, {"SystemIndex", "int32 scalar", "int32 0"},
+          {"NonreusedName", "char", "'model_State'"}, {"SystemIndex", "int32 scalar", "int32 0"},
           {"HasElement", "char", "'yes'"}, {"InstanceIndex", "int32 scalar", "int32 0"},
           {"IsPointer", "logical scalar", "logical false"}, {"ParentVarGroupIndex", "int32 scalar", "int32 -1"},
           {"MemberIndexInParent", "int32 scalar", "int32 -1"}, {"CGTypeIndex", "int32 scalar", "int32 0"},

@@ -1,0 +1,47 @@
+// The example code generator: compiles the model "gain_model" into C
+// sources.
+//
+//   velcg_example_codegen [output-directory]
+//
+// The generated files build into a program that steps the model:
+//   cc -o demo gain_model.c gain_model_main.c && ./demo
+#include <cstdio>
+#include <exception>
+
+#include <boost/filesystem.hpp>
+
+#include "ExampleModel.hpp"
+#include "Template.hpp"
+#include "vel/diag/Diagnostic.hpp"
+#include "velcg/velcg.hpp"
+
+int main(int argc, char** argv) {
+    const std::string directory = argc > 1 ? argv[1] : "generated";
+    try {
+        boost::filesystem::create_directories(directory);
+        PlexoInitialize_velcg();
+
+        std::unique_ptr<VelCG::CGModel> model = example::buildGainModel();
+        VelCG::VelCGFileRepository repository;
+        repository.createModuleHeaderFile("gain_model.h", {0});
+        repository.createModuleSourceFile("gain_model.c", {0});
+        repository.createDataTypesFile("gain_model_types.h");
+        repository.createGenericFile("gain_model_main.c");
+
+        example::runTemplates(*model, repository);
+        std::vector<example::WrittenFile> files = example::writeFiles(repository, directory);
+
+        std::printf("Model gain_model: %zu system(s), %zu code-generation types, %zu variable groups, "
+                    "%zu block(s)\n",
+                    model->getSystems().size(), model->getVelCGTypes().size(), model->getVarGroups().size(),
+                    model->getBlockHierarchyMap()->getSubsystems().at(0)->getBlocks().size());
+        for (const auto& f : files) std::printf("  wrote %-40s %6ld bytes\n", f.path.c_str(), f.bytes);
+        PlexoTerminate_velcg();
+        return 0;
+    } catch (const vel::diag::Exception& e) {
+        std::fprintf(stderr, "velcg_example_codegen: %s\n", e.what());
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "velcg_example_codegen: %s\n", e.what());
+    }
+    return 1;
+}
