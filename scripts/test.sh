@@ -2,7 +2,8 @@
 # Builds and runs every test:
 #   1. an optimised build, installed into a prefix, and a separate consumer
 #      project built against that install with find_package(velcg);
-#   2. the threaded tests under ThreadSanitizer;
+#   2. the whole suite under ThreadSanitizer (the tests labelled "threads"
+#      start threads of their own; the rest check that nothing else races);
 #   3. the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,7 +20,7 @@ cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_PREFIX_PATH="$PWD/bui
 cmake --build build/consumer -j "$jobs"
 LD_LIBRARY_PATH="$PWD/build/install/lib:${LD_LIBRARY_PATH:-}" build/consumer/velcg_consumer
 
-echo "== threaded tests under ThreadSanitizer"
+echo "== all tests under ThreadSanitizer"
 cmake --preset tsan >/dev/null
 cmake --build --preset tsan -j "$jobs"
 ctest --preset tsan -j "$jobs"
