@@ -4,6 +4,7 @@
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "korb/PackageInfo.hpp"
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace {
@@ -112,15 +113,7 @@ protected:
     korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
 };
 
-template <class F>
-std::string diagnosticOf(F&& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        return e.identifier();
-    }
-    return "no diagnostic";
-}
+using testing_support::diagnosticOf;
 
 TEST_F(KorbTest, ReadsEveryValueKindWithItsHostType) {
     Widget w;

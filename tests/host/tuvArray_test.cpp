@@ -1,18 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/tuvArray.hpp"
 
 namespace {
 
-std::string idOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        return e.identifier();
-    }
-    return "none";
-}
+using testing_support::diagnosticOf;
 
 TEST(tuvArray, FactoriesGiveClassShapeAndValue) {
     struct Row {
@@ -56,20 +50,20 @@ TEST(tuvArray, CellsHoldSharedArraysAndCheckBounds) {
     EXPECT_EQ(s, c->getCell(1));
     c->setCell(0, nullptr);
     EXPECT_TRUE(c->getCell(0)->isEmpty()) << "a null cell reads as empty";
-    EXPECT_EQ("tuv:IndexOutOfRange", idOf([&] { c->getCell(2); }));
-    EXPECT_EQ("tuv:IndexOutOfRange", idOf([&] { c->setCell(2, s); }));
-    EXPECT_EQ("tuv:WrongClass", idOf([&] { s->setCell(0, s); }));
+    EXPECT_EQ("tuv:IndexOutOfRange", diagnosticOf([&] { c->getCell(2); }));
+    EXPECT_EQ("tuv:IndexOutOfRange", diagnosticOf([&] { c->setCell(2, s); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([&] { s->setCell(0, s); }));
 }
 
 TEST(tuvArray, TypedReadsRefuseOtherClassesAndShapes) {
-    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::int32(1)->logicalValue(); }));
-    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::float64(1)->int32Value(); }));
-    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::int32(1)->toUtf8(); }));
-    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::fromUtf8("a")->numericValue(); }));
-    EXPECT_EQ("tuv:NotScalar", idOf([] { tuvArray::int32Vector({1, 2})->int32Value(); }));
-    EXPECT_EQ("tuv:NotScalar", idOf([] { tuvArray::empty()->doubleValue(); }));
-    EXPECT_EQ("tuv:IndexOutOfRange", idOf([] { tuvArray::int32Vector({1})->numericAt(1); }));
-    EXPECT_EQ("tuv:WrongClass", idOf([] { tuvArray::cell(1)->handles(); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::int32(1)->logicalValue(); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::float64(1)->int32Value(); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::int32(1)->toUtf8(); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::fromUtf8("a")->numericValue(); }));
+    EXPECT_EQ("tuv:NotScalar", diagnosticOf([] { tuvArray::int32Vector({1, 2})->int32Value(); }));
+    EXPECT_EQ("tuv:NotScalar", diagnosticOf([] { tuvArray::empty()->doubleValue(); }));
+    EXPECT_EQ("tuv:IndexOutOfRange", diagnosticOf([] { tuvArray::int32Vector({1})->numericAt(1); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::cell(1)->handles(); }));
 }
 
 } // namespace
