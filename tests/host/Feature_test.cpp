@@ -9,6 +9,15 @@ namespace {
 
 using vel::feature::Feature;
 
+void setEnvironment(const char* name, const char* value) {
+#if defined(_WIN32)
+    _putenv_s(name, value);
+#else
+    if (*value) ::setenv(name, value, 1);
+    else ::unsetenv(name);
+#endif
+}
+
 TEST(Feature, ReadsAreCountedAndSetResetRestoreTheInitialValue) {
     Feature f("TestFeatureCounting", "counting", "Test[Unit]", 3);
     EXPECT_EQ(0u, f.readCount());
@@ -52,7 +61,7 @@ TEST(Feature, EnvironmentOverridesTheDefaultOnlyWithAnInteger) {
         int expected;
     } rows[] = {{"7", 7}, {"-2", -2}, {"", 5}, {"x1", 5}, {"3x", 5}, {"99999999999", 5}};
     for (const auto& r : rows) {
-        ::setenv("VEL_FEATURE_TestFeatureEnv", r.env, 1);
+        setEnvironment("VEL_FEATURE_TestFeatureEnv", r.env);
         Feature f("TestFeatureEnv", "env", "Test[Unit]", 5);
         EXPECT_EQ(r.expected, f.value()) << "'" << r.env << "'";
         EXPECT_EQ(5, f.defaultValue());
@@ -60,7 +69,7 @@ TEST(Feature, EnvironmentOverridesTheDefaultOnlyWithAnInteger) {
         f.reset();
         EXPECT_EQ(r.expected, f.value()) << "reset returns to the initial value";
     }
-    ::unsetenv("VEL_FEATURE_TestFeatureEnv");
+    setEnvironment("VEL_FEATURE_TestFeatureEnv", "");
 }
 
 } // namespace

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
-
 #include <algorithm>
+#include <string>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
 
 #include "korb/ObjectSystem.hpp"
 #include "vel/feature/Feature.hpp"
@@ -11,6 +16,19 @@
 namespace {
 
 // The library is loaded once for the whole test program, as a host would.
+#if defined(_WIN32)
+void* library() {
+    static HMODULE handle = LoadLibraryA(VELCG_LIBRARY_PATH);
+    return handle;
+}
+
+template <class Fn>
+Fn entryPoint(const char* name) {
+    return reinterpret_cast<Fn>(GetProcAddress(static_cast<HMODULE>(library()), name));
+}
+
+std::string loadError() { return "LoadLibrary failed with error " + std::to_string(GetLastError()); }
+#else
 void* library() {
     static void* handle = dlopen(VELCG_LIBRARY_PATH, RTLD_NOW | RTLD_LOCAL);
     return handle;
@@ -21,13 +39,19 @@ Fn entryPoint(const char* name) {
     return reinterpret_cast<Fn>(dlsym(library(), name));
 }
 
+std::string loadError() {
+    const char* e = dlerror();
+    return e ? e : "unknown error";
+}
+#endif
+
 std::size_t packagesNamed(const char* name) {
     auto names = korb::ObjectSystem::instance().getPackageNames();
     return static_cast<std::size_t>(std::count(names.begin(), names.end(), name));
 }
 
 TEST(PlexoModule, LoadingDeclaresTheLibraryFeatureSwitches) {
-    ASSERT_NE(nullptr, library()) << dlerror();
+    ASSERT_NE(nullptr, library()) << loadError();
     struct Row {
         const char* name;
         const char* description;
@@ -49,7 +73,7 @@ TEST(PlexoModule, LoadingDeclaresTheLibraryFeatureSwitches) {
 }
 
 TEST(PlexoModule, EntryPointsResolveByPlainNamesAndEachRunsOnce) {
-    ASSERT_NE(nullptr, library()) << dlerror();
+    ASSERT_NE(nullptr, library()) << loadError();
     auto init = entryPoint<void (*)()>("PlexoInitialize_velcg");
     auto term = entryPoint<void (*)()>("PlexoTerminate_velcg");
     auto query = entryPoint<const PlexoFcnTable* (*)()>("QueryPlexoFcnTable_velcg");
