@@ -364,22 +364,26 @@ tuvArrayPtr Client::wrap(vel::mi::Handle& object) const {
     return tuvArray::objects({object.makeRef()});
 }
 
-std::vector<std::string> Client::getPropertyNames(const vel::mi::Handle& object) const {
-    auto chain = chainOf(system_, classOf(object));
+namespace {
+// Member names along the chain, superclass members first, each name once.
+template <class Members>
+std::vector<std::string> memberNames(const std::vector<const vel::mi::HandleClass*>& chain, Members members) {
     std::vector<std::string> names;
     for (auto it = chain.rbegin(); it != chain.rend(); ++it)
-        for (const auto& p : (*it)->getProperties())
-            if (std::find(names.begin(), names.end(), p.name) == names.end()) names.push_back(p.name);
+        for (const auto& m : members(**it))
+            if (std::find(names.begin(), names.end(), m.name) == names.end()) names.push_back(m.name);
     return names;
+}
+} // namespace
+
+std::vector<std::string> Client::getPropertyNames(const vel::mi::Handle& object) const {
+    return memberNames(chainOf(system_, classOf(object)),
+                       [](const vel::mi::HandleClass& c) -> const auto& { return c.getProperties(); });
 }
 
 std::vector<std::string> Client::getMethodNames(const vel::mi::Handle& object) const {
-    auto chain = chainOf(system_, classOf(object));
-    std::vector<std::string> names;
-    for (auto it = chain.rbegin(); it != chain.rend(); ++it)
-        for (const auto& m : (*it)->getMethods())
-            if (std::find(names.begin(), names.end(), m.name) == names.end()) names.push_back(m.name);
-    return names;
+    return memberNames(chainOf(system_, classOf(object)),
+                       [](const vel::mi::HandleClass& c) -> const auto& { return c.getMethods(); });
 }
 
 bool Client::hasProperty(const vel::mi::Handle& object, const std::string& name) const {
