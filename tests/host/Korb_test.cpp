@@ -251,6 +251,7 @@ TEST_F(KorbTest, SubclassesAnswerInheritedMembersAndHideOverridden) {
     ASSERT_EQ(12u, names.size());
     EXPECT_EQ("Enabled", names.front());
     EXPECT_EQ("Kind", names.back());
+    EXPECT_EQ((std::vector<std::string>{"greet", "bump"}), client.getMethodNames(g));
 }
 
 TEST_F(KorbTest, RegistryKeepsOrderAndRefusesDuplicatesAndOrphans) {
