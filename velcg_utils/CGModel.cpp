@@ -1,8 +1,6 @@
 #include "velcg/CGModel.hpp"
 
-#include <algorithm>
 #include <stdexcept>
-#include <unordered_set>
 
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
@@ -17,15 +15,11 @@
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
 
+#include "OwnedList.hpp"
+
 namespace VelCG {
 
 namespace {
-
-template <class T>
-void append(std::vector<T*>& list, std::unique_ptr<T> element, const char* what) {
-    if (!element) throwNullArgument(what);
-    list.push_back(element.release());
-}
 
 template <class T>
 T* elementOrNull(const std::vector<T*>& list, unsigned int index) {
@@ -93,55 +87,55 @@ bool CGModel::isTAQBlockActualSrc(const std::wstring& blockPath) const {
     return taqActualSourcePaths_.count(blockPath) != 0;
 }
 
-void CGModel::addSystem(std::unique_ptr<System> system) { append(systems_, std::move(system), "A system"); }
+void CGModel::addSystem(std::unique_ptr<System> system) { detail::appendOwned(systems_, std::move(system), "A system"); }
 
 void CGModel::addVelCGType(std::unique_ptr<VelCGType> type) {
     if (type) type->setCGModel(this);
-    append(velCGTypes_, std::move(type), "A code-generation type");
+    detail::appendOwned(velCGTypes_, std::move(type), "A code-generation type");
 }
 
 void CGModel::addVelType(std::unique_ptr<VelType> type) {
     if (type) type->setCGModel(this);
-    append(velTypes_, std::move(type), "A data type");
+    detail::appendOwned(velTypes_, std::move(type), "A data type");
 }
 
-void CGModel::addVarGroup(std::unique_ptr<VarGroup> group) { append(varGroups_, std::move(group), "A variable group"); }
+void CGModel::addVarGroup(std::unique_ptr<VarGroup> group) { detail::appendOwned(varGroups_, std::move(group), "A variable group"); }
 
 void CGModel::addExternalInput(std::unique_ptr<ExternalInput> input) {
     if (input) input->setCGModel(this);
-    append(externalInputs_, std::move(input), "An external input");
+    detail::appendOwned(externalInputs_, std::move(input), "An external input");
 }
 
 void CGModel::addModelParameter(std::unique_ptr<ModelParameter> parameter) {
-    append(modelParameters_, std::move(parameter), "A model parameter");
+    detail::appendOwned(modelParameters_, std::move(parameter), "A model parameter");
 }
 
 void CGModel::addTAQBlock(std::unique_ptr<ToAsyncQueueBlock> block) {
-    append(taqBlocks_, std::move(block), "An async-queue block");
+    detail::appendOwned(taqBlocks_, std::move(block), "An async-queue block");
 }
 
 void CGModel::addGlobalBlockOutput(std::unique_ptr<DataInterfaceRecord> record) {
-    append(globalBlockOutputs_, std::move(record), "A data-interface record");
+    detail::appendOwned(globalBlockOutputs_, std::move(record), "A data-interface record");
 }
 
 void CGModel::addConstantBlockOutput(std::unique_ptr<DataInterfaceRecord> record) {
-    append(constantBlockOutputs_, std::move(record), "A data-interface record");
+    detail::appendOwned(constantBlockOutputs_, std::move(record), "A data-interface record");
 }
 
 void CGModel::addExternalBlockOutput(std::unique_ptr<DataInterfaceRecord> record) {
-    append(externalBlockOutputs_, std::move(record), "A data-interface record");
+    detail::appendOwned(externalBlockOutputs_, std::move(record), "A data-interface record");
 }
 
 void CGModel::addDWork(std::unique_ptr<DataInterfaceRecord> record) {
-    append(dWorks_, std::move(record), "A data-interface record");
+    detail::appendOwned(dWorks_, std::move(record), "A data-interface record");
 }
 
 void CGModel::addExternalInputDataInterface(std::unique_ptr<DataInterfaceRecord> record) {
-    append(externalInputInterfaces_, std::move(record), "A data-interface record");
+    detail::appendOwned(externalInputInterfaces_, std::move(record), "A data-interface record");
 }
 
 void CGModel::addExternalOutputDataInterface(std::unique_ptr<DataInterfaceRecord> record) {
-    append(externalOutputInterfaces_, std::move(record), "A data-interface record");
+    detail::appendOwned(externalOutputInterfaces_, std::move(record), "A data-interface record");
 }
 
 std::size_t CGModel::appendCoderDataGroup(std::unique_ptr<CoderDataGroup> group) {
@@ -150,6 +144,8 @@ std::size_t CGModel::appendCoderDataGroup(std::unique_ptr<CoderDataGroup> group)
         vel::diag::throwErrorText(kDuplicateNameId,
                                   "The model already has a coder data group named '" + group->name() + "'.");
     const std::size_t position = coderDataGroups_.size();
+    // Make room first: once the name is recorded, the append must not fail.
+    coderDataGroups_.reserve(position + 1);
     coderDataGroupIndex_.emplace(group->name(), position);
     group->setGroupIndex(static_cast<int>(position));
     coderDataGroups_.push_back(group.release());
@@ -238,16 +234,10 @@ void CGModel::setExternalInputs(const std::vector<ExternalInput*>&) {}
 void CGModel::setBlockHierarchyMap(BlockHierarchyMap*) {}
 
 void CGModel::setModelParameters(const std::vector<ModelParameter*>& parameters) {
-    std::unordered_set<const ModelParameter*> seen;
-    for (const ModelParameter* parameter : parameters) {
-        if (!parameter) throwNullArgument("A model parameter");
-        if (!seen.insert(parameter).second) throwInvalidOwnership("The same model parameter is given twice.");
-        if (std::find(modelParameters_.begin(), modelParameters_.end(), parameter) != modelParameters_.end())
-            throwInvalidOwnership("The new model parameters include a current one, which would be deleted "
-                                  "before use.");
-    }
+    detail::checkReplacement(modelParameters_, parameters, "A model parameter");
+    std::vector<ModelParameter*> replacement(parameters);
     deleteAll(modelParameters_);
-    modelParameters_ = parameters;
+    modelParameters_.swap(replacement);
 }
 
 bool CGModel::getIsCompactFilePackaging() const {

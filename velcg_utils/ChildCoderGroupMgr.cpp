@@ -13,12 +13,19 @@ ChildCoderGroupMgr::~ChildCoderGroupMgr() = default;
 
 void ChildCoderGroupMgr::setChildCoderGroup(vel::i18n::ustring childModel, std::unique_ptr<CoderDataGroup> group) {
     if (!group) throwNullArgument("A child coder data group");
-    auto& groups = groupsByChildModel_[std::move(childModel)];
-    if (!groups) groups = std::make_unique<GroupMap>();
-    const std::string name = group->name();
-    // Replace: the earlier group of that name is destroyed.
-    groups->erase(name);
-    groups->emplace(name, std::move(group));
+    auto model = groupsByChildModel_.find(childModel);
+    if (model == groupsByChildModel_.end()) {
+        // Build the inner map whole before inserting it, so that no model is
+        // ever recorded without its map.
+        auto groups = std::make_unique<GroupMap>();
+        const std::string name = group->name();
+        groups->emplace(name, std::move(group));
+        groupsByChildModel_.emplace(std::move(childModel), std::move(groups));
+        return;
+    }
+    // Replace: the earlier group of that name is destroyed. The slot is
+    // found or made first, so a failure leaves the earlier group in place.
+    (*model->second)[group->name()] = std::move(group);
 }
 
 const CoderDataGroup* ChildCoderGroupMgr::getChildCoderGroup(vel::i18n::ustring childModel,
@@ -52,11 +59,21 @@ void ChildCoderGroupMgr::addVariableForChildGroup(vel::i18n::ustring childModel,
         vel::diag::throwErrorText("VelCG:Model:UnknownChildCoderGroup",
                                   "Child model '" + vel::i18n::toUtf8(childModel) + "' has no coder data group '" +
                                       groupName + "'.");
-    varInfoByGroup_[groupName].emplace_back(group->getRootGroupTypeName(), varName, compiledModelBlockIndex);
-    auto& names = varNamesByBlock_[compiledModelBlockIndex];
-    if (!names) names = std::make_unique<VarNameMap>();
-    // The first variable recorded for a group under a block is kept.
-    names->emplace(groupName, varName);
+    ChildCoderGroupVarInfo info(group->getRootGroupTypeName(), varName, compiledModelBlockIndex);
+    auto& infos = varInfoByGroup_[groupName];
+    infos.reserve(infos.size() + 1); // the final append cannot fail
+    // The first variable recorded for a group under a block is kept. The
+    // block's map is built before it is inserted, so that no block is ever
+    // recorded without one.
+    auto block = varNamesByBlock_.find(compiledModelBlockIndex);
+    if (block == varNamesByBlock_.end()) {
+        auto names = std::make_unique<VarNameMap>();
+        names->emplace(groupName, varName);
+        varNamesByBlock_.emplace(compiledModelBlockIndex, std::move(names));
+    } else {
+        block->second->emplace(groupName, varName);
+    }
+    infos.push_back(std::move(info));
 }
 
 std::string ChildCoderGroupMgr::getChildCoderGroupVarName(const std::string& groupName,

@@ -7,6 +7,8 @@
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/Region.hpp"
 
+#include "OwnedList.hpp"
+
 namespace VelCG {
 
 Port::~Port() {
@@ -19,8 +21,7 @@ std::wstring Port::getVelName() const { return {}; }
 bool Port::getConnected() const { return false; }
 
 void Port::addRegion(std::unique_ptr<Region> region) {
-    if (!region) throwNullArgument("A region");
-    regions_.push_back(region.release());
+    detail::appendOwned(regions_, std::move(region), "A region");
 }
 
 void Port::setGrSrcPortIdx(int subsystemIdx, int blockIdx, int portIdx) {

@@ -1,21 +1,15 @@
 #include "velcg/StoredGraphicalBlock.hpp"
 
 #include "velcg/DataInterfaceRecord.hpp"
-#include "velcg/ModelDiagnostics.hpp"
 #include "velcg/Parameter.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/State.hpp"
 
+#include "OwnedList.hpp"
+
 namespace VelCG {
 
 namespace {
-
-template <class T>
-T* adopt(std::vector<T*>& list, std::unique_ptr<T> element, const char* what) {
-    if (!element) throwNullArgument(what);
-    list.push_back(element.release());
-    return list.back();
-}
 
 template <class T>
 void deleteAll(std::vector<T*>& list) {
@@ -39,28 +33,28 @@ StoredGraphicalBlock::~StoredGraphicalBlock() {
 }
 
 Port* StoredGraphicalBlock::addDataInputPort(std::unique_ptr<Port> port) {
-    return adopt(dataInputPorts_, std::move(port), "A data input port");
+    return detail::appendOwned(dataInputPorts_, std::move(port), "A data input port");
 }
 Port* StoredGraphicalBlock::addDataOutputPort(std::unique_ptr<Port> port) {
-    return adopt(dataOutputPorts_, std::move(port), "A data output port");
+    return detail::appendOwned(dataOutputPorts_, std::move(port), "A data output port");
 }
 Port* StoredGraphicalBlock::addControlInputPort(std::unique_ptr<Port> port) {
-    return adopt(controlInputPorts_, std::move(port), "A control input port");
+    return detail::appendOwned(controlInputPorts_, std::move(port), "A control input port");
 }
 Parameter* StoredGraphicalBlock::addParameter(std::unique_ptr<Parameter> parameter) {
-    return adopt(parameters_, std::move(parameter), "A block parameter");
+    return detail::appendOwned(parameters_, std::move(parameter), "A block parameter");
 }
 State* StoredGraphicalBlock::addContinuousState(std::unique_ptr<State> state) {
-    return adopt(continuousStates_, std::move(state), "A continuous state");
+    return detail::appendOwned(continuousStates_, std::move(state), "A continuous state");
 }
 State* StoredGraphicalBlock::addDerivative(std::unique_ptr<State> state) {
-    return adopt(derivatives_, std::move(state), "A derivative");
+    return detail::appendOwned(derivatives_, std::move(state), "A derivative");
 }
 DataInterfaceRecord* StoredGraphicalBlock::addDiscreteState(std::unique_ptr<DataInterfaceRecord> record) {
-    return adopt(discreteStates_, std::move(record), "A discrete state");
+    return detail::appendOwned(discreteStates_, std::move(record), "A discrete state");
 }
 DataInterfaceRecord* StoredGraphicalBlock::addDWork(std::unique_ptr<DataInterfaceRecord> record) {
-    return adopt(dWorks_, std::move(record), "A work vector");
+    return detail::appendOwned(dWorks_, std::move(record), "A work vector");
 }
 
 } // namespace VelCG

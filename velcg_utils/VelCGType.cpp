@@ -1,14 +1,13 @@
 #include "velcg/VelCGType.hpp"
 
-#include <algorithm>
-#include <unordered_set>
-
 #include "CG/Type.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGTypeMember.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/VelType.hpp"
+
+#include "OwnedList.hpp"
 
 namespace VelCG {
 
@@ -33,24 +32,14 @@ VelCGType::~VelCGType() {
 const char* VelCGType::getFullyQualifiedKorbTypeName() const { return "VelCG.VelCGType"; }
 
 void VelCGType::addMember(std::unique_ptr<CGTypeMember> member) {
-    if (!member) throwNullArgument("A type member");
-    members_.push_back(member.release());
+    detail::appendOwned(members_, std::move(member), "A type member");
 }
 
 void VelCGType::setMembers(const std::vector<CGTypeMember*>& members) {
-    // Validate everything first: the current members are deleted below, so
-    // a list that still names one of them would leave dangling pointers.
-    std::unordered_set<const CGTypeMember*> seen;
-    for (const CGTypeMember* member : members) {
-        if (!member) throwNullArgument("A type member");
-        if (!seen.insert(member).second)
-            throwInvalidOwnership("The same member is given twice to type '" + name_ + "'.");
-        if (std::find(members_.begin(), members_.end(), member) != members_.end())
-            throwInvalidOwnership("The new members of type '" + name_ +
-                                  "' include a current member, which would be deleted before use.");
-    }
-    for (CGTypeMember* member : members_) delete member;
-    members_ = members;
+    // Validate everything first: the current members are deleted, so a list
+    // that still names one of them would leave dangling pointers.
+    detail::checkReplacement(members_, members, "A member of type '" + name_ + "'");
+    detail::replaceOwned(members_, members);
 }
 
 void VelCGType::setEmbeddedType(const CG::EmbeddedType* type) { embeddedType_.reset(type); }
