@@ -1,11 +1,10 @@
 #include "velcg/BlockHierarchyMap.hpp"
 
-#include <algorithm>
-#include <unordered_set>
-
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/ModelDiagnostics.hpp"
+
+#include "OwnedList.hpp"
 
 namespace VelCG {
 
@@ -14,33 +13,31 @@ BlockHierarchyMap::~BlockHierarchyMap() { clearSubsystems(); }
 const char* BlockHierarchyMap::getFullyQualifiedKorbTypeName() const { return "VelCG.BlockHierarchyMap"; }
 
 GraphicalSubsystem* BlockHierarchyMap::addGraphicalSubsystem(std::unique_ptr<GraphicalSubsystem> subsystem) {
-    if (!subsystem) throwNullArgument("A graphical subsystem");
-    subsystem->setBlockHierarchyMap(this);
-    subsystems_.push_back(subsystem.release());
+    GraphicalSubsystem* added = subsystem.get();
+    detail::appendOwned(subsystems_, std::move(subsystem), "A graphical subsystem");
+    added->setBlockHierarchyMap(this);
     reducedBlocks_.clear();
-    return subsystems_.back();
+    return added;
 }
 
 const std::vector<GraphicalSubsystem*>& BlockHierarchyMap::getSubsystems() const { return subsystems_; }
 
 void BlockHierarchyMap::setSubsystems(const std::vector<GraphicalSubsystem*>& subsystems) {
-    std::unordered_set<const GraphicalSubsystem*> seen;
-    for (const GraphicalSubsystem* subsystem : subsystems) {
-        if (!subsystem) throwNullArgument("A graphical subsystem");
-        if (!seen.insert(subsystem).second)
-            throwInvalidOwnership("The same subsystem is given twice to the block hierarchy map.");
-        if (std::find(subsystems_.begin(), subsystems_.end(), subsystem) != subsystems_.end())
-            throwInvalidOwnership("The new subsystems of the block hierarchy map include a current one, "
-                                  "which would be deleted before use.");
-    }
-    clearSubsystems();
-    for (GraphicalSubsystem* subsystem : subsystems) {
-        subsystem->setBlockHierarchyMap(this);
-        subsystems_.push_back(subsystem);
-    }
+    detail::checkReplacement(subsystems_, subsystems, "A subsystem of the block hierarchy map");
+    detail::replaceOwned(subsystems_, subsystems);
+    reducedBlocks_.clear();
+    for (GraphicalSubsystem* subsystem : subsystems_) subsystem->setBlockHierarchyMap(this);
 }
 
 void BlockHierarchyMap::finalize() {
+    // The children of all subsystems together take the places after the
+    // root; check that they exist before linking any, so that a refused map
+    // is left as it was.
+    std::size_t children = 0;
+    for (const GraphicalSubsystem* subsystem : subsystems_) children += subsystem->getSubsystemBlocks().size();
+    if (children > 0 && children >= subsystems_.size())
+        throwIndexOutOfRange("the subsystems of the block hierarchy map", static_cast<std::int64_t>(children),
+                             subsystems_.size());
     std::size_t next = 1;
     for (GraphicalSubsystem* subsystem : subsystems_) {
         subsystem->finalize(next);
@@ -56,9 +53,13 @@ GraphicalBlock* BlockHierarchyMap::getBlockGivenIndices(std::size_t subsystemInd
 
 const std::vector<GraphicalBlock*>& BlockHierarchyMap::getReducedBlocks() const {
     if (!reducedBlocks_.empty()) return reducedBlocks_;
+    // Collected aside: a block whose query fails must not leave a partial
+    // list in the cache, where later calls would take it as complete.
+    std::vector<GraphicalBlock*> reduced;
     for (const GraphicalSubsystem* subsystem : subsystems_)
         for (GraphicalBlock* block : subsystem->getBlocks())
-            if (block->isReduced()) reducedBlocks_.push_back(block);
+            if (block->isReduced()) reduced.push_back(block);
+    reducedBlocks_.swap(reduced);
     return reducedBlocks_;
 }
 

@@ -4,6 +4,8 @@
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 
+#include "OwnedList.hpp"
+
 namespace VelCG {
 
 GraphicalSubsystem::~GraphicalSubsystem() { clearBlocks(); }
@@ -36,17 +38,23 @@ const std::string& GraphicalSubsystem::getMangledSubsystemPathName() const { ret
 
 GraphicalBlock* GraphicalSubsystem::addGraphicalBlock(std::unique_ptr<GraphicalBlock> block) {
     if (!block) throwNullArgument("A graphical block");
-    block->setParentSubsystem(this);
-    GraphicalBlock* added = block.release();
-    blocks_.push_back(added);
-    if (added->isInport())
-        inputPortBlocks_.push_back(added);
-    else if (added->isOutport())
-        outputPortBlocks_.push_back(added);
-    else if (added->isSubsystem())
-        subsystemBlocks_.push_back(added);
-    else if (added->isDataStoreMemory())
-        dataStoreBlocks_.push_back(added);
+    // Ask the kind queries before anything changes: they reach the
+    // implementation object, and a failing one must leave neither a block
+    // without its kind list nor a parent pointer into this subsystem. The
+    // first true answer decides, in this order.
+    std::vector<GraphicalBlock*>* kindList = nullptr;
+    if (block->isInport())
+        kindList = &inputPortBlocks_;
+    else if (block->isOutport())
+        kindList = &outputPortBlocks_;
+    else if (block->isSubsystem())
+        kindList = &subsystemBlocks_;
+    else if (block->isDataStoreMemory())
+        kindList = &dataStoreBlocks_;
+    if (kindList) kindList->reserve(kindList->size() + 1);
+    GraphicalBlock* added = detail::appendOwned(blocks_, std::move(block), "A graphical block");
+    added->setParentSubsystem(this);
+    if (kindList) kindList->push_back(added);
     return added;
 }
 

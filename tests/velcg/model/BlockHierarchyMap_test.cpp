@@ -1,25 +1,19 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
 #include "velcg/StoredGraphicalSubsystem.hpp"
+#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
+using testing_support::diagnosticOf;
 
 namespace {
-
-template <class F>
-std::string diagnosticOf(F&& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        return e.identifier();
-    }
-    return "no diagnostic";
-}
 
 struct Kind {
     bool inport = false, outport = false, subsystem = false, dsm = false, reduced = false;
@@ -34,6 +28,19 @@ std::unique_ptr<GraphicalBlock> block(const wchar_t* name, Kind k = {}) {
     impl->setIsReduced(k.reduced);
     return std::make_unique<GraphicalBlock>(impl);
 }
+
+// A block whose kind and reduction queries fail while `failing` is set, as
+// an implementation object of the modelling environment may.
+struct FailingBlock : StoredGraphicalBlock {
+    explicit FailingBlock(bool* failing) : StoredGraphicalBlock(L"failing"), failing_(failing) {}
+    bool isInport() const override { return check(); }
+    bool isReduced() const override { return check() || true; }
+    bool check() const {
+        if (*failing_) throw std::runtime_error("query failed");
+        return false;
+    }
+    bool* failing_;
+};
 
 std::string names(const std::vector<GraphicalBlock*>& blocks) {
     std::string s;
@@ -58,6 +65,17 @@ TEST(GraphicalSubsystem, BlocksGoIntoTheFirstMatchingKindList) {
     EXPECT_EQ("dsm", names(s.getDataStoreBlocks()));
     EXPECT_EQ("in,inAndSub,out,sub,dsm,plain", names(s.getBlocks()));
     EXPECT_EQ(&s, s.getBlocks()[0]->getParentSubsystem());
+}
+
+TEST(GraphicalSubsystem, AFailingKindQueryLeavesTheSubsystemUnchanged) {
+    bool failing = true;
+    GraphicalSubsystem s;
+    EXPECT_THROW(s.addGraphicalBlock(std::make_unique<GraphicalBlock>(new FailingBlock(&failing))),
+                 std::runtime_error);
+    EXPECT_TRUE(s.getBlocks().empty()) << "no block without its kind list";
+    failing = false;
+    s.addGraphicalBlock(std::make_unique<GraphicalBlock>(new FailingBlock(&failing)));
+    EXPECT_EQ(1u, s.getBlocks().size());
 }
 
 TEST(GraphicalSubsystem, TypeStringsAndDefaults) {
@@ -106,12 +124,17 @@ TEST(BlockHierarchyMap, FinalizeLinksChildrenBreadthFirst) {
     EXPECT_EQ(nullptr, h.b->getSubsystemBlock()) << "(-1, -1) names no block";
 }
 
-TEST(BlockHierarchyMap, FinalizeRefusesMissingChildren) {
+TEST(BlockHierarchyMap, FinalizeRefusesMissingChildrenBeforeLinkingAny) {
     BlockHierarchyMap map;
     GraphicalSubsystem* root = map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
+    GraphicalSubsystem* a = map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
     root->addGraphicalBlock(block(L"A", {false, false, true}));
+    a->addGraphicalBlock(block(L"B", {false, false, true})); // names a third subsystem the map lacks
     EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { map.finalize(); }));
-    EXPECT_TRUE(root->getChildSubsystems().empty());
+    EXPECT_TRUE(root->getChildSubsystems().empty()) << "the root is not linked when a later subsystem fails";
+    map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
+    map.finalize();
+    EXPECT_EQ((std::vector<GraphicalSubsystem*>{a}), root->getChildSubsystems());
     GraphicalSubsystem loose;
     loose.addGraphicalBlock(block(L"A", {false, false, true}));
     EXPECT_EQ(kNoModelId, diagnosticOf([&] { loose.finalize(1); }));
@@ -132,6 +155,18 @@ TEST(BlockHierarchyMap, BlockLookupAndReducedBlocks) {
     extra->addGraphicalBlock(block(L"late", {false, false, false, false, true}));
     h.map.addGraphicalSubsystem(std::move(extra));
     EXPECT_EQ("B,Gain,late", names(h.map.getReducedBlocks())) << "adding a subsystem empties the cache";
+}
+
+TEST(BlockHierarchyMap, AFailingReductionQueryCachesNothing) {
+    bool failing = false;
+    BlockHierarchyMap map;
+    GraphicalSubsystem* root = map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
+    root->addGraphicalBlock(block(L"first", {false, false, false, false, true}));
+    root->addGraphicalBlock(std::make_unique<GraphicalBlock>(new FailingBlock(&failing)));
+    failing = true;
+    EXPECT_THROW(map.getReducedBlocks(), std::runtime_error);
+    failing = false;
+    EXPECT_EQ("first,failing", names(map.getReducedBlocks())) << "not the part found before the failure";
 }
 
 TEST(BlockHierarchyMap, SetSubsystemsReplacesButRefusesCurrentOnes) {
