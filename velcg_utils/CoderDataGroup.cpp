@@ -37,15 +37,18 @@ const std::string& CoderDataGroup::getRootGroupTypeName() const {
     // model-reference target.
     const int rootIndex =
         static_cast<int>(model_->getSystems().size()) - (model_->getIsModelReferenceTarget() ? 2 : 1);
-    // Every match overwrites: with several, the last one wins.
+    // Every match overwrites: with several, the last one wins. Found aside,
+    // so that a failure after an earlier match caches nothing.
+    const std::string* found = nullptr;
     for (const VarGroup* group : model_->getVarGroups()) {
         if (group->getSystemIndex() != rootIndex || group->getCoderGroupIndex() != groupIndex_) continue;
         const int typeIndex = group->getCGTypeIndex();
         const VelCGType* type = typeIndex < 0 ? nullptr : model_->getVelCGType(static_cast<unsigned>(typeIndex));
         if (!type)
             throwIndexOutOfRange("the model's code-generation types", typeIndex, model_->getVelCGTypes().size());
-        rootGroupTypeName_ = type->getName();
+        found = &type->getName();
     }
+    if (found) rootGroupTypeName_ = *found;
     return rootGroupTypeName_;
 }
 
