@@ -1,9 +1,10 @@
 #include "velcg/ToAsyncQueueBlock.hpp"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include "velcg/ModelDiagnostics.hpp"
+
+#include "OwnedList.hpp"
 
 namespace VelCG {
 
@@ -15,9 +16,18 @@ ToAsyncQueueBlock::~ToAsyncQueueBlock() {
 
 const char* ToAsyncQueueBlock::getFullyQualifiedKorbTypeName() const { return "VelCG.ToAsyncQueueBlock"; }
 
+bool ToAsyncQueueBlock::holds(const ToAsyncQueueBlock* record) const {
+    for (const ToAsyncQueueBlock* leaf : leafElements_)
+        if (leaf == record || leaf->holds(record)) return true;
+    return false;
+}
+
 void ToAsyncQueueBlock::checkLeaf(const ToAsyncQueueBlock* leaf) const {
     if (!leaf) throwNullArgument("A leaf element");
-    if (leaf == this) throwInvalidOwnership("An async-queue block cannot be a leaf element of itself.");
+    // A record that is, or holds, this one would make the bus own itself and
+    // be deleted twice.
+    if (leaf == this || leaf->holds(this))
+        throwInvalidOwnership("An async-queue block cannot be a leaf element of itself or of its own leaves.");
 }
 
 void ToAsyncQueueBlock::addLeafElement(ToAsyncQueueBlock* leaf) {
@@ -28,14 +38,10 @@ void ToAsyncQueueBlock::addLeafElement(ToAsyncQueueBlock* leaf) {
 }
 
 void ToAsyncQueueBlock::setLeafElements(const std::vector<ToAsyncQueueBlock*>& leaves) {
-    std::unordered_set<const ToAsyncQueueBlock*> kept;
-    for (const ToAsyncQueueBlock* leaf : leaves) {
-        checkLeaf(leaf);
-        if (!kept.insert(leaf).second) throwInvalidOwnership("The same leaf element is given twice.");
-    }
-    for (ToAsyncQueueBlock* leaf : leafElements_)
-        if (!kept.count(leaf)) delete leaf;
-    leafElements_ = leaves;
+    // Current leaves may be kept; those left out are deleted.
+    detail::checkReplacement(leafElements_, leaves, "A leaf element", true);
+    for (const ToAsyncQueueBlock* leaf : leaves) checkLeaf(leaf);
+    detail::replaceOwned(leafElements_, leaves);
 }
 
 } // namespace VelCG

@@ -101,16 +101,19 @@ public:
     void setIsDeferredStreaming(const bool& v) { isDeferredStreaming_ = v; }
 
     const std::vector<ToAsyncQueueBlock*>& getLeafElements() const { return leafElements_; }
-    // Appends a leaf and takes ownership. Null, this record itself or a
-    // current leaf is refused with a diagnostic.
+    // Appends a leaf and takes ownership (the caller keeps it if the call
+    // throws). Null, a current leaf, this record itself or a record that
+    // holds this one among its leaves is refused with a diagnostic.
     void addLeafElement(ToAsyncQueueBlock* leaf);
     // Makes the given records the leaves: current leaves missing from the
-    // list are deleted, new ones are taken over. Null, this record or a
-    // record listed twice is refused with a diagnostic before anything
-    // changes.
+    // list are deleted, new ones are taken over. Null, a record listed
+    // twice, this record or a record holding it is refused with a
+    // diagnostic before anything changes.
     void setLeafElements(const std::vector<ToAsyncQueueBlock*>& leaves);
 
 private:
+    // Whether record is one of the leaves, at any depth.
+    bool holds(const ToAsyncQueueBlock* record) const;
     void checkLeaf(const ToAsyncQueueBlock* leaf) const;
 
     bool isFixedPoint_ = false;

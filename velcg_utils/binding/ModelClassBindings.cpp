@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <functional>
 
 #include "ClassBindings.hpp"
 #include "korb/ClassInfo.hpp"
@@ -317,14 +318,18 @@ std::unique_ptr<ClassInfo> modelParameterClass() {
 }
 
 // Scripts cannot create records, so every record a script passes belongs to
-// some owner already. Only a reordering or a subset of the current leaves
-// keeps ownership single; anything else is refused.
+// some owner already, and other objects (a system's call sites, a model
+// parameter's references) may point at a leaf without owning it. A script
+// may therefore only reorder the leaves: adding one would give it two
+// owners, dropping one would delete it under those pointers.
 void setLeafElementsFromScript(ToAsyncQueueBlock& block, const std::vector<ToAsyncQueueBlock*>& leaves) {
-    const auto& current = block.getLeafElements();
-    for (const ToAsyncQueueBlock* leaf : leaves)
-        if (std::find(current.begin(), current.end(), leaf) == current.end())
-            throwInvalidOwnership("Scripts can only reorder or drop the leaf elements of an async-queue block; "
-                                  "a record that is not one of its leaves cannot be added.");
+    std::vector<ToAsyncQueueBlock*> current = block.getLeafElements();
+    std::vector<ToAsyncQueueBlock*> given = leaves;
+    std::sort(current.begin(), current.end(), std::less<>());
+    std::sort(given.begin(), given.end(), std::less<>());
+    if (current != given)
+        throwInvalidOwnership("Scripts can only reorder the leaf elements of an async-queue block; a leaf "
+                              "cannot be added or removed.");
     block.setLeafElements(leaves);
 }
 

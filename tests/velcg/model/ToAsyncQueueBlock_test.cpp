@@ -4,20 +4,12 @@
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
 #include "velcg/ToAsyncQueueBlock.hpp"
+#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
+using testing_support::diagnosticOf;
 
 namespace {
-
-template <class F>
-std::string diagnosticOf(F&& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        return e.identifier();
-    }
-    return "no diagnostic";
-}
 
 // Counts live records so that tests can tell which leaves were deleted.
 struct CountedBlock : StoredGraphicalBlock {
@@ -74,6 +66,9 @@ TEST(ToAsyncQueueBlock, SetLeafElementsDeletesDroppedLeavesAndRefusesBadLists) {
         EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { bus.addLeafElement(nullptr); }));
         EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.setLeafElements({b, b}); }));
         EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.setLeafElements({&bus}); }));
+        // The bus holds a: made a leaf of a, it would own itself.
+        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { a->addLeafElement(&bus); }));
+        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { a->setLeafElements({&bus}); }));
         EXPECT_EQ(3, CountedBlock::live) << "refused lists change nothing";
 
         ToAsyncQueueBlock* c = record(L"c");
