@@ -29,20 +29,12 @@
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
+#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
+using testing_support::diagnosticOf;
 
 namespace {
-
-template <class F>
-std::string diagnosticOf(F&& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        return e.identifier();
-    }
-    return "no diagnostic";
-}
 
 // Counts live instances, to check who deletes what.
 struct CountedParameter : StoredModelParameter {

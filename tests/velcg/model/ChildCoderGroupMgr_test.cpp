@@ -5,8 +5,10 @@
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/ChildCoderDataGroup.hpp"
 #include "velcg/ChildCoderGroupMgr.hpp"
+#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
+using testing_support::diagnosticOf;
 
 namespace {
 
@@ -69,16 +71,12 @@ TEST(ChildCoderGroupMgr, VariablesPerBlockAndPerGroup) {
 TEST(ChildCoderGroupMgr, UnknownGroupsAndNullGroupsAreDiagnostics) {
     ChildCoderGroupMgr mgr;
     mgr.setChildCoderGroup(u"M", group("G"));
-    for (auto [model, name] : {std::pair{u"M", "X"}, {u"N", "G"}}) {
-        try {
-            mgr.addVariableForChildGroup(model, name, "v", 0);
-            ADD_FAILURE() << name;
-        } catch (const vel::diag::Exception& e) {
-            EXPECT_EQ("VelCG:Model:UnknownChildCoderGroup", e.identifier());
-        }
-    }
+    for (auto [model, name] : {std::pair{u"M", "X"}, {u"N", "G"}})
+        EXPECT_EQ("VelCG:Model:UnknownChildCoderGroup",
+                  diagnosticOf([&] { mgr.addVariableForChildGroup(model, name, "v", 0); }))
+            << name;
     EXPECT_EQ(nullptr, mgr.getVarInfoForGroup("X"));
-    EXPECT_THROW(mgr.setChildCoderGroup(u"M", nullptr), vel::diag::Exception);
+    EXPECT_EQ("VelCG:Model:NullArgument", diagnosticOf([&] { mgr.setChildCoderGroup(u"M", nullptr); }));
 }
 
 } // namespace

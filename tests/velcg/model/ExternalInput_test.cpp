@@ -8,8 +8,10 @@
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
+#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
+using testing_support::diagnosticOf;
 
 namespace {
 
@@ -53,12 +55,8 @@ TEST(ExternalInput, RecordIdentifierComesFromTheGroupTypeMember) {
     for (auto [groupIndex, memberIndex] : {std::pair{0, 2}, {0, -1}, {1, 0}, {-2, 0}}) {
         input->setVarGroupIndex(groupIndex);
         input->setVarGroupMemberIndex(memberIndex);
-        try {
-            input->getRecordIdentifier();
-            ADD_FAILURE() << groupIndex << "/" << memberIndex;
-        } catch (const vel::diag::Exception& e) {
-            EXPECT_EQ(kIndexOutOfRangeId, e.identifier());
-        }
+        EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { input->getRecordIdentifier(); }))
+            << groupIndex << "/" << memberIndex;
     }
 }
 
