@@ -3,6 +3,7 @@
 #include <iterator>
 #include <ostream>
 
+#include "FilesDetail.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/StringFileSectionFragment.hpp"
 
@@ -23,6 +24,15 @@ namespace {
     return true;
 }();
 } // namespace
+
+namespace files_detail {
+void writeBytes(std::FILE* stream, const std::string& text) {
+    if (!stream) vel::diag::throwError("VelCG:FileSection:NullStream", {});
+    if (text.empty()) return;
+    if (std::fwrite(text.data(), 1, text.size(), stream) != text.size())
+        vel::diag::throwError("VelCG:FileSection:WriteFailed", {std::to_string(text.size())});
+}
+} // namespace files_detail
 
 FileSection::FileSection() = default;
 

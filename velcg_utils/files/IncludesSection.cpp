@@ -1,6 +1,6 @@
 #include "velcg/IncludesSection.hpp"
 
-#include "vel/diag/Diagnostic.hpp"
+#include "FilesDetail.hpp"
 
 namespace VelCG {
 
@@ -21,19 +21,10 @@ void appendIfAbsent(std::string& out, const std::string& line, const std::string
     if (scriptText.find(line) == std::string::npos) out += line;
 }
 
-void appendUnique(std::vector<std::string>& list, boost::unordered_set<std::string>& seen,
-                  const std::string& name) {
-    if (seen.insert(name).second) list.push_back(name);
-}
-
-void replaceList(std::vector<std::string>& list, boost::unordered_set<std::string>& seen,
-                 const std::vector<std::string>& given) {
-    list = given;
-    seen.clear();
-    seen.insert(given.begin(), given.end());
-}
-
 } // namespace
+
+using files_detail::appendUnique;
+using files_detail::replaceUnique;
 
 IncludesSection::IncludesSection() = default;
 IncludesSection::IncludesSection(const IncludesSection& other) = default;
@@ -58,11 +49,11 @@ void IncludesSection::addUtilityInclude(const std::string& name) {
 }
 
 void IncludesSection::setRequiredIncludes(const std::vector<std::string>& includes) {
-    replaceList(requiredIncludes_, requiredSeen_, includes);
+    replaceUnique(requiredIncludes_, requiredSeen_, includes);
 }
 
 void IncludesSection::setUtilityIncludes(const std::vector<std::string>& includes) {
-    replaceList(utilityIncludes_, utilitySeen_, includes);
+    replaceUnique(utilityIncludes_, utilitySeen_, includes);
 }
 
 const std::string& IncludesSection::getContent() const {
@@ -78,11 +69,7 @@ const std::string& IncludesSection::getContent() const {
 }
 
 void IncludesSection::writeToFile(std::FILE* stream) const {
-    if (!stream) vel::diag::throwError("VelCG:FileSection:NullStream", {});
-    const std::string& text = getContent();
-    if (text.empty()) return;
-    if (std::fwrite(text.data(), 1, text.size(), stream) != text.size())
-        vel::diag::throwError("VelCG:FileSection:WriteFailed", {std::to_string(text.size())});
+    files_detail::writeBytes(stream, getContent());
 }
 
 std::unique_ptr<FileSection> IncludesSection::clone() const {

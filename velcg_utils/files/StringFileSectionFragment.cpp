@@ -1,5 +1,6 @@
 #include "velcg/StringFileSectionFragment.hpp"
 
+#include "FilesDetail.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace VelCG {
@@ -17,11 +18,6 @@ StringFileSectionFragment::StringFileSectionFragment(const char* text) : text_(t
 
 StringFileSectionFragment::~StringFileSectionFragment() = default;
 
-void StringFileSectionFragment::writeToFile(std::FILE* stream) const {
-    if (!stream) vel::diag::throwError("VelCG:FileSection:NullStream", {});
-    if (text_.empty()) return;
-    if (std::fwrite(text_.data(), 1, text_.size(), stream) != text_.size())
-        vel::diag::throwError("VelCG:FileSection:WriteFailed", {std::to_string(text_.size())});
-}
+void StringFileSectionFragment::writeToFile(std::FILE* stream) const { files_detail::writeBytes(stream, text_); }
 
 } // namespace VelCG

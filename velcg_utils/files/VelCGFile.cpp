@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/path.hpp>
 
+#include "FilesDetail.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/i18n/Text.hpp"
 #include "velcg/FileSection.hpp"
@@ -49,13 +50,11 @@ VelCGFile::~VelCGFile() = default;
 const char* VelCGFile::getFullyQualifiedKorbTypeName() const { return "VelCG.VelCGFile"; }
 
 void VelCGFile::setSystemsInFile(const std::vector<std::string>& systems) {
-    systemsInFile_ = systems;
-    systemsSeen_.clear();
-    systemsSeen_.insert(systems.begin(), systems.end());
+    files_detail::replaceUnique(systemsInFile_, systemsSeen_, systems);
 }
 
 void VelCGFile::addSystemToFile(const std::string& system) {
-    if (systemsSeen_.insert(system).second) systemsInFile_.push_back(system);
+    files_detail::appendUnique(systemsInFile_, systemsSeen_, system);
 }
 
 bool VelCGFile::isEmpty() const { return !notEmpty_ && content_->isEmpty(); }
