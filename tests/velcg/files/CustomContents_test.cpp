@@ -1,41 +1,24 @@
 #include <gtest/gtest.h>
 
-#include "vel/diag/Diagnostic.hpp"
+#include "DiagnosticTesting.hpp"
 #include "velcg/CustomContents.hpp"
 #include "velcg/CustomSection.hpp"
 #include "velcg/FileSection.hpp"
 
 using namespace VelCG;
+using testing_support::diagnosticWithArgumentsOf;
 
-namespace {
-// Identifier and arguments of the diagnostic f raises, as one line.
-template <class F>
-std::string diagnosticOf(F&& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        std::string out = e.identifier();
-        for (const auto& a : e.arguments()) out += "|" + a;
-        return out;
-    }
-    return "no diagnostic";
-}
-} // namespace
-
-TEST(CustomSection, TokenRequirementAndRetrieval) {
-    CustomSection docs("Notes", DOCUMENTATION_SECTION);
+TEST(CustomSection, CloneKeepsNameKindStateAndContent) {
     CustomSection decls("MyDecls", DECLARATIONS_SECTION);
-    EXPECT_EQ("MyDecls_InUse", decls.getSectionToken());
-    EXPECT_FALSE(docs.isRequired());
-    EXPECT_TRUE(decls.isRequired());
     decls.addContent("int x;\n");
     decls.setIsRetrieved();
     auto copy = decls.clone();
     auto* copied = dynamic_cast<CustomSection*>(copy.get());
     ASSERT_NE(nullptr, copied);
-    EXPECT_EQ("MyDecls", copied->getName());
-    EXPECT_TRUE(copied->isRetrieved());
-    EXPECT_EQ("int x;\n", copied->getContent());
+    EXPECT_EQ("MyDecls/16/1/1/int x;\n", copied->getName() + "/" + std::to_string(copied->getBuiltinSection()) +
+                                             "/" + std::to_string(copied->isRetrieved()) + "/" +
+                                             std::to_string(copied->isRequired()) + "/" + copied->getContent());
+    EXPECT_EQ("MyDecls_InUse", decls.getSectionToken());
 }
 
 TEST(CustomContents, DeclarationsAreUniqueByNameAndMisuseIsDiagnosed) {
@@ -45,25 +28,32 @@ TEST(CustomContents, DeclarationsAreUniqueByNameAndMisuseIsDiagnosed) {
     EXPECT_TRUE(cc.isCustomSection("A"));
     EXPECT_FALSE(cc.isCustomSection("a"));
 
-    EXPECT_EQ("Brisk:codeGen:CustomContentPreviousAssociation|A|Functions|Includes",
-              diagnosticOf([&] { cc.addCustomSection("A", FUNCTIONS_SECTION); }));
-    EXPECT_EQ("Brisk:codeGen:CustomContentSectionDoesNotExist|model.c|B",
-              diagnosticOf([&] { cc.addContentToSection("B", "x"); }));
-    EXPECT_EQ("VelCG:CustomContents:NullContent|model.c|A",
-              diagnosticOf([&] { cc.addContentToSection("A", static_cast<const char*>(nullptr)); }));
+    EXPECT_EQ("Brisk:codeGen:CustomContentPreviousAssociation(A, Functions, Includes)",
+              diagnosticWithArgumentsOf([&] { cc.addCustomSection("A", FUNCTIONS_SECTION); }));
+    EXPECT_EQ("Brisk:codeGen:CustomContentSectionDoesNotExist(model.c, B)",
+              diagnosticWithArgumentsOf([&] { cc.addContentToSection("B", "x"); }));
+    EXPECT_EQ("VelCG:CustomContents:NullContent(model.c, A)",
+              diagnosticWithArgumentsOf([&] { cc.addContentToSection("A", static_cast<const char*>(nullptr)); }));
+    EXPECT_FALSE(cc.isCustomSection("B"));
 
-    // An undeclared name has no content and raises nothing.
-    EXPECT_EQ("", cc.getCustomSectionContent("B", "ctx"));
+    // The failed re-association left A once, tied to Includes only.
     cc.addContentToSection("A", std::string("one\0two", 7));
-    EXPECT_EQ("one", cc.getCustomSectionContent("A", "first"));
-    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved|A|template.tlc|A",
-              diagnosticOf([&] { cc.getCustomSectionContent("A", "template.tlc"); }));
-
-    // The failed re-association left the section tied to Includes, where
-    // it was already retrieved: nothing is appended.
-    FileSection includes;
+    FileSection functions, includes;
+    cc.appendMissingTokens(functions, FUNCTIONS_SECTION);
     cc.appendMissingTokens(includes, INCLUDES_SECTION);
-    EXPECT_TRUE(includes.isEmpty());
+    EXPECT_TRUE(functions.isEmpty());
+    EXPECT_EQ("one", includes.getContent());
+
+    // An undeclared name has no content and raises nothing; a declared one is taken out once.
+    EXPECT_EQ("", cc.getCustomSectionContent("B", "ctx"));
+    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(A, template.tlc, A)",
+              diagnosticWithArgumentsOf([&] { cc.getCustomSectionContent("A", "template.tlc"); }));
+    cc.addCustomSection("C", DEFINES_SECTION);
+    cc.addContentToSection("C", "c");
+    EXPECT_EQ("c", cc.getCustomSectionContent("C", "first"));
+    cc.addContentToSection("C", "more"); // allowed after retrieval, stays retrieved
+    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(C, second, C)",
+              diagnosticWithArgumentsOf([&] { cc.getCustomSectionContent("C", "second"); }));
 }
 
 TEST(CustomContents, AppendsUnplacedRequiredSectionsOnceInDeclarationOrder) {
@@ -91,8 +81,8 @@ TEST(CustomContents, AppendsUnplacedRequiredSectionsOnceInDeclarationOrder) {
     cc.appendMissingTokens(defines, DEFINES_SECTION);
     EXPECT_EQ("#define D\nz\na\n", defines.getContent());
     // The empty section was appended too (an empty fragment) and is now retrieved.
-    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved|Empty|x|Empty",
-              diagnosticOf([&] { cc.getCustomSectionContent("Empty", "x"); }));
+    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(Empty, x, Empty)",
+              diagnosticWithArgumentsOf([&] { cc.getCustomSectionContent("Empty", "x"); }));
 
     FileSection docs;
     cc.appendMissingTokens(docs, DOCUMENTATION_SECTION);

@@ -2,39 +2,27 @@
 
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 
 #include <boost/filesystem.hpp>
 
-#include "vel/diag/Diagnostic.hpp"
+#include "DiagnosticTesting.hpp"
+#include "files/FileTesting.hpp"
 #include "velcg/FileRepScrivBridge.hpp"
 #include "velcg/FunctionsSection.hpp"
-#include "velcg/StringFileSectionFragment.hpp"
 #include "velcg/VelCGDataTypesFile.hpp"
 #include "velcg/VelCGFileRepository.hpp"
 #include "velcg/VelCGGenericFile.hpp"
 #include "velcg/VelCGModuleFile.hpp"
 
 using namespace VelCG;
+using testing_support::diagnosticWithArgumentsOf;
 
 namespace {
 
-boost::shared_ptr<FileSectionFragment> text(const std::string& s) {
-    return boost::shared_ptr<FileSectionFragment>(new StringFileSectionFragment(s));
-}
-
-template <class F>
-std::string diagnosticOf(F&& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        std::string out = e.identifier();
-        for (const auto& a : e.arguments()) out += "|" + a;
-        return out;
-    }
-    return "no diagnostic";
-}
+boost::shared_ptr<FileSectionFragment> text(const std::string& s) { return files_testing::fragment(s); }
 
 class FileRepScrivBridgeTest : public ::testing::Test {
 protected:
@@ -67,22 +55,13 @@ TEST_F(FileRepScrivBridgeTest, ClassifiesNamesByTheTablesThatHoldThem) {
 }
 
 TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
-    bridge.setAttribute(0, "Type", "source");
-    bridge.setAttribute(0, "Creator", "ert");
-    bridge.setAttribute(0, "BaseName", "renamed");
-    bridge.setAttribute(0, "CodeTemplate", "t.cgt");
-    bridge.setAttribute(0, "OutputDirectory", "out");
-    bridge.setAttribute(0, "DefinedMacro", "MODEL_H_");
-    bridge.setAttribute(0, "Group", "G1");
-    bridge.setAttribute(0, "Group", "G2");
-    bridge.setAttribute(0, "SystemsInFile", "s1");
-    bridge.setAttribute(0, "SystemsInFile", "s1");
-    bridge.setAttribute(0, "SystemsInFile", "s2");
-    bridge.setAttribute(0, "RequiredIncludes", "<stdio.h>");
-    bridge.setAttribute(0, "RequiredIncludes", "rt.h");
-    bridge.setAttribute(0, "UtilityIncludes", "util.h");
-    bridge.setAttribute(0, "Shared", true);
-    bridge.setAttribute(0, "Filter", true);
+    const std::pair<const char*, const char*> settings[] = {
+        {"Type", "source"}, {"Creator", "ert"}, {"BaseName", "renamed"}, {"CodeTemplate", "t.cgt"},
+        {"OutputDirectory", "out"}, {"DefinedMacro", "MODEL_H_"}, {"Group", "G1"}, {"Group", "G2"},
+        {"SystemsInFile", "s1"}, {"SystemsInFile", "s1"}, {"SystemsInFile", "s2"},
+        {"RequiredIncludes", "<stdio.h>"}, {"RequiredIncludes", "rt.h"}, {"UtilityIncludes", "util.h"},
+    };
+    for (const auto& [name, value] : settings) bridge.setAttribute(0, name, value);
 
     std::ostringstream got;
     for (const char* n : {"Name", "BaseName", "NameWithoutExtension", "Type", "Creator", "CodeTemplate",
@@ -93,18 +72,21 @@ TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
         for (const auto& s : bridge.getStringArrayAttribute(0, n)) got << s << ",";
         got << ";";
     }
-    for (const char* n : {"Filter", "IsEmpty", "WrittenToDisk", "Indent", "Shared", "SharedType",
-                          "DeferredIncludeCoderTypes"})
-        got << n << "=" << bridge.getBooleanAttribute(0, n) << ";";
+    // Each boolean set in turn, all read back after each: a mis-wired one shows.
+    const char* booleans[] = {"Filter", "IsEmpty", "WrittenToDisk", "Indent", "Shared", "SharedType",
+                              "DeferredIncludeCoderTypes"};
+    for (const char* set : booleans) {
+        bridge.setAttribute(0, set, true); // "IsEmpty" true does nothing
+        for (const char* n : booleans) got << bridge.getBooleanAttribute(0, n);
+        got << ";";
+    }
     EXPECT_EQ("Name=src/model.c;BaseName=renamed;NameWithoutExtension=src/model;Type=source;Creator=ert;"
               "CodeTemplate=t.cgt;OutputDirectory=out;Group=G1;DefinedMacro=MODEL_H_;"
               "SystemsInFile=s1,s2,;RequiredIncludes=<stdio.h>,rt.h,;UtilityIncludes=util.h,;"
-              "Filter=1;IsEmpty=1;WrittenToDisk=0;Indent=0;Shared=1;SharedType=0;DeferredIncludeCoderTypes=0;",
+              "1100000;1100000;1110000;1111000;1111100;1111110;1111111;",
               got.str());
 
     // "IsEmpty" can only be cleared.
-    bridge.setAttribute(1, "IsEmpty", true);
-    EXPECT_TRUE(bridge.getBooleanAttribute(1, "IsEmpty"));
     bridge.setAttribute(1, "IsEmpty", false);
     EXPECT_FALSE(bridge.getBooleanAttribute(1, "IsEmpty"));
     bridge.setAttribute(1, "IsEmpty", true);
@@ -118,56 +100,39 @@ TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
 
 TEST_F(FileRepScrivBridgeTest, RejectsBadIndicesNamesAndNullArgumentsWithoutChangingAnything) {
     FILE* out = std::tmpfile();
+    const std::string index = "VelCG:FileRepScrivBridge:InvalidFileIndex",
+                      attribute = "VelCG:FileRepScrivBridge:UnknownAttribute",
+                      section = "VelCG:FileRepScrivBridge:UnknownSection",
+                      null = "VelCG:FileRepScrivBridge:NullArgument",
+                      builtin = "Brisk:codeGen:CustomContentInvalidBuiltin";
     struct Row {
         std::function<void()> call;
-        const char* expected;
+        std::string expected;
     } rows[] = {
-        {[&] { bridge.getBooleanAttribute(3, "Filter"); }, "VelCG:FileRepScrivBridge:InvalidFileIndex|3|3"},
-        {[&] { bridge.setAttribute(-1, "Type", "x"); }, "VelCG:FileRepScrivBridge:InvalidFileIndex|-1|3"},
-        {[&] { bridge.writeSection(7, "Includes", out); }, "VelCG:FileRepScrivBridge:InvalidFileIndex|7|3"},
-        {[&] { bridge.getBooleanAttribute(0, "Name"); }, "VelCG:FileRepScrivBridge:UnknownAttribute|Name|boolean"},
-        {[&] { bridge.getStringAttribute(0, "SystemsInFile"); },
-         "VelCG:FileRepScrivBridge:UnknownAttribute|SystemsInFile|readable string"},
-        {[&] { bridge.setAttribute(0, "Name", "x"); },
-         "VelCG:FileRepScrivBridge:UnknownAttribute|Name|settable string"},
-        {[&] { bridge.setAttribute(0, "Filtered", true); },
-         "VelCG:FileRepScrivBridge:UnknownAttribute|Filtered|boolean"},
-        {[&] { bridge.getStringArrayAttribute(0, "Type"); },
-         "VelCG:FileRepScrivBridge:UnknownAttribute|Type|string list"},
-        {[&] { bridge.setAttribute(0, "Type", static_cast<const char*>(nullptr)); },
-         "VelCG:FileRepScrivBridge:NullArgument|attribute value"},
-        {[&] { bridge.writeSection(0, "Types", out); }, "VelCG:FileRepScrivBridge:UnknownSection|Types"},
-        {[&] { bridge.writeSection(0, "Includes", nullptr); }, "VelCG:FileRepScrivBridge:NullArgument|output stream"},
-        {[&] { bridge.addSectionContent(0, "", text("x")); }, "VelCG:FileRepScrivBridge:UnknownSection|"},
-        {[&] { bridge.addSectionContent(0, "Defines", nullptr); },
-         "VelCG:FileRepScrivBridge:NullArgument|section fragment"},
-        {[&] { bridge.appendMissingTokens(0, "Types"); }, "VelCG:FileRepScrivBridge:UnknownSection|Types"},
-        {[&] { bridge.addCustomSection(0, "", "Mine"); }, "Brisk:codeGen:CustomContentInvalidBuiltin|Mine|"},
-        {[&] { bridge.addCustomSection(0, "typedefs", "Mine"); },
-         "Brisk:codeGen:CustomContentInvalidBuiltin|Mine|typedefs"},
-        {[&] { bridge.addCustomSection(5, "Typedefs", "Mine"); }, "VelCG:FileRepScrivBridge:InvalidFileIndex|5|3"},
+        {[&] { bridge.getBooleanAttribute(3, "Filter"); }, index + "(3, 3)"},
+        {[&] { bridge.setAttribute(-1, "Type", "x"); }, index + "(-1, 3)"},
+        {[&] { bridge.writeSection(7, "Includes", out); }, index + "(7, 3)"},
+        {[&] { bridge.addCustomSection(5, "Typedefs", "Mine"); }, index + "(5, 3)"},
+        {[&] { bridge.getBooleanAttribute(0, "Name"); }, attribute + "(Name, boolean)"},
+        {[&] { bridge.getStringAttribute(0, "SystemsInFile"); }, attribute + "(SystemsInFile, readable string)"},
+        {[&] { bridge.setAttribute(0, "Name", "x"); }, attribute + "(Name, settable string)"},
+        {[&] { bridge.setAttribute(0, "Filtered", true); }, attribute + "(Filtered, boolean)"},
+        {[&] { bridge.getStringArrayAttribute(0, "Type"); }, attribute + "(Type, string list)"},
+        {[&] { bridge.writeSection(0, "Types", out); }, section + "(Types)"},
+        {[&] { bridge.addSectionContent(0, "", text("x")); }, section + "()"},
+        {[&] { bridge.appendMissingTokens(0, "Types"); }, section + "(Types)"},
+        {[&] { bridge.setAttribute(0, "Type", static_cast<const char*>(nullptr)); }, null + "(attribute value)"},
+        {[&] { bridge.writeSection(0, "Includes", nullptr); }, null + "(output stream)"},
+        {[&] { bridge.addSectionContent(0, "Defines", nullptr); }, null + "(section fragment)"},
+        {[&] { bridge.addCustomSection(0, "", "Mine"); }, builtin + "(Mine, )"},
+        {[&] { bridge.addCustomSection(0, "typedefs", "Mine"); }, builtin + "(Mine, typedefs)"},
     };
-    for (const Row& r : rows) EXPECT_EQ(r.expected, diagnosticOf(r.call));
+    for (const Row& r : rows) EXPECT_EQ(r.expected, diagnosticWithArgumentsOf(r.call));
     EXPECT_EQ(0L, std::ftell(out));
     std::fclose(out);
     EXPECT_TRUE(module.isEmpty());
     EXPECT_EQ("", module.getType());
     EXPECT_FALSE(module.getCustomContent().isCustomSection("Mine"));
-}
-
-TEST_F(FileRepScrivBridgeTest, TypesDeclaresTypedefsCustomSectionsAndReassociationIsDiagnosed) {
-    bridge.addCustomSection(2, "Types", "MyTypes");
-    bridge.addCustomSection(2, "Typedefs", "MyTypes"); // same kind: silent
-    EXPECT_EQ("Brisk:codeGen:CustomContentPreviousAssociation|MyTypes|Defines|Typedefs",
-              diagnosticOf([&] { bridge.addCustomSection(2, "Defines", "MyTypes"); }));
-    bridge.addCustomSection(2, "Documentation", "Notes");
-    types.getCustomContent().addContentToSection("MyTypes", "typedef int T;\n");
-    types.getCustomContent().addContentToSection("Notes", "never appended\n");
-    bridge.appendMissingTokens(2, "Documentation");
-    bridge.appendMissingTokens(2, "Typedefs");
-    bridge.appendMissingTokens(2, "Typedefs");
-    EXPECT_STREQ("typedef int T;\n", bridge.getStringAttribute(2, "Typedefs"));
-    EXPECT_STREQ("", bridge.getStringAttribute(2, "Documentation"));
 }
 
 // A repository with the three kinds of file, driven the way a template does
@@ -192,11 +157,16 @@ TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
     bridge.addCustomSection(0, "Banner", "Copyright"); // a module file has no banner
     bridge.addCustomSection(1, "UserTop", "Top");
     bridge.addCustomSection(2, "Types", "MyTypes");
+    bridge.addCustomSection(2, "Typedefs", "MyTypes"); // the same kind again: silent
+    EXPECT_EQ("Brisk:codeGen:CustomContentPreviousAssociation(MyTypes, Defines, Typedefs)",
+              diagnosticWithArgumentsOf([&] { bridge.addCustomSection(2, "Defines", "MyTypes"); }));
+    bridge.addCustomSection(1, "Documentation", "Notes"); // never appended
     module.getCustomContent().addContentToSection("ExtraDecls", "static int extra;\n");
     module.getCustomContent().addContentToSection("PlacedDecls", "static int placed;\n");
     module.getCustomContent().setCustomTokenInUse("PlacedDecls");
     module.getCustomContent().addContentToSection("Copyright", "/* (c) */\n");
     generic.getCustomContent().addContentToSection("Top", "top text\n");
+    generic.getCustomContent().addContentToSection("Notes", "notes are not appended\n");
     types.getCustomContent().addContentToSection("MyTypes", "typedef double real_T;\n");
 
     // Content.
@@ -206,6 +176,7 @@ TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
     bridge.addSectionContent(0, "Functions", text(std::string("/* bytes: \x01\xfe\t */\n")));
     bridge.addSectionContent(0, "Banner", text("dropped: no banner in a module file\n"));
     bridge.addSectionContent(1, "Banner", text("== notes ==\n"));
+    bridge.addSectionContent(1, "Documentation", text("/* docs */\n"));
     bridge.addSectionContent(1, "UserBottom", text("bottom\n"));
     bridge.addSectionContent(2, "Typedefs", text("typedef int int_T;\n"));
     bridge.addSectionContent(2, "Defines", text("#define TYPES_H\n"));
@@ -239,14 +210,14 @@ TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
               "void step(void)\r\n{\r\n}\r\n"
               "/* bytes: \x01\xfe\t */\n",
               bytesOf("model"));
-    EXPECT_EQ("== notes ==\ntop text\nbottom\n", bytesOf("notes"));
+    EXPECT_EQ("== notes ==\ntop text\n/* docs */\nbottom\n", bytesOf("notes"));
     EXPECT_EQ("\n#include <stdint.h>\n#define TYPES_H\ntypedef int int_T;\ntypedef double real_T;\n",
               bytesOf("model_types"));
     EXPECT_TRUE(bridge.getBooleanAttribute(2, "WrittenToDisk"));
     // Appending the banner tokens of a module file consumed its banner custom
     // section into the empty section: the text is gone and cannot be placed.
-    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved|Copyright|end|Copyright",
-              diagnosticOf([&] { module.getCustomContent().getCustomSectionContent("Copyright", "end"); }));
+    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(Copyright, end, Copyright)",
+              diagnosticWithArgumentsOf([&] { module.getCustomContent().getCustomSectionContent("Copyright", "end"); }));
 
     fs::remove_all(dir);
 }

@@ -6,81 +6,70 @@
 #include <thread>
 #include <vector>
 
-#include "vel/diag/Diagnostic.hpp"
+#include <boost/filesystem.hpp>
+
+#include "DiagnosticTesting.hpp"
+#include "files/FileTesting.hpp"
 #include "velcg/FileSection.hpp"
-#include "velcg/StringFileSectionFragment.hpp"
+#include "velcg/IncludesSection.hpp"
 #include "velcg/VelCGFileContent.hpp"
 #include "velcg/VelCGFileSectionKind.hpp"
 
 using namespace VelCG;
-
-namespace {
-
-// Bytes that `write` puts on a temporary C stream.
-template <class Write>
-std::string bytesWritten(Write write) {
-    std::FILE* f = std::tmpfile();
-    write(f);
-    std::string out;
-    std::rewind(f);
-    for (int c; (c = std::fgetc(f)) != EOF;) out += static_cast<char>(c);
-    std::fclose(f);
-    return out;
-}
-
-template <class F>
-std::string diagnosticOf(F&& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        return e.identifier();
-    }
-    return "no diagnostic";
-}
-
-} // namespace
+using files_testing::bytesWrittenBy;
+using files_testing::fragment;
+using testing_support::diagnosticOf;
 
 TEST(FileSection, RendersPrintsAndWritesFragmentsInOrderByteForByte) {
     FileSection s;
     EXPECT_TRUE(s.isEmpty());
     EXPECT_EQ("", s.getContent());
+    s.addContent_cstr(""); // an empty string is still a fragment
+    EXPECT_FALSE(s.isEmpty());
+    EXPECT_EQ("", s.getContent());
 
     s.addContent("int a;\n");
     s.addContent(std::string("x\0y", 3)); // stops at the NUL
-    s.addContent_cstr("");                // empty, but a fragment
-    s.addFragment(boost::shared_ptr<FileSectionFragment>(new StringFileSectionFragment(std::string("\xff\r\n"))));
-
-    EXPECT_FALSE(s.isEmpty());
-    EXPECT_EQ("int a;\nx\xff\r\n", s.getContent());
+    s.addFragment(fragment("\xff\r\n"));
+    const std::string expected = "int a;\nx\xff\r\n";
+    EXPECT_EQ(expected, s.getContent());
     std::ostringstream printed;
     s.printToStream(printed);
-    EXPECT_EQ("int a;\nx\xff\r\n", printed.str());
-    EXPECT_EQ("int a;\nx\xff\r\n", bytesWritten([&](std::FILE* f) { s.writeToFile(f); }));
+    EXPECT_EQ(expected, printed.str());
+    EXPECT_EQ(expected, bytesWrittenBy([&](std::FILE* f) { s.writeToFile(f); }));
 
     // A clone shares the fragments but grows independently.
     std::unique_ptr<FileSection> copy = s.clone();
     copy->addContent("more");
-    EXPECT_EQ("int a;\nx\xff\r\nmore", copy->getContent());
-    EXPECT_EQ("int a;\nx\xff\r\n", s.getContent());
+    EXPECT_EQ(expected + "more", copy->getContent());
+    EXPECT_EQ(expected, s.getContent());
 
     s.clearContent();
     EXPECT_TRUE(s.isEmpty());
     EXPECT_EQ("", s.getContent());
 }
 
-TEST(FileSection, OnlyEmptyStringsStillMakeASectionNonEmpty) {
-    FileSection s;
-    s.addContent("");
-    EXPECT_FALSE(s.isEmpty());
-    EXPECT_EQ("", s.getContent());
-}
-
-TEST(FileSection, RejectsNullArgumentsWithDiagnostics) {
+TEST(FileSection, RejectsNullArgumentsAndRefusedWritesWithDiagnostics) {
     FileSection s;
     EXPECT_EQ("VelCG:FileSection:NullContent", diagnosticOf([&] { s.addContent_cstr(nullptr); }));
     EXPECT_EQ("VelCG:FileSection:NullFragment", diagnosticOf([&] { s.addFragment(nullptr); }));
     EXPECT_EQ("VelCG:FileSection:NullStream", diagnosticOf([&] { s.writeToFile(nullptr); }));
     EXPECT_TRUE(s.isEmpty());
+
+    // A stream open for reading only takes no bytes.
+    namespace fs = boost::filesystem;
+    const fs::path path = fs::temp_directory_path() / fs::unique_path("velcg-ro-%%%%-%%%%");
+    std::fclose(std::fopen(path.string().c_str(), "wb"));
+    std::FILE* readOnly = std::fopen(path.string().c_str(), "rb");
+    ASSERT_NE(nullptr, readOnly);
+    s.addContent("text");
+    IncludesSection includes;
+    includes.addInclude("a.h", false);
+    EXPECT_EQ("VelCG:FileSection:WriteFailed", diagnosticOf([&] { s.writeToFile(readOnly); }));
+    EXPECT_EQ("VelCG:FileSection:WriteFailed", diagnosticOf([&] { includes.writeToFile(readOnly); }));
+    EXPECT_EQ("VelCG:FileSection:NullStream", diagnosticOf([&] { includes.writeToFile(nullptr); }));
+    std::fclose(readOnly);
+    fs::remove(path);
 }
 
 TEST(VelCGFileSectionKind, NamesEveryKindAndConvertsEnumeratorNames) {
@@ -107,9 +96,10 @@ TEST(VelCGFileSectionKind, EnumeratorNameConversionIsSafeFromManyThreads) {
     std::vector<int> wrong(4, 0);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([t, &wrong] {
+            // Unknown names grow the shared table while known ones are read.
             for (int i = 0; i < 500; ++i) {
-                // Unknown names grow the shared table while known ones are read.
-                if (getSectionKindFromEnumName("UNKNOWN_" + std::to_string(t) + "_" + std::to_string(i)) != 0) ++wrong[t];
+                if (getSectionKindFromEnumName("UNKNOWN_" + std::to_string(t) + "_" + std::to_string(i)) != 0)
+                    ++wrong[t];
                 if (getSectionKindFromEnumName("USERBOTTOM_SECTION") != USERBOTTOM_SECTION) ++wrong[t];
             }
         });
@@ -122,14 +112,19 @@ TEST(VelCGFileContent, EmptySectionStandsInForMissingAndOutOfRangeKinds) {
     VelCGFileContent content;
     content.setSection(DEFINES_SECTION, std::make_unique<FileSection>());
     EXPECT_TRUE(content.hasSection(DEFINES_SECTION));
-    for (int k : {-1, 0, 10, 22, 23, 1000}) EXPECT_FALSE(content.hasSection(static_cast<VelCGFileSectionKind>(k))) << k;
+    for (int k : {-1, 0, 10, 22, 23, 1000})
+        EXPECT_FALSE(content.hasSection(static_cast<VelCGFileSectionKind>(k))) << k;
 
+    // The empty section, and a clone of it, drop whatever is added.
     FileSection& missing = content.getSection(FUNCTIONS_SECTION);
-    missing.addContent("dropped");
-    missing.addContent_cstr("dropped");
-    missing.addFragment(boost::shared_ptr<FileSectionFragment>(new StringFileSectionFragment("dropped")));
-    EXPECT_TRUE(missing.isEmpty());
-    EXPECT_EQ("", missing.getContent());
+    std::unique_ptr<FileSection> missingClone = missing.clone();
+    for (FileSection* s : {&missing, missingClone.get()}) {
+        s->addContent("dropped");
+        s->addContent_cstr("dropped");
+        s->addFragment(fragment("dropped"));
+        EXPECT_TRUE(s->isEmpty());
+        EXPECT_EQ("", s->getContent());
+    }
     EXPECT_EQ(&missing, &content.getSection(static_cast<VelCGFileSectionKind>(-5)));
     EXPECT_TRUE(content.isEmpty());
 
@@ -142,7 +137,9 @@ TEST(VelCGFileContent, EmptySectionStandsInForMissingAndOutOfRangeKinds) {
     EXPECT_TRUE(content.isEmpty());
     EXPECT_EQ("#define A 1\n", copy.getSection(DEFINES_SECTION).getContent());
 
-    EXPECT_EQ("VelCG:VelCGFileContent:InvalidSlot",
-              diagnosticOf([&] { content.setSection(static_cast<VelCGFileSectionKind>(23), std::make_unique<FileSection>()); }));
-    EXPECT_EQ("VelCG:VelCGFileContent:InvalidSlot", diagnosticOf([&] { content.setSection(BANNER_SECTION, nullptr); }));
+    const char* invalidSlot = "VelCG:VelCGFileContent:InvalidSlot";
+    EXPECT_EQ(invalidSlot, diagnosticOf([&] {
+                  content.setSection(static_cast<VelCGFileSectionKind>(23), std::make_unique<FileSection>());
+              }));
+    EXPECT_EQ(invalidSlot, diagnosticOf([&] { content.setSection(BANNER_SECTION, nullptr); }));
 }

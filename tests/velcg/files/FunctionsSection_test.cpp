@@ -1,21 +1,13 @@
 #include <gtest/gtest.h>
 
-#include "vel/diag/Diagnostic.hpp"
+#include <memory>
+#include <string>
+
+#include "DiagnosticTesting.hpp"
 #include "velcg/FunctionsSection.hpp"
 
 using namespace VelCG;
-
-namespace {
-template <class F>
-std::string diagnosticOf(F&& f) {
-    try {
-        f();
-    } catch (const vel::diag::Exception& e) {
-        return e.identifier();
-    }
-    return "no diagnostic";
-}
-} // namespace
+using testing_support::diagnosticOf;
 
 TEST(FunctionsSection, KeepsFunctionsWithTheirNamesCountingFromZeroNativelyAndOneForScripts) {
     FunctionsSection s;
@@ -29,7 +21,13 @@ TEST(FunctionsSection, KeepsFunctionsWithTheirNamesCountingFromZeroNativelyAndOn
     EXPECT_EQ("void f(void) {}\n", s.korb_getFunction(1));
     EXPECT_EQ("/* not a function */\n", s.korb_getFunction(3));
     EXPECT_EQ("f", s.korb_getFunctionName(2));
-    EXPECT_EQ("void f(void) {}\nvoid g(void) {}/* not a function */\n", s.clone()->getContent());
+
+    // A clone keeps the names beside the fragments.
+    std::unique_ptr<FileSection> copy = s.clone();
+    auto* functions = dynamic_cast<FunctionsSection*>(copy.get());
+    ASSERT_NE(nullptr, functions);
+    EXPECT_EQ("void f(void) {}\nvoid g(void) {}/* not a function */\n", functions->getContent());
+    EXPECT_EQ("f", functions->getFunctionName(1));
 
     // Indices past the functions, or past the names, are diagnosed.
     const char* id = "VelCG:FunctionsSection:InvalidFunctionIndex";

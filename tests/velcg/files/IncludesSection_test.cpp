@@ -2,7 +2,9 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
+#include "files/FileTesting.hpp"
 #include "velcg/IncludesSection.hpp"
 
 using namespace VelCG;
@@ -30,6 +32,8 @@ TEST(IncludesSection, MergesRequiredAndUtilityIncludesAroundTheScriptText) {
          "x\n#include <stdio.h>\n"},
         {"present only as first line is not recognised", {"#include <stdio.h>\n"}, {"<stdio.h>"}, {},
          "\n#include <stdio.h>\n#include <stdio.h>\n"},
+        {"presence is looked for in the script text only", {}, {"<a.h>"}, {"<a.h>"},
+         "\n#include <a.h>\n\n#include <a.h>\n"},
         {"empty entries add nothing", {"t\n"}, {""}, {""}, "t\n"},
         {"prefix of another header is not a match", {"\n#include \"rt.h.in\"\n"}, {"rt.h"}, {},
          "\n#include \"rt.h\"\n\n#include \"rt.h.in\"\n"},
@@ -40,15 +44,8 @@ TEST(IncludesSection, MergesRequiredAndUtilityIncludesAroundTheScriptText) {
         for (const auto& r : c.required) s.addRequiredInclude(r);
         for (const auto& u : c.utility) s.addUtilityInclude(u);
         EXPECT_EQ(c.expected, s.getContent()) << c.what;
-
         // Writing gives the same bytes, and a clone renders the same.
-        std::FILE* f = std::tmpfile();
-        s.writeToFile(f);
-        std::string written(static_cast<std::size_t>(std::ftell(f)), '\0');
-        std::rewind(f);
-        EXPECT_EQ(written.size(), std::fread(&written[0], 1, written.size(), f));
-        std::fclose(f);
-        EXPECT_EQ(c.expected, written) << c.what;
+        EXPECT_EQ(c.expected, files_testing::bytesWrittenBy([&](std::FILE* f) { s.writeToFile(f); })) << c.what;
         EXPECT_EQ(c.expected, s.clone()->getContent()) << c.what;
     }
 }

@@ -1,29 +1,51 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
+#include <vector>
 
-#include "vel/diag/Diagnostic.hpp"
+#include "DiagnosticTesting.hpp"
+#include "files/FileTesting.hpp"
 #include "velcg/CustomContents.hpp"
-#include "velcg/FileSection.hpp"
+#include "velcg/FunctionsSection.hpp"
+#include "velcg/IncludesSection.hpp"
 #include "velcg/VelCGDataTypesFile.hpp"
+#include "velcg/VelCGFileContentBuilder.hpp"
 #include "velcg/VelCGGenericFile.hpp"
 #include "velcg/VelCGModuleFile.hpp"
 
 using namespace VelCG;
+using files_testing::bytesWrittenBy;
 
 namespace {
-std::string writeSection(VelCGFile& file, VelCGFileSectionKind kind) {
-    std::FILE* f = std::tmpfile();
-    file.writeSectionToFile(kind, f);
-    std::string out(static_cast<std::size_t>(std::ftell(f)), '\0');
-    std::rewind(f);
-    if (!out.empty()) {
-        EXPECT_EQ(out.size(), std::fread(&out[0], 1, out.size(), f));
+
+// One letter per kind from -1 to 23: '.' no section, 'S' FileSection,
+// 'I' IncludesSection, 'F' FunctionsSection.
+std::string layout(const VelCGFile& file) {
+    std::string out;
+    for (int k = -1; k <= 23; ++k) {
+        auto kind = static_cast<VelCGFileSectionKind>(k);
+        const FileSection& s = file.getFileSection(kind);
+        out += !file.hasSection(kind)                          ? '.'
+               : dynamic_cast<const IncludesSection*>(&s)     ? 'I'
+               : dynamic_cast<const FunctionsSection*>(&s)    ? 'F'
+                                                              : 'S';
     }
-    std::fclose(f);
     return out;
 }
+
+// A file built by whatever builder the test gives it.
+class FileBuiltWith : public VelCGFile {
+public:
+    explicit FileBuiltWith(std::unique_ptr<VelCGFileContentBuilder> builder)
+        : VelCGFile("custom.c", std::move(builder)) {}
+};
+
+std::string writeSection(VelCGFile& file, VelCGFileSectionKind kind) {
+    return bytesWrittenBy([&](std::FILE* f) { file.writeSectionToFile(kind, f); });
+}
+
 } // namespace
 
 TEST(VelCGFile, DerivesBaseNameAndNameWithoutExtensionFromTheName) {
@@ -44,12 +66,9 @@ TEST(VelCGFile, DerivesBaseNameAndNameWithoutExtensionFromTheName) {
         EXPECT_EQ(c.withoutExtension, f.getNameWithoutExtension()) << c.name;
         EXPECT_EQ(c.name, f.getNameAscii());
     }
-    VelCGModuleFile utf8("mod\xc3\xa9.c");
-    EXPECT_EQ(L"mod\u00e9.c", utf8.getName());
-    EXPECT_STREQ("VelCG.VelCGModuleFile", utf8.getFullyQualifiedKorbTypeName());
-
+    EXPECT_EQ(L"mod\u00e9.c", VelCGModuleFile("mod\xc3\xa9.c").getName());
     // A name that is not UTF-8 cannot be converted and is refused.
-    EXPECT_THROW(VelCGGenericFile("bad\xff.c"), vel::diag::Exception);
+    EXPECT_EQ("i18n:InvalidText", testing_support::diagnosticOf([] { VelCGGenericFile("bad\xff.c"); }));
 }
 
 TEST(VelCGFile, SystemsAreDeduplicatedOnAddButKeptAsGivenOnSet) {
@@ -78,24 +97,22 @@ TEST(VelCGFile, EmptinessFollowsSectionsAndTheNotEmptyMark) {
     EXPECT_EQ("", f.getDefinesSection().getContent());
 }
 
-TEST(VelCGFile, SectionsPresentDependOnTheFileKind) {
-    VelCGDataTypesFile types("types.h");
-    VelCGModuleFile module("m.c");
-    VelCGGenericFile generic("g.txt");
-    std::string present;
-    for (VelCGFile* f : {static_cast<VelCGFile*>(&types), static_cast<VelCGFile*>(&module),
-                         static_cast<VelCGFile*>(&generic)}) {
-        for (int k = -1; k <= 23; ++k) present += f->hasSection(static_cast<VelCGFileSectionKind>(k)) ? 'x' : '.';
-        present += '|';
-    }
-    EXPECT_EQ("..x..x....x..............|..x..x....xx..xxxxx..x...|.xxxxxxxxxxxxxxxxxxxxxx..|", present);
+TEST(VelCGFile, EachKindBuildsItsOwnSectionTable) {
+    //         kind: -1 0         1         2
+    //                  0123456789012345678901234
+    EXPECT_EQ("..I..S....SS..SSSSF..S...", layout(VelCGModuleFile("m.c")));
+    EXPECT_EQ(".SISSSSSSSSSSSSSSSSSSSS..", layout(VelCGGenericFile("g.txt")));
+    EXPECT_EQ("..I..S....S..............", layout(VelCGDataTypesFile("types.h")));
+    // A builder that allocates no table leaves the file without sections.
+    EXPECT_EQ(".........................", layout(FileBuiltWith(std::make_unique<VelCGFileContentBuilder>())));
+    EXPECT_EQ("VelCG:VelCGFile:NullBuilder", testing_support::diagnosticOf([] { FileBuiltWith file(nullptr); }));
 
-    // Text for a section the file lacks is dropped.
+    // Text for a section the file lacks is dropped; named accessors reach the kind's section.
+    VelCGDataTypesFile types("types.h");
     types.getFileSection(FUNCTIONS_SECTION).addContent("void f(void);\n");
     EXPECT_EQ("", types.getFileSection(FUNCTIONS_SECTION).getContent());
     EXPECT_TRUE(types.isEmpty());
     EXPECT_EQ(&types.getIncludesSection(), &types.getFileSection(INCLUDES_SECTION));
-    EXPECT_EQ(&generic.getCompilerWarningsSection(), generic.korb_getCompilerWarningsSection());
 }
 
 TEST(VelCGFile, WritingASectionAppendsUnplacedCustomSectionsFirst) {
@@ -106,6 +123,9 @@ TEST(VelCGFile, WritingASectionAppendsUnplacedCustomSectionsFirst) {
     custom.addCustomSection("Top", BANNER_SECTION);
     custom.addContentToSection("Top", "/* banner */\n");
     f.getDefinesSection().addContent("#define A 1\n");
+    // A refused write consumes no custom section.
+    EXPECT_EQ("VelCG:VelCGFile:NullStream(m.c, Defines)",
+              testing_support::diagnosticWithArgumentsOf([&] { f.writeSectionToFile(DEFINES_SECTION, nullptr); }));
 
     EXPECT_EQ("#define A 1\n#define EXTRA 1\n", writeSection(f, DEFINES_SECTION));
     // Writing again writes the same text; the custom section is not appended twice.
@@ -114,12 +134,4 @@ TEST(VelCGFile, WritingASectionAppendsUnplacedCustomSectionsFirst) {
     EXPECT_EQ("", writeSection(f, BANNER_SECTION));
     EXPECT_EQ("/* banner */\n", custom.getCustomSectionContent("Top", "test"));
     EXPECT_EQ("", writeSection(f, static_cast<VelCGFileSectionKind>(40)));
-
-    try {
-        f.writeSectionToFile(DEFINES_SECTION, nullptr);
-        FAIL() << "no diagnostic";
-    } catch (const vel::diag::Exception& e) {
-        EXPECT_EQ("VelCG:VelCGFile:NullStream", e.identifier());
-        EXPECT_EQ((std::vector<std::string>{"m.c", "Defines"}), e.arguments());
-    }
 }
