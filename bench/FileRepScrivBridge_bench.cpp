@@ -2,7 +2,6 @@
 // operations should take the same time with 10 and with 10,000 files.
 
 #include <benchmark/benchmark.h>
-
 #include <string>
 
 #include "velcg/FileRepScrivBridge.hpp"
@@ -18,8 +17,10 @@ namespace {
 void fill(VelCG::VelCGFileRepository& repo, std::int64_t n) {
     for (std::int64_t i = 0; i < n; ++i) {
         std::string name = "file" + std::to_string(i) + ".c";
-        if (i % 2 == 0) repo.createModuleSourceFile(name, {static_cast<std::int32_t>(i)});
-        else repo.createGenericFile(name);
+        if (i % 2 == 0)
+            repo.createModuleSourceFile(name, {static_cast<std::int32_t>(i)});
+        else
+            repo.createGenericFile(name);
     }
 }
 

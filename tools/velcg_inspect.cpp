@@ -27,29 +27,32 @@ void printClasses(bool markdown) {
         if (markdown) {
             std::printf("## %s\n\n%s. Superclass: %s.%s\n\n", c->getQualifiedName().c_str(),
                         c->getDescription().c_str(), super.c_str(), c->isAbstract() ? " Abstract." : "");
-            if (!c->getProperties().empty()) std::printf("| property | host type | access |\n|---|---|---|\n");
+            if (!c->getProperties().empty())
+                std::printf("| property | host type | access |\n|---|---|---|\n");
             for (const auto& p : c->getProperties())
                 std::printf("| %s | %s | %s |\n", p.name.c_str(), p.getter->hostTypeName().c_str(),
                             p.isReadOnly() ? "read-only" : "read-write");
             if (!c->getMethods().empty()) std::printf("\n| method | arguments |\n|---|---|\n");
-            for (const auto& m : c->getMethods()) std::printf("| %s | %zu |\n", m.name.c_str(), m.binder->arity());
+            for (const auto& m : c->getMethods())
+                std::printf("| %s | %zu |\n", m.name.c_str(), m.binder->arity());
             std::printf("\n");
         } else {
-            std::printf("%s  (%s; superclass %s%s)\n", c->getQualifiedName().c_str(), c->getDescription().c_str(),
-                        super.c_str(), c->isAbstract() ? "; abstract" : "");
+            std::printf("%s  (%s; superclass %s%s)\n", c->getQualifiedName().c_str(),
+                        c->getDescription().c_str(), super.c_str(), c->isAbstract() ? "; abstract" : "");
             for (const auto& p : c->getProperties())
                 std::printf("    %-32s %-24s %s\n", p.name.c_str(), p.getter->hostTypeName().c_str(),
                             p.isReadOnly() ? "read-only" : "read-write");
             for (const auto& m : c->getMethods())
-                std::printf("    %s(%zu argument%s)\n", m.name.c_str(), m.binder->arity(), m.binder->arity() == 1 ? "" : "s");
+                std::printf("    %s(%zu argument%s)\n", m.name.c_str(), m.binder->arity(),
+                            m.binder->arity() == 1 ? "" : "s");
         }
     }
 }
 
 void printFeatures() {
     for (const vel::feature::Feature* f : vel::feature::Registry::all())
-        std::printf("%-28s value %-4d default %-4d %-24s %s\n", f->name().c_str(), f->peek(), f->defaultValue(),
-                    f->group().c_str(), f->description().c_str());
+        std::printf("%-28s value %-4d default %-4d %-24s %s\n", f->name().c_str(), f->peek(),
+                    f->defaultValue(), f->group().c_str(), f->description().c_str());
 }
 
 } // namespace

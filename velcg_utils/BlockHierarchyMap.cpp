@@ -1,10 +1,9 @@
 #include "velcg/BlockHierarchyMap.hpp"
 
+#include "OwnedList.hpp"
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/ModelDiagnostics.hpp"
-
-#include "OwnedList.hpp"
 
 namespace VelCG {
 
@@ -34,7 +33,8 @@ void BlockHierarchyMap::finalize() {
     // root; check that they exist before linking any, so that a refused map
     // is left as it was.
     std::size_t children = 0;
-    for (const GraphicalSubsystem* subsystem : subsystems_) children += subsystem->getSubsystemBlocks().size();
+    for (const GraphicalSubsystem* subsystem : subsystems_)
+        children += subsystem->getSubsystemBlocks().size();
     if (children > 0 && children >= subsystems_.size())
         throwIndexOutOfRange("the subsystems of the block hierarchy map", static_cast<std::int64_t>(children),
                              subsystems_.size());
@@ -45,7 +45,8 @@ void BlockHierarchyMap::finalize() {
     }
 }
 
-GraphicalBlock* BlockHierarchyMap::getBlockGivenIndices(std::size_t subsystemIndex, std::size_t blockIndex) const {
+GraphicalBlock* BlockHierarchyMap::getBlockGivenIndices(std::size_t subsystemIndex,
+                                                        std::size_t blockIndex) const {
     if (subsystemIndex >= subsystems_.size()) return nullptr;
     const auto& blocks = subsystems_[subsystemIndex]->getBlocks();
     return blockIndex < blocks.size() ? blocks[blockIndex] : nullptr;

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "OwnedList.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CoderDataGroup.hpp"
@@ -14,8 +15,6 @@
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
-
-#include "OwnedList.hpp"
 
 namespace VelCG {
 
@@ -74,7 +73,9 @@ std::wstring CGModel::getKordelCoderVersion() const { return {}; }
 std::wstring CGModel::getKordelVersion() const { return {}; }
 void CGModel::initializeCompiledInfo() {}
 void CGModel::initializeCodegenInfo() {}
-int CGModel::getOverwritableOutputPort(int inputPort) const { return fpcIOMap_->getOverwritableOutputPort(inputPort); }
+int CGModel::getOverwritableOutputPort(int inputPort) const {
+    return fpcIOMap_->getOverwritableOutputPort(inputPort);
+}
 std::string CGModel::getHeaderFileForDataType(const CG::Type&) const { return {}; }
 void CGModel::setOverwritableIOPair(int inputPort, int outputPort) {
     fpcIOMap_->setOverwritableIOPair(inputPort, outputPort);
@@ -87,7 +88,9 @@ bool CGModel::isTAQBlockActualSrc(const std::wstring& blockPath) const {
     return taqActualSourcePaths_.count(blockPath) != 0;
 }
 
-void CGModel::addSystem(std::unique_ptr<System> system) { detail::appendOwned(systems_, std::move(system), "A system"); }
+void CGModel::addSystem(std::unique_ptr<System> system) {
+    detail::appendOwned(systems_, std::move(system), "A system");
+}
 
 void CGModel::addVelCGType(std::unique_ptr<VelCGType> type) {
     if (type) type->setCGModel(this);
@@ -99,7 +102,9 @@ void CGModel::addVelType(std::unique_ptr<VelType> type) {
     detail::appendOwned(velTypes_, std::move(type), "A data type");
 }
 
-void CGModel::addVarGroup(std::unique_ptr<VarGroup> group) { detail::appendOwned(varGroups_, std::move(group), "A variable group"); }
+void CGModel::addVarGroup(std::unique_ptr<VarGroup> group) {
+    detail::appendOwned(varGroups_, std::move(group), "A variable group");
+}
 
 void CGModel::addExternalInput(std::unique_ptr<ExternalInput> input) {
     if (input) input->setCGModel(this);
@@ -166,11 +171,13 @@ const VarGroup* CGModel::getVarGroup(unsigned int index) const { return elementO
 const ModelParameter* CGModel::getModelParameter(unsigned int index) const {
     return elementOrNull(modelParameters_, index);
 }
-const ExternalInput* CGModel::getExternalInput(unsigned int index) const { return elementOrNull(externalInputs_, index); }
+const ExternalInput* CGModel::getExternalInput(unsigned int index) const {
+    return elementOrNull(externalInputs_, index);
+}
 ExternalInput* CGModel::getExternalInput(unsigned int index) { return elementOrNull(externalInputs_, index); }
 
-const DataInterfaceRecord* CGModel::getDataInterfaceRecordByIndex(unsigned int index,
-                                                                  const std::vector<DataInterfaceRecord*>& list) {
+const DataInterfaceRecord* CGModel::getDataInterfaceRecordByIndex(
+    unsigned int index, const std::vector<DataInterfaceRecord*>& list) {
     return elementOrNull(list, index);
 }
 

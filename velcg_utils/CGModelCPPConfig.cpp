@@ -3,7 +3,9 @@
 namespace VelCG {
 
 CGModelCPPConfig::CGModelCPPConfig()
-    : blockSignalsGetMethodName_("getBlockSignals"), blockSignalsSetMethodName_("setBlockSignals"),
-      dWorkGetMethodName_("getDWork"), dWorkSetMethodName_("setDWork") {}
+    : blockSignalsGetMethodName_("getBlockSignals"),
+      blockSignalsSetMethodName_("setBlockSignals"),
+      dWorkGetMethodName_("getDWork"),
+      dWorkSetMethodName_("setDWork") {}
 
 } // namespace VelCG

@@ -26,7 +26,9 @@ Element* createOwning(Impl* impl) {
 
 } // namespace
 
-Parameter* CGModelKorbFactory::createParameter(ParameterImpl* impl) { return createOwning<ParameterKorb>(impl); }
+Parameter* CGModelKorbFactory::createParameter(ParameterImpl* impl) {
+    return createOwning<ParameterKorb>(impl);
+}
 
 ModelParameter* CGModelKorbFactory::createModelParameter(ModelParameterImpl* impl) {
     return createOwning<ModelParameterKorb>(impl);

@@ -11,7 +11,8 @@ namespace VelCG {
 ChildCoderGroupMgr::ChildCoderGroupMgr() = default;
 ChildCoderGroupMgr::~ChildCoderGroupMgr() = default;
 
-void ChildCoderGroupMgr::setChildCoderGroup(vel::i18n::ustring childModel, std::unique_ptr<CoderDataGroup> group) {
+void ChildCoderGroupMgr::setChildCoderGroup(vel::i18n::ustring childModel,
+                                            std::unique_ptr<CoderDataGroup> group) {
     if (!group) throwNullArgument("A child coder data group");
     auto model = groupsByChildModel_.find(childModel);
     if (model == groupsByChildModel_.end()) {
@@ -36,7 +37,8 @@ const CoderDataGroup* ChildCoderGroupMgr::getChildCoderGroup(vel::i18n::ustring 
     return group == model->second->end() ? nullptr : group->second.get();
 }
 
-std::vector<std::string> ChildCoderGroupMgr::getChildCoderGroupNames(const vel::i18n::ustring& childModel) const {
+std::vector<std::string> ChildCoderGroupMgr::getChildCoderGroupNames(
+    const vel::i18n::ustring& childModel) const {
     std::vector<std::string> names;
     auto model = groupsByChildModel_.find(childModel);
     if (model == groupsByChildModel_.end()) return names;
@@ -57,8 +59,8 @@ void ChildCoderGroupMgr::addVariableForChildGroup(vel::i18n::ustring childModel,
     const CoderDataGroup* group = getChildCoderGroup(childModel, groupName);
     if (!group)
         vel::diag::throwErrorText("VelCG:Model:UnknownChildCoderGroup",
-                                  "Child model '" + vel::i18n::toUtf8(childModel) + "' has no coder data group '" +
-                                      groupName + "'.");
+                                  "Child model '" + vel::i18n::toUtf8(childModel) +
+                                      "' has no coder data group '" + groupName + "'.");
     ChildCoderGroupVarInfo info(group->getRootGroupTypeName(), varName, compiledModelBlockIndex);
     auto& infos = varInfoByGroup_[groupName];
     infos.reserve(infos.size() + 1); // the final append cannot fail
@@ -85,7 +87,8 @@ std::string ChildCoderGroupMgr::getChildCoderGroupVarName(const std::string& gro
     return var->second;
 }
 
-const std::vector<ChildCoderGroupVarInfo>* ChildCoderGroupMgr::getVarInfoForGroup(const std::string& groupName) const {
+const std::vector<ChildCoderGroupVarInfo>* ChildCoderGroupMgr::getVarInfoForGroup(
+    const std::string& groupName) const {
     auto it = varInfoByGroup_.find(groupName);
     return it == varInfoByGroup_.end() ? nullptr : &it->second;
 }

@@ -14,25 +14,33 @@ CoderDataGroup::~CoderDataGroup() = default;
 
 const char* CoderDataGroup::getAsStructureString(AsStructure value) {
     switch (value) {
-    case AsStructure::InParent: return "InParent";
-    case AsStructure::InSelf: return "InSelf";
-    case AsStructure::Standalone: return "Standalone";
-    case AsStructure::None: return "None";
+        case AsStructure::InParent:
+            return "InParent";
+        case AsStructure::InSelf:
+            return "InSelf";
+        case AsStructure::Standalone:
+            return "Standalone";
+        case AsStructure::None:
+            return "None";
     }
     return "";
 }
 
 const char* CoderDataGroup::getDataInitString(DataInit value) {
     switch (value) {
-    case DataInit::Dynamic: return "Dynamic";
-    case DataInit::Static: return "Static";
-    case DataInit::None: return "None";
+        case DataInit::Dynamic:
+            return "Dynamic";
+        case DataInit::Static:
+            return "Static";
+        case DataInit::None:
+            return "None";
     }
     return "";
 }
 
 const std::string& CoderDataGroup::getRootGroupTypeName() const {
-    if (!rootGroupTypeName_.empty() || asStructure_ == AsStructure::None || !model_) return rootGroupTypeName_;
+    if (!rootGroupTypeName_.empty() || asStructure_ == AsStructure::None || !model_)
+        return rootGroupTypeName_;
     // The root system is the last system, or the one before it in a
     // model-reference target.
     const int rootIndex =
@@ -43,9 +51,11 @@ const std::string& CoderDataGroup::getRootGroupTypeName() const {
     for (const VarGroup* group : model_->getVarGroups()) {
         if (group->getSystemIndex() != rootIndex || group->getCoderGroupIndex() != groupIndex_) continue;
         const int typeIndex = group->getCGTypeIndex();
-        const VelCGType* type = typeIndex < 0 ? nullptr : model_->getVelCGType(static_cast<unsigned>(typeIndex));
+        const VelCGType* type =
+            typeIndex < 0 ? nullptr : model_->getVelCGType(static_cast<unsigned>(typeIndex));
         if (!type)
-            throwIndexOutOfRange("the model's code-generation types", typeIndex, model_->getVelCGTypes().size());
+            throwIndexOutOfRange("the model's code-generation types", typeIndex,
+                                 model_->getVelCGTypes().size());
         found = &type->getName();
     }
     if (found) rootGroupTypeName_ = *found;

@@ -19,6 +19,8 @@ tuvArrayPtr DataInterfaceRecord::getDataInterfaceAsTuvArray() const {
 
 DataInterfaceRecordKorb::~DataInterfaceRecordKorb() = default;
 
-const char* DataInterfaceRecordKorb::getFullyQualifiedKorbTypeName() const { return "VelCG.DataInterfaceRecord"; }
+const char* DataInterfaceRecordKorb::getFullyQualifiedKorbTypeName() const {
+    return "VelCG.DataInterfaceRecord";
+}
 
 } // namespace VelCG

@@ -19,14 +19,18 @@ void ExternalInput::setStructAlignment(int alignment) { structAlignment_ = align
 
 std::string ExternalInput::getRecordIdentifier() const {
     if (!model_ || varGroupIndex_ == -1) return identifier_;
-    const VarGroup* group = varGroupIndex_ < 0 ? nullptr : model_->getVarGroup(static_cast<unsigned>(varGroupIndex_));
-    if (!group) throwIndexOutOfRange("the model's variable groups", varGroupIndex_, model_->getVarGroups().size());
+    const VarGroup* group =
+        varGroupIndex_ < 0 ? nullptr : model_->getVarGroup(static_cast<unsigned>(varGroupIndex_));
+    if (!group)
+        throwIndexOutOfRange("the model's variable groups", varGroupIndex_, model_->getVarGroups().size());
     const int typeIndex = group->getCGTypeIndex();
     const VelCGType* type = typeIndex < 0 ? nullptr : model_->getVelCGType(static_cast<unsigned>(typeIndex));
-    if (!type) throwIndexOutOfRange("the model's code-generation types", typeIndex, model_->getVelCGTypes().size());
+    if (!type)
+        throwIndexOutOfRange("the model's code-generation types", typeIndex, model_->getVelCGTypes().size());
     const auto& members = type->getMembers();
     if (varGroupMemberIndex_ < 0 || static_cast<std::size_t>(varGroupMemberIndex_) >= members.size())
-        throwIndexOutOfRange("the members of type '" + type->getName() + "'", varGroupMemberIndex_, members.size());
+        throwIndexOutOfRange("the members of type '" + type->getName() + "'", varGroupMemberIndex_,
+                             members.size());
     return members[static_cast<std::size_t>(varGroupMemberIndex_)]->getName();
 }
 

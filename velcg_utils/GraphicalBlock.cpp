@@ -27,9 +27,12 @@ const char* GraphicalBlock::getFullyQualifiedKorbTypeName() const { return "VelC
 
 const char* GraphicalBlock::getStringForBlockVirtuality(BlockVirtuality virtuality) {
     switch (virtuality) {
-    case BlockVirtuality::NonVirtual: return "NonVirtual";
-    case BlockVirtuality::Virtual: return "Virtual";
-    case BlockVirtuality::PostCompileVirtual: return "PostCompileVirtual";
+        case BlockVirtuality::NonVirtual:
+            return "NonVirtual";
+        case BlockVirtuality::Virtual:
+            return "Virtual";
+        case BlockVirtuality::PostCompileVirtual:
+            return "PostCompileVirtual";
     }
     return "";
 }
@@ -46,10 +49,14 @@ bool GraphicalBlock::getIsProtectedModelBlock() const { return impl_->getIsProte
 BlockVirtuality GraphicalBlock::getVirtual() { return impl_->getVirtual(); }
 const std::vector<Port*>& GraphicalBlock::getDataInputPorts() const { return impl_->getDataInputPorts(); }
 const std::vector<Port*>& GraphicalBlock::getDataOutputPorts() const { return impl_->getDataOutputPorts(); }
-const std::vector<Port*>& GraphicalBlock::getControlInputPorts() const { return impl_->getControlInputPorts(); }
+const std::vector<Port*>& GraphicalBlock::getControlInputPorts() const {
+    return impl_->getControlInputPorts();
+}
 int GraphicalBlock::getNumFcnCallOutputPorts() const { return impl_->getNumFcnCallOutputPorts(); }
 const std::vector<Parameter*>& GraphicalBlock::getParameters() const { return impl_->getParameters(); }
-const std::vector<State*>& GraphicalBlock::getContinuousStates() const { return impl_->getContinuousStates(); }
+const std::vector<State*>& GraphicalBlock::getContinuousStates() const {
+    return impl_->getContinuousStates();
+}
 const std::vector<State*>& GraphicalBlock::getDerivatives() const { return impl_->getDerivatives(); }
 const std::vector<DataInterfaceRecord*>& GraphicalBlock::getDiscreteStates() const {
     return impl_->getDiscreteStates();
@@ -76,9 +83,12 @@ tuvArrayPtr GraphicalBlock::getDiscreteStatesAsTuvArray() const {
     return getDataInterfaceRecordsListAsTuvArray(getDiscreteStates());
 }
 
-tuvArrayPtr GraphicalBlock::getDWorksAsTuvArray() const { return getDataInterfaceRecordsListAsTuvArray(getDWorks()); }
+tuvArrayPtr GraphicalBlock::getDWorksAsTuvArray() const {
+    return getDataInterfaceRecordsListAsTuvArray(getDWorks());
+}
 
-tuvArrayPtr GraphicalBlock::getDataInterfaceRecordsListAsTuvArray(const std::vector<DataInterfaceRecord*>& records) {
+tuvArrayPtr GraphicalBlock::getDataInterfaceRecordsListAsTuvArray(
+    const std::vector<DataInterfaceRecord*>& records) {
     tuvArrayPtr cells = tuvArray::cell(records.size(), 1);
     for (std::size_t i = 0; i < records.size(); ++i) cells->setCell(i, hostValueOf(records[i]));
     return cells;

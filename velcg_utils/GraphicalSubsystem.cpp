@@ -1,10 +1,9 @@
 #include "velcg/GraphicalSubsystem.hpp"
 
+#include "OwnedList.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/ModelDiagnostics.hpp"
-
-#include "OwnedList.hpp"
 
 namespace VelCG {
 
@@ -14,16 +13,26 @@ const char* GraphicalSubsystem::getFullyQualifiedKorbTypeName() const { return "
 
 const char* GraphicalSubsystem::getStringForSubsystemType(GraphicalSubsystemType type) {
     switch (type) {
-    case GraphicalSubsystemType::Root: return "root";
-    case GraphicalSubsystemType::Virtual: return "virtual";
-    case GraphicalSubsystemType::Atomic: return "atomic";
-    case GraphicalSubsystemType::Enabled: return "enabled";
-    case GraphicalSubsystemType::Trigger: return "trigger";
-    case GraphicalSubsystemType::EnableTrigger: return "enabletrigger";
-    case GraphicalSubsystemType::FcnCall: return "fcncall";
-    case GraphicalSubsystemType::Action: return "action";
-    case GraphicalSubsystemType::Iterator: return "iterator";
-    case GraphicalSubsystemType::Unknown: return "unknown";
+        case GraphicalSubsystemType::Root:
+            return "root";
+        case GraphicalSubsystemType::Virtual:
+            return "virtual";
+        case GraphicalSubsystemType::Atomic:
+            return "atomic";
+        case GraphicalSubsystemType::Enabled:
+            return "enabled";
+        case GraphicalSubsystemType::Trigger:
+            return "trigger";
+        case GraphicalSubsystemType::EnableTrigger:
+            return "enabletrigger";
+        case GraphicalSubsystemType::FcnCall:
+            return "fcncall";
+        case GraphicalSubsystemType::Action:
+            return "action";
+        case GraphicalSubsystemType::Iterator:
+            return "iterator";
+        case GraphicalSubsystemType::Unknown:
+            return "unknown";
     }
     return "";
 }

@@ -36,7 +36,8 @@ void checkReplacement(const std::vector<T*>& current, const std::vector<T*>& giv
         if (!element) throwNullArgument(what);
         if (!seen.insert(element).second) throwInvalidOwnership(what + " is given twice.");
         if (!currentAllowed && std::find(current.begin(), current.end(), element) != current.end())
-            throwInvalidOwnership(what + " of the new list is a current one, which would be deleted before use.");
+            throwInvalidOwnership(what +
+                                  " of the new list is a current one, which would be deleted before use.");
     }
 }
 

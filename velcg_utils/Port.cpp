@@ -1,13 +1,12 @@
 #include "velcg/Port.hpp"
 
+#include "OwnedList.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/Region.hpp"
-
-#include "OwnedList.hpp"
 
 namespace VelCG {
 
@@ -36,7 +35,8 @@ const Port* Port::getGraphicalSource() const {
 
     const auto& subsystems = model_->getBlockHierarchyMap()->getSubsystems();
     if (srcSubsystemIdx_ < 0 || static_cast<std::size_t>(srcSubsystemIdx_) >= subsystems.size())
-        throwIndexOutOfRange("the subsystems of the block hierarchy map", srcSubsystemIdx_, subsystems.size());
+        throwIndexOutOfRange("the subsystems of the block hierarchy map", srcSubsystemIdx_,
+                             subsystems.size());
     const auto& blocks = subsystems[static_cast<std::size_t>(srcSubsystemIdx_)]->getBlocks();
     if (srcBlockIdx_ < 0 || static_cast<std::size_t>(srcBlockIdx_) >= blocks.size())
         throwIndexOutOfRange("the blocks of subsystem " + std::to_string(srcSubsystemIdx_), srcBlockIdx_,

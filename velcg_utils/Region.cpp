@@ -21,6 +21,8 @@ void Region::setGroundIsSynthesized(bool) {}
 
 void Region::setDataInterface(const CG::DataInterface* dataInterface) { dataInterface_.reset(dataInterface); }
 
-tuvArrayPtr Region::getDataInterfaceAsTuvArray() const { return CG::DataInterface::toTuvArray(dataInterface_.get()); }
+tuvArrayPtr Region::getDataInterfaceAsTuvArray() const {
+    return CG::DataInterface::toTuvArray(dataInterface_.get());
+}
 
 } // namespace VelCG

@@ -1,11 +1,10 @@
 #include "velcg/StoredGraphicalBlock.hpp"
 
+#include "OwnedList.hpp"
 #include "velcg/DataInterfaceRecord.hpp"
 #include "velcg/Parameter.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/State.hpp"
-
-#include "OwnedList.hpp"
 
 namespace VelCG {
 

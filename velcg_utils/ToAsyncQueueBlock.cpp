@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "velcg/ModelDiagnostics.hpp"
-
 #include "OwnedList.hpp"
+#include "velcg/ModelDiagnostics.hpp"
 
 namespace VelCG {
 
@@ -27,7 +26,8 @@ void ToAsyncQueueBlock::checkLeaf(const ToAsyncQueueBlock* leaf) const {
     // A record that is, or holds, this one would make the bus own itself and
     // be deleted twice.
     if (leaf == this || leaf->holds(this))
-        throwInvalidOwnership("An async-queue block cannot be a leaf element of itself or of its own leaves.");
+        throwInvalidOwnership(
+            "An async-queue block cannot be a leaf element of itself or of its own leaves.");
 }
 
 void ToAsyncQueueBlock::addLeafElement(ToAsyncQueueBlock* leaf) {

@@ -8,14 +8,28 @@ const char* VarGroup::getFullyQualifiedKorbTypeName() const { return "VelCG.VarG
 
 const char* VarGroup::getStringforCategory(VarGroupEnum category) {
     static const char* const kNames[] = {
-        "ExternalInput",  "ExternalOutput",  "ExternalInputSize",      "BlockIO",
-        "ConstBlockIO",   "DWork",           "ExternalOutputSize",     "Parameter",
-        "ConstParameter", "ConstParameterWithInit", "ContStates",      "ContStatesDisabled",
-        "ContStatesDerivative", "ContStatesAbsoluteTolerance", "ZCSV", "ZCEvent",
-        "MachineLocalData", "Self",
+        "ExternalInput",
+        "ExternalOutput",
+        "ExternalInputSize",
+        "BlockIO",
+        "ConstBlockIO",
+        "DWork",
+        "ExternalOutputSize",
+        "Parameter",
+        "ConstParameter",
+        "ConstParameterWithInit",
+        "ContStates",
+        "ContStatesDisabled",
+        "ContStatesDerivative",
+        "ContStatesAbsoluteTolerance",
+        "ZCSV",
+        "ZCEvent",
+        "MachineLocalData",
+        "Self",
     };
     const auto value = static_cast<std::int32_t>(category);
-    if (value >= 0 && value < static_cast<std::int32_t>(sizeof kNames / sizeof kNames[0])) return kNames[value];
+    if (value >= 0 && value < static_cast<std::int32_t>(sizeof kNames / sizeof kNames[0]))
+        return kNames[value];
     if (category == VarGroupEnum::HierarchicalCoderData) return "HierarchicalCoderData";
     return "";
 }

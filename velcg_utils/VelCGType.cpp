@@ -1,13 +1,12 @@
 #include "velcg/VelCGType.hpp"
 
 #include "CG/Type.hpp"
+#include "OwnedList.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGTypeMember.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/VelType.hpp"
-
-#include "OwnedList.hpp"
 
 namespace VelCG {
 
@@ -19,7 +18,8 @@ namespace {
 
 template <class T>
 const T* elementAt(const std::vector<T*>& list, int index, const char* what) {
-    if (index < 0 || static_cast<std::size_t>(index) >= list.size()) throwIndexOutOfRange(what, index, list.size());
+    if (index < 0 || static_cast<std::size_t>(index) >= list.size())
+        throwIndexOutOfRange(what, index, list.size());
     return list[static_cast<std::size_t>(index)];
 }
 
@@ -49,7 +49,9 @@ void VelCGType::setEmbeddedTypeFromCGType(const CG::Type& irType) {
     embeddedType_.reset(CG::EmbeddedType::createFromIRType(irType), false);
 }
 
-tuvArrayPtr VelCGType::getEmbeddedTypeAsTuvArray() const { return CG::EmbeddedType::toTuvArray(embeddedType_.get()); }
+tuvArrayPtr VelCGType::getEmbeddedTypeAsTuvArray() const {
+    return CG::EmbeddedType::toTuvArray(embeddedType_.get());
+}
 
 void VelCGType::setEmbeddedTypeFromTuvArray(const tuvArray&) {}
 
@@ -73,7 +75,8 @@ const std::string& VelCGType::getContainerTypeName() const {
             continue;
         }
         if (current->constructor_ == "complex") {
-            const VelCGType* base = elementAt(cgTypes, current->baseIndex_, "the model's code-generation types");
+            const VelCGType* base =
+                elementAt(cgTypes, current->baseIndex_, "the model's code-generation types");
             if (base->velTypeIndex_ < 0) throwInvalidVelType();
             return elementAt(velTypes, base->velTypeIndex_, "the model's data types")->getComplexName();
         }

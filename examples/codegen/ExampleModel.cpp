@@ -7,8 +7,8 @@
 #include "velcg/CGTypeMember.hpp"
 #include "velcg/ExternalInput.hpp"
 #include "velcg/GraphicalBlock.hpp"
-#include "velcg/Parameter.hpp"
 #include "velcg/ModelParameter.hpp"
+#include "velcg/Parameter.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/Region.hpp"
 #include "velcg/StoredDataInterfaceRecord.hpp"
@@ -83,8 +83,8 @@ std::unique_ptr<Port> port(const CGModel& model, const std::string& source, cons
     return p;
 }
 
-std::unique_ptr<StoredGraphicalBlock> block(const CGModel& model, const std::wstring& name, const std::wstring& type,
-                                            const std::wstring& sid) {
+std::unique_ptr<StoredGraphicalBlock> block(const CGModel& model, const std::wstring& name,
+                                            const std::wstring& type, const std::wstring& sid) {
     auto b = std::make_unique<StoredGraphicalBlock>(name);
     b->setVelName(name);
     b->setType(type);
@@ -120,7 +120,8 @@ std::unique_ptr<CGModel> buildGainModel() {
               *CG::Type::structure("gain_model_Outputs", {{"Out1", real}}));
     addCGType(*model, "gain_model_State", -1, {{"delay_state", kReal}},
               *CG::Type::structure("gain_model_State", {{"delay_state", real}}));
-    addCGType(*model, "gain_model_Params", -1, {{"K", kReal}}, *CG::Type::structure("gain_model_Params", {{"K", real}}));
+    addCGType(*model, "gain_model_Params", -1, {{"K", kReal}},
+              *CG::Type::structure("gain_model_Params", {{"K", real}}));
 
     auto root = std::make_unique<RootSystem>();
     root->setIdentifier("gain_model");
@@ -133,7 +134,8 @@ std::unique_ptr<CGModel> buildGainModel() {
     model->addFunctionForSystem("gain_model_initialize", rootSystem);
 
     addVarGroup(*model, VarGroupEnum::ExternalInput, "gain_model_Inputs", "gain_model_In", kExtU, {"In1"});
-    addVarGroup(*model, VarGroupEnum::ExternalOutput, "gain_model_Outputs", "gain_model_Out", kExtY, {"Out1"});
+    addVarGroup(*model, VarGroupEnum::ExternalOutput, "gain_model_Outputs", "gain_model_Out", kExtY,
+                {"Out1"});
     addVarGroup(*model, VarGroupEnum::DWork, "gain_model_State", "gain_model_X", kDW, {"delay_state"});
     addVarGroup(*model, VarGroupEnum::Parameter, "gain_model_Params", "gain_model_Prm", kP, {"K"});
 

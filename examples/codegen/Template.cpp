@@ -61,7 +61,9 @@ public:
         tuvArrayPtr value = get(name);
         if (value->className() != "coder.DataInterface")
             throw std::runtime_error("property " + name + " holds no data interface");
-        return static_cast<const CG::DataInterface*>(value->opaquePayload().get())->getDescription().identifier;
+        return static_cast<const CG::DataInterface*>(value->opaquePayload().get())
+            ->getDescription()
+            .identifier;
     }
 
 private:
@@ -141,14 +143,16 @@ void runTemplates(VelCG::CGModel& model, VelCG::VelCGFileRepository& repository)
     // itself, before the include guard closes.
     VelCG::CustomContents& typeExtras = repository.getFileList()[kTypes]->getCustomContent();
     bridge.addCustomSection(kTypes, "Types", "SignalTypes");
-    typeExtras.addContentToSection("SignalTypes", "\n/* Signal types */\ntypedef real_T " + name + "_signal_T;\n");
+    typeExtras.addContentToSection("SignalTypes",
+                                   "\n/* Signal types */\ntypedef real_T " + name + "_signal_T;\n");
     out.add(kTypes, "Typedefs", typeExtras.getCustomSectionContent("SignalTypes", "the data types header"));
     out.add(kTypes, "Typedefs", "\n#endif\n");
 
     // Global data: one structure instance per variable group.
     std::string inputVar, outputVar, gainVar;
     for (const auto& g : m.list("VarGroups")) {
-        const std::string type = g.str("Name"), instance = g.str("NonreusedName"), category = g.str("Category");
+        const std::string type = g.str("Name"), instance = g.str("NonreusedName"),
+                          category = g.str("Category");
         out.add(kHeader, "ExternData", "extern " + type + " " + instance + ";  /* " + category + " */\n");
         out.add(kSource, "Declarations", type + " " + instance + ";\n");
         if (category == "ExternalInput") inputVar = instance + "." + g.strings("Elements").at(0);
@@ -185,8 +189,9 @@ void runTemplates(VelCG::CGModel& model, VelCG::VelCGFileRepository& repository)
         const std::string init = system.str("StartFcn"), step = system.str("OutputUpdateFcn");
         out.add(kHeader, "FcnPrototypes", "\nvoid " + init + "(void);\nvoid " + step + "(void);\n");
         out.add(kSource, "Functions", "\nvoid " + init + "(void)\n{\n" + initialize + "}\n");
-        out.add(kSource, "Functions",
-                "\nvoid " + step + "(void)\n{\n" + locals + outputs + "\n    /* Update */\n" + updates + "}\n");
+        out.add(
+            kSource, "Functions",
+            "\nvoid " + step + "(void)\n{\n" + locals + outputs + "\n    /* Update */\n" + updates + "}\n");
     }
 
     // The module header and source.
@@ -206,14 +211,24 @@ void runTemplates(VelCG::CGModel& model, VelCG::VelCGFileRepository& repository)
     out.add(kMain, "Functions",
             "\nint main(int argc, char** argv)\n{\n"
             "    int steps = argc > 1 ? atoi(argv[1]) : 5;\n"
-            "    " + gainVar + " = argc > 2 ? atof(argv[2]) : 2.0;\n"
-            "    " + name + "_initialize();\n"
-            "    for (int i = 0; i < steps; ++i) {\n"
-            "        " + inputVar + " = 1.0;\n"
-            "        " + name + "_step();\n"
-            "        printf(\"step %d: Out1 = %g\\n\", i + 1, " + outputVar + ");\n"
-            "    }\n"
-            "    return 0;\n}\n");
+            "    " +
+                gainVar +
+                " = argc > 2 ? atof(argv[2]) : 2.0;\n"
+                "    " +
+                name +
+                "_initialize();\n"
+                "    for (int i = 0; i < steps; ++i) {\n"
+                "        " +
+                inputVar +
+                " = 1.0;\n"
+                "        " +
+                name +
+                "_step();\n"
+                "        printf(\"step %d: Out1 = %g\\n\", i + 1, " +
+                outputVar +
+                ");\n"
+                "    }\n"
+                "    return 0;\n}\n");
 }
 
 std::vector<WrittenFile> writeFiles(VelCG::VelCGFileRepository& repository, const std::string& directory) {
@@ -224,7 +239,8 @@ std::vector<WrittenFile> writeFiles(VelCG::VelCGFileRepository& repository, cons
         std::FILE* stream = std::fopen(path.c_str(), "wb");
         if (!stream) throw std::runtime_error("cannot open " + path + " for writing");
         for (int kind = VelCG::BANNER_SECTION; kind <= VelCG::USERBOTTOM_SECTION; ++kind) {
-            std::string section = VelCG::getScrivSectionNameFromEnum(static_cast<VelCG::VelCGFileSectionKind>(kind));
+            std::string section =
+                VelCG::getScrivSectionNameFromEnum(static_cast<VelCG::VelCGFileSectionKind>(kind));
             if (section.empty()) continue;
             bridge.appendMissingTokens(i, section);
             bridge.writeSection(i, section, stream);

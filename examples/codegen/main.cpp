@@ -31,10 +31,11 @@ int main(int argc, char** argv) {
         example::runTemplates(*model, repository);
         std::vector<example::WrittenFile> files = example::writeFiles(repository, directory);
 
-        std::printf("Model gain_model: %zu system(s), %zu code-generation types, %zu variable groups, "
-                    "%zu block(s)\n",
-                    model->getSystems().size(), model->getVelCGTypes().size(), model->getVarGroups().size(),
-                    model->getBlockHierarchyMap()->getSubsystems().at(0)->getBlocks().size());
+        std::printf(
+            "Model gain_model: %zu system(s), %zu code-generation types, %zu variable groups, "
+            "%zu block(s)\n",
+            model->getSystems().size(), model->getVelCGTypes().size(), model->getVarGroups().size(),
+            model->getBlockHierarchyMap()->getSubsystems().at(0)->getBlocks().size());
         for (const auto& f : files) std::printf("  wrote %-40s %6ld bytes\n", f.path.c_str(), f.bytes);
         PlexoTerminate_velcg();
         return 0;

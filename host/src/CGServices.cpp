@@ -80,19 +80,22 @@ Type::Ptr Type::pointer(Ptr target) {
 
 std::string Type::toString() const {
     switch (kind_) {
-    case Kind::Struct: {
-        std::string s = "struct " + name_ + " {";
-        for (const auto& f : fields_) s += " " + f.type->toString() + " " + f.name + ";";
-        return s + " }";
-    }
-    case Kind::Matrix: {
-        std::string s = base_->toString();
-        for (auto d : dimensions_) s += "[" + std::to_string(d) + "]";
-        return s;
-    }
-    case Kind::Complex: return "complex<" + base_->toString() + ">";
-    case Kind::Pointer: return base_->toString() + "*";
-    default: return name_;
+        case Kind::Struct: {
+            std::string s = "struct " + name_ + " {";
+            for (const auto& f : fields_) s += " " + f.type->toString() + " " + f.name + ";";
+            return s + " }";
+        }
+        case Kind::Matrix: {
+            std::string s = base_->toString();
+            for (auto d : dimensions_) s += "[" + std::to_string(d) + "]";
+            return s;
+        }
+        case Kind::Complex:
+            return "complex<" + base_->toString() + ">";
+        case Kind::Pointer:
+            return base_->toString() + "*";
+        default:
+            return name_;
     }
 }
 
@@ -139,7 +142,9 @@ DataInterface::DataInterface(Description description) : description_(std::move(d
 }
 DataInterface::~DataInterface() { --liveDataInterfaces; }
 
-DataInterface* DataInterface::create(Description description) { return new DataInterface(std::move(description)); }
+DataInterface* DataInterface::create(Description description) {
+    return new DataInterface(std::move(description));
+}
 
 void DataInterface::addRef() const { refs_.fetch_add(1, std::memory_order_relaxed); }
 

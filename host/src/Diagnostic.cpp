@@ -103,8 +103,10 @@ std::string MessageCatalog::format(const std::string& pattern, const std::vector
             std::size_t n = 0;
             bool numeric = close != std::string::npos && close > i + 1;
             for (std::size_t j = i + 1; numeric && j < close; ++j) {
-                if (pattern[j] < '0' || pattern[j] > '9' || n > 1000) numeric = false;
-                else n = n * 10 + static_cast<std::size_t>(pattern[j] - '0');
+                if (pattern[j] < '0' || pattern[j] > '9' || n > 1000)
+                    numeric = false;
+                else
+                    n = n * 10 + static_cast<std::size_t>(pattern[j] - '0');
             }
             if (numeric && n >= 1 && n <= arguments.size()) {
                 out += arguments[n - 1];
@@ -127,8 +129,7 @@ Diagnostic Diagnostic::fromCatalog(std::string identifier, std::vector<std::stri
     } else {
         // No text known: still say everything the caller gave.
         message = "Message " + identifier;
-        for (std::size_t i = 0; i < arguments.size(); ++i)
-            message += (i == 0 ? " (" : ", ") + arguments[i];
+        for (std::size_t i = 0; i < arguments.size(); ++i) message += (i == 0 ? " (" : ", ") + arguments[i];
         if (!arguments.empty()) message += ")";
     }
     return Diagnostic(std::move(identifier), std::move(arguments), std::move(message));

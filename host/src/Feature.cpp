@@ -36,8 +36,12 @@ int initialValueFor(const std::string& name, int defaultValue) {
 
 Feature::Feature(std::string name, std::string description, std::string group, int defaultValue,
                  std::string source)
-    : name_(std::move(name)), description_(std::move(description)), group_(std::move(group)),
-      source_(std::move(source)), default_(defaultValue), initial_(initialValueFor(name_, defaultValue)),
+    : name_(std::move(name)),
+      description_(std::move(description)),
+      group_(std::move(group)),
+      source_(std::move(source)),
+      default_(defaultValue),
+      initial_(initialValueFor(name_, defaultValue)),
       value_(initial_) {
     Registry::add(*this);
 }

@@ -116,9 +116,7 @@ double toDouble(const tuvArray& a) {
 }
 
 namespace {
-bool isText(const tuvArray& a) {
-    return a.classId() == tuvClass::Char && a.rows() <= 1;
-}
+bool isText(const tuvArray& a) { return a.classId() == tuvClass::Char && a.rows() <= 1; }
 bool isEmptyValue(const tuvArray& a) { return a.isEmpty() && a.classId() == tuvClass::Double; }
 } // namespace
 
@@ -195,7 +193,8 @@ std::vector<vel::mi::Handle*> toHandles(const tuvArray& a) {
 // ------------------------------------------------------------ class info
 
 ClassInfo::ClassInfo(std::string shortName, std::string description, Declare declare, bool isAbstract)
-    : HandleClass(std::move(shortName), std::move(description)), declare_(std::move(declare)),
+    : HandleClass(std::move(shortName), std::move(description)),
+      declare_(std::move(declare)),
       abstract_(isAbstract) {}
 
 std::unique_ptr<ClassInfo> ClassInfo::make(std::string shortName, std::string description, Declare declare,
@@ -219,7 +218,8 @@ class MixinPackage final : public PackageInfo {
 public:
     const char* getName() const override { return "plexo.mixin"; }
     void registerClasses(ObjectSystem& system) override {
-        system.registerClass(ClassInfo::make("Heterogeneous", "Mixin for heterogeneous arrays", nullptr, true));
+        system.registerClass(
+            ClassInfo::make("Heterogeneous", "Mixin for heterogeneous arrays", nullptr, true));
     }
 };
 } // namespace
@@ -311,7 +311,8 @@ std::vector<std::string> ObjectSystem::getPackageNames() const {
     return impl_->packageOrder;
 }
 
-std::vector<const vel::mi::HandleClass*> ObjectSystem::getPackageClasses(const std::string& packageName) const {
+std::vector<const vel::mi::HandleClass*> ObjectSystem::getPackageClasses(
+    const std::string& packageName) const {
     std::lock_guard lock(impl_->mutex);
     std::vector<const vel::mi::HandleClass*> out;
     auto it = impl_->classOrder.find(packageName);
@@ -331,7 +332,8 @@ vel::mi::Handle& live(const vel::mi::HandleRef& ref) {
 
 // The class chain of a class, most derived first. Bounded so that a cycle
 // of superclass names cannot loop forever.
-std::vector<const vel::mi::HandleClass*> chainOf(const ObjectSystem& system, const vel::mi::HandleClass& cls) {
+std::vector<const vel::mi::HandleClass*> chainOf(const ObjectSystem& system,
+                                                 const vel::mi::HandleClass& cls) {
     std::vector<const vel::mi::HandleClass*> chain{&cls};
     while (chain.size() < 64 && !chain.back()->getSuperclassName().empty()) {
         const auto* super = system.findClass(chain.back()->getSuperclassName());
@@ -377,13 +379,15 @@ std::vector<std::string> memberNames(const std::vector<const vel::mi::HandleClas
 } // namespace
 
 std::vector<std::string> Client::getPropertyNames(const vel::mi::Handle& object) const {
-    return memberNames(chainOf(system_, classOf(object)),
-                       [](const vel::mi::HandleClass& c) -> const auto& { return c.getProperties(); });
+    return memberNames(
+        chainOf(system_, classOf(object)),
+        [](const vel::mi::HandleClass& c) -> const auto& { return c.getProperties(); });
 }
 
 std::vector<std::string> Client::getMethodNames(const vel::mi::Handle& object) const {
-    return memberNames(chainOf(system_, classOf(object)),
-                       [](const vel::mi::HandleClass& c) -> const auto& { return c.getMethods(); });
+    return memberNames(
+        chainOf(system_, classOf(object)),
+        [](const vel::mi::HandleClass& c) -> const auto& { return c.getMethods(); });
 }
 
 bool Client::hasProperty(const vel::mi::Handle& object, const std::string& name) const {
@@ -426,7 +430,8 @@ Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string&
     return findProperty(object, name).getter->getValue(object);
 }
 
-void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name, const tuvArray& value) const {
+void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
+                         const tuvArray& value) const {
     vel::mi::Handle& object = live(ref);
     const auto& prop = findProperty(object, name);
     const std::string& cls = classOf(object).getQualifiedName();

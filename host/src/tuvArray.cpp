@@ -10,15 +10,24 @@ using Storage8 = std::vector<std::uint8_t>;
 
 const char* tuvClassName(tuvClass c) {
     switch (c) {
-    case tuvClass::Logical: return "logical";
-    case tuvClass::Int32: return "int32";
-    case tuvClass::UInt32: return "uint32";
-    case tuvClass::Int64: return "int64";
-    case tuvClass::Double: return "double";
-    case tuvClass::Char: return "char";
-    case tuvClass::Cell: return "cell";
-    case tuvClass::Object: return "handle";
-    case tuvClass::Opaque: return "opaque";
+        case tuvClass::Logical:
+            return "logical";
+        case tuvClass::Int32:
+            return "int32";
+        case tuvClass::UInt32:
+            return "uint32";
+        case tuvClass::Int64:
+            return "int64";
+        case tuvClass::Double:
+            return "double";
+        case tuvClass::Char:
+            return "char";
+        case tuvClass::Cell:
+            return "cell";
+        case tuvClass::Object:
+            return "handle";
+        case tuvClass::Opaque:
+            return "opaque";
     }
     return "unknown";
 }
@@ -88,8 +97,7 @@ const T& tuvArray::storage(tuvClass c) const {
 }
 
 void tuvArray::requireScalar() const {
-    if (!isScalar())
-        vel::diag::throwError("tuv:NotScalar", {std::to_string(rows_), std::to_string(cols_)});
+    if (!isScalar()) vel::diag::throwError("tuv:NotScalar", {std::to_string(rows_), std::to_string(cols_)});
 }
 
 bool tuvArray::logicalValue() const {
@@ -122,12 +130,18 @@ double tuvArray::numericAt(std::size_t i) const {
     if (i >= numel())
         vel::diag::throwError("tuv:IndexOutOfRange", {std::to_string(i + 1), std::to_string(numel())});
     switch (class_) {
-    case tuvClass::Logical: return std::get<Storage8>(data_)[i];
-    case tuvClass::Int32: return std::get<std::vector<std::int32_t>>(data_)[i];
-    case tuvClass::UInt32: return std::get<std::vector<std::uint32_t>>(data_)[i];
-    case tuvClass::Int64: return static_cast<double>(std::get<std::vector<std::int64_t>>(data_)[i]);
-    case tuvClass::Double: return std::get<std::vector<double>>(data_)[i];
-    default: vel::diag::throwError("tuv:WrongClass", {"numeric", className()});
+        case tuvClass::Logical:
+            return std::get<Storage8>(data_)[i];
+        case tuvClass::Int32:
+            return std::get<std::vector<std::int32_t>>(data_)[i];
+        case tuvClass::UInt32:
+            return std::get<std::vector<std::uint32_t>>(data_)[i];
+        case tuvClass::Int64:
+            return static_cast<double>(std::get<std::vector<std::int64_t>>(data_)[i]);
+        case tuvClass::Double:
+            return std::get<std::vector<double>>(data_)[i];
+        default:
+            vel::diag::throwError("tuv:WrongClass", {"numeric", className()});
     }
 }
 

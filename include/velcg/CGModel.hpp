@@ -16,8 +16,8 @@
 #include "velcg/CGModelCPPConfig.hpp"
 #include "velcg/ChildCoderGroupMgr.hpp"
 #include "velcg/Export.hpp"
-#include "velcg/FilePackagingFormat.hpp"
 #include "velcg/FPCIOMap.hpp"
+#include "velcg/FilePackagingFormat.hpp"
 
 namespace CG {
 class Type;
@@ -115,9 +115,13 @@ public:
     std::vector<DataInterfaceRecord*>& getExternalBlockOutputs() { return externalBlockOutputs_; }
     const std::vector<DataInterfaceRecord*>& getDWorks() const { return dWorks_; }
     std::vector<DataInterfaceRecord*>& getDWorks() { return dWorks_; }
-    const std::vector<DataInterfaceRecord*>& getExternalInputInterfaces() const { return externalInputInterfaces_; }
+    const std::vector<DataInterfaceRecord*>& getExternalInputInterfaces() const {
+        return externalInputInterfaces_;
+    }
     std::vector<DataInterfaceRecord*>& getExternalInputInterfaces() { return externalInputInterfaces_; }
-    const std::vector<DataInterfaceRecord*>& getExternalOutputInterfaces() const { return externalOutputInterfaces_; }
+    const std::vector<DataInterfaceRecord*>& getExternalOutputInterfaces() const {
+        return externalOutputInterfaces_;
+    }
     std::vector<DataInterfaceRecord*>& getExternalOutputInterfaces() { return externalOutputInterfaces_; }
 
     // Index lookups: null at or past the end, never throw.
@@ -208,8 +212,8 @@ public:
     ChildCoderGroupMgr& getChildCoderGroupManager() { return childCoderGroupManager_; }
 
 private:
-    static const DataInterfaceRecord* getDataInterfaceRecordByIndex(unsigned int index,
-                                                                    const std::vector<DataInterfaceRecord*>& list);
+    static const DataInterfaceRecord* getDataInterfaceRecordByIndex(
+        unsigned int index, const std::vector<DataInterfaceRecord*>& list);
 
     std::vector<System*> systems_;
     std::vector<VelCGType*> velCGTypes_;

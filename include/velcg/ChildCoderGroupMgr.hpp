@@ -30,7 +30,8 @@ public:
     // destroying) an earlier group of that name. A null group is refused.
     void setChildCoderGroup(vel::i18n::ustring childModel, std::unique_ptr<CoderDataGroup> group);
     // Null when the model or the group is unknown.
-    const CoderDataGroup* getChildCoderGroup(vel::i18n::ustring childModel, const std::string& groupName) const;
+    const CoderDataGroup* getChildCoderGroup(vel::i18n::ustring childModel,
+                                             const std::string& groupName) const;
     // Empty for an unknown model; otherwise in the manager's iteration order.
     std::vector<std::string> getChildCoderGroupNames(const vel::i18n::ustring& childModel) const;
     // The first self group of the child model, or an empty string.

@@ -13,7 +13,8 @@ class VELCG_API ChildCoderGroupVarInfo {
 public:
     ChildCoderGroupVarInfo() = default;
     ChildCoderGroupVarInfo(std::string typeName, std::string varName, int compiledModelBlockIndex)
-        : typeName_(std::move(typeName)), varName_(std::move(varName)),
+        : typeName_(std::move(typeName)),
+          varName_(std::move(varName)),
           compiledModelBlockIndex_(compiledModelBlockIndex) {}
 
     // The child group's root group type name.

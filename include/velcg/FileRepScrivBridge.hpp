@@ -112,8 +112,7 @@ private:
 
     // Section handlers, bound per kind.
     const std::string& getFileSectionContent(const VelCGFile& file, VelCGFileSectionKind kind) const;
-    void addFileCustomSection(VelCGFile& file, const char* customSectionName,
-                              VelCGFileSectionKind kind);
+    void addFileCustomSection(VelCGFile& file, const char* customSectionName, VelCGFileSectionKind kind);
     void appendFileSectionTokens(VelCGFile& file, VelCGFileSectionKind kind);
     void writeFileSectionToDisk(VelCGFile& file, std::FILE* stream, VelCGFileSectionKind kind) const;
     void addFileSectionContent(VelCGFile& file, const boost::shared_ptr<FileSectionFragment>& fragment,

@@ -71,7 +71,8 @@ public:
     tuvArrayPtr getDWorksAsTuvArray() const;
 
 private:
-    static tuvArrayPtr getDataInterfaceRecordsListAsTuvArray(const std::vector<DataInterfaceRecord*>& records);
+    static tuvArrayPtr getDataInterfaceRecordsListAsTuvArray(
+        const std::vector<DataInterfaceRecord*>& records);
 
     GraphicalBlockIF* impl_;
     const GraphicalSubsystem* parentSubsystem_ = nullptr;

@@ -55,7 +55,9 @@ public:
     bool isTunable() const { return impl_->isTunable(); }
     bool isPseudoWorkspaceVar() const { return impl_->isPseudoWorkspaceVar(); }
     const GraphicalBlock* getGraphicalSource() const { return impl_->getGraphicalSource(); }
-    const std::vector<GraphicalBlock*>& getGraphicalReferences() const { return impl_->getGraphicalReferences(); }
+    const std::vector<GraphicalBlock*>& getGraphicalReferences() const {
+        return impl_->getGraphicalReferences();
+    }
     const CG::DataInterface* getDataInterface() const { return impl_->getDataInterface(); }
     // The data interface as a host value; empty when there is none.
     tuvArrayPtr getDataInterfaceAsTuvArray() const;

@@ -10,12 +10,12 @@ extern "C" {
 
 // The record returned by QueryPlexoFcnTable_velcg.
 struct PlexoFcnTable {
-    std::uint32_t structSize;   // sizeof(PlexoFcnTable), for version checks
-    std::uint32_t abiVersion;   // 1
-    const char* moduleName;     // "velcg"
-    const char* packageName;    // "VelCG"
-    void (*initialize)();       // PlexoInitialize_velcg
-    void (*terminate)();        // PlexoTerminate_velcg
+    std::uint32_t structSize; // sizeof(PlexoFcnTable), for version checks
+    std::uint32_t abiVersion; // 1
+    const char* moduleName;   // "velcg"
+    const char* packageName;  // "VelCG"
+    void (*initialize)();     // PlexoInitialize_velcg
+    void (*terminate)();      // PlexoTerminate_velcg
 };
 
 // Registers the package "VelCG" with the host object system. Only the first

@@ -15,7 +15,8 @@ class VELCG_API StoredDataInterfaceRecord : public DataInterfaceRecordImpl {
 public:
     StoredDataInterfaceRecord() = default;
     // Holds a reference of its own; the caller keeps its reference.
-    explicit StoredDataInterfaceRecord(const CG::DataInterface* dataInterface) : dataInterface_(dataInterface) {}
+    explicit StoredDataInterfaceRecord(const CG::DataInterface* dataInterface)
+        : dataInterface_(dataInterface) {}
     ~StoredDataInterfaceRecord() override;
 
     bool hasDataInterface() const override { return dataInterface_ != nullptr; }

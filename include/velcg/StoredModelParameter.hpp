@@ -28,7 +28,9 @@ public:
     bool isTunable() const override { return isTunable_; }
     bool isPseudoWorkspaceVar() const override { return isPseudoWorkspaceVar_; }
     const GraphicalBlock* getGraphicalSource() const override { return graphicalSource_; }
-    const std::vector<GraphicalBlock*>& getGraphicalReferences() const override { return graphicalReferences_; }
+    const std::vector<GraphicalBlock*>& getGraphicalReferences() const override {
+        return graphicalReferences_;
+    }
     const CG::DataInterface* getDataInterface() const override { return dataInterface_.get(); }
 
     void setName(const std::wstring& value) { name_ = value; }

@@ -57,7 +57,9 @@ public:
     const FileSection& getCompilerErrorsSection() const { return getFileSection(COMPILER_ERRORS_SECTION); }
     FileSection* korb_getCompilerErrorsSection() { return &getFileSection(COMPILER_ERRORS_SECTION); }
     FileSection& getCompilerWarningsSection() { return getFileSection(COMPILER_WARNINGS_SECTION); }
-    const FileSection& getCompilerWarningsSection() const { return getFileSection(COMPILER_WARNINGS_SECTION); }
+    const FileSection& getCompilerWarningsSection() const {
+        return getFileSection(COMPILER_WARNINGS_SECTION);
+    }
     FileSection* korb_getCompilerWarningsSection() { return &getFileSection(COMPILER_WARNINGS_SECTION); }
 };
 

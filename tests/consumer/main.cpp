@@ -20,12 +20,14 @@ int main() {
     model.addVarGroup(std::move(group));
     korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
     auto groups = client.getProperty(*client.wrap(model), "VarGroups");
-    std::string category = client.getProperty(*tuvArray::objects({groups->handles().at(0)}), "Category")->toUtf8();
+    std::string category =
+        client.getProperty(*tuvArray::objects({groups->handles().at(0)}), "Category")->toUtf8();
 
     VelCG::VelCGFileRepository repository;
     repository.createGenericFile("consumer.c");
     repository.scrivBridge().addSectionContent(
-        0, "Functions", boost::make_shared<VelCG::StringFileSectionFragment>("int answer(void) { return 42; }\n"));
+        0, "Functions",
+        boost::make_shared<VelCG::StringFileSectionFragment>("int answer(void) { return 42; }\n"));
     std::string text = repository.scrivBridge().getStringAttribute(0, "Functions");
 
     std::printf("velcg consumer: %zu classes; group category %s; Functions section: %s", classes,

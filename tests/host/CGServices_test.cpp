@@ -39,8 +39,12 @@ TEST(CGType, RefusesMalformedTypes) {
         [] { Type::complex(nullptr); },
         [] { Type::pointer(nullptr); },
         [&] { Type::matrix(i32, {-1}); },
-        [&] { Type::structure("S", {{"a", i32}, {"a", i32}}); },
-        [] { Type::structure("S", {{"a", nullptr}}); },
+        [&] {
+            Type::structure("S", {{"a", i32}, {"a", i32}});
+        },
+        [] {
+            Type::structure("S", {{"a", nullptr}});
+        },
     };
     for (const auto& f : bad) {
         try {
@@ -73,13 +77,15 @@ TEST(EmbeddedType, ReferencesAreCountedAcrossOwnersAndHostValues) {
 
 TEST(DataInterface, ReferencesAreCountedAcrossOwnersAndHostValues) {
     long before = CG::DataInterface::liveCount();
-    auto* di = CG::DataInterface::create({"model_State.x", "StructElement", "model_State", "real_T", "Delay"});
+    auto* di =
+        CG::DataInterface::create({"model_State.x", "StructElement", "model_State", "real_T", "Delay"});
     auto hostValue = CG::DataInterface::toTuvArray(di);
     EXPECT_EQ("coder.DataInterface", hostValue->className());
     EXPECT_EQ(di, hostValue->opaquePayload().get());
     di->release();
-    EXPECT_EQ("model_State.x", static_cast<const CG::DataInterface*>(hostValue->opaquePayload().get())
-                            ->getDescription().identifier);
+    EXPECT_EQ(
+        "model_State.x",
+        static_cast<const CG::DataInterface*>(hostValue->opaquePayload().get())->getDescription().identifier);
     hostValue.reset();
     EXPECT_EQ(before, CG::DataInterface::liveCount());
 }

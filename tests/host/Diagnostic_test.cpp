@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "vel/diag/Diagnostic.hpp"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -28,7 +28,8 @@ TEST(MessageCatalog, FormatPlacesArgumentsByNumber) {
 
 TEST(Diagnostic, CatalogMessagesKeepIdentifierAndArgumentsReadable) {
     try {
-        vel::diag::throwError("Brisk:codeGen:CustomContentSectionAlreadyRetrieved", {"Decls", "model.c", "Decls"});
+        vel::diag::throwError("Brisk:codeGen:CustomContentSectionAlreadyRetrieved",
+                              {"Decls", "model.c", "Decls"});
         FAIL() << "no exception";
     } catch (const std::exception& e) {
         auto* d = dynamic_cast<const vel::diag::Exception*>(&e);

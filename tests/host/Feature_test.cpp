@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
+#include "vel/feature/Feature.hpp"
 
 #include <cstdlib>
+#include <gtest/gtest.h>
 
 #include "vel/diag/Diagnostic.hpp"
-#include "vel/feature/Feature.hpp"
 
 namespace {
 
@@ -13,8 +13,10 @@ void setEnvironment(const char* name, const char* value) {
 #if defined(_WIN32)
     _putenv_s(name, value);
 #else
-    if (*value) ::setenv(name, value, 1);
-    else ::unsetenv(name);
+    if (*value)
+        ::setenv(name, value, 1);
+    else
+        ::unsetenv(name);
 #endif
 }
 

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "DiagnosticTesting.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "korb/PackageInfo.hpp"
-#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace {
@@ -123,11 +123,16 @@ TEST_F(KorbTest, ReadsEveryValueKindWithItsHostType) {
         const char* hostType;
         tuvClass cls;
     } rows[] = {
-        {"Enabled", "logical scalar", tuvClass::Logical}, {"Count", "int32 scalar", tuvClass::Int32},
-        {"Id", "uint32 scalar", tuvClass::UInt32},        {"Big", "int64 scalar", tuvClass::Int64},
-        {"Gain", "double scalar", tuvClass::Double},      {"Label", "char", tuvClass::Char},
-        {"Path", "char", tuvClass::Char},                 {"Dims", "int32 vector", tuvClass::Int32},
-        {"Tags", "cell", tuvClass::Cell},                 {"Children", "any", tuvClass::Object},
+        {"Enabled", "logical scalar", tuvClass::Logical},
+        {"Count", "int32 scalar", tuvClass::Int32},
+        {"Id", "uint32 scalar", tuvClass::UInt32},
+        {"Big", "int64 scalar", tuvClass::Int64},
+        {"Gain", "double scalar", tuvClass::Double},
+        {"Label", "char", tuvClass::Char},
+        {"Path", "char", tuvClass::Char},
+        {"Dims", "int32 vector", tuvClass::Int32},
+        {"Tags", "cell", tuvClass::Cell},
+        {"Children", "any", tuvClass::Object},
     };
     for (const auto& r : rows) {
         korb::Value v = client.getPropertyValue(ref, r.prop);
@@ -199,10 +204,18 @@ TEST_F(KorbTest, RejectsBadNamesTypesAndObjectsWithDiagnostics) {
         {"wrong arg count", [&] { client.callMethod(ref, "greet", {tuvArray::fromUtf8("x")}); },
          "Korb:WrongNumberOfArguments"},
         {"wrong arg type",
-         [&] { client.callMethod(ref, "greet", {tuvArray::int32(1), tuvArray::int32(1)}); }, "Korb:TypeMismatch"},
+         [&] {
+             client.callMethod(ref, "greet", {tuvArray::int32(1), tuvArray::int32(1)});
+         },
+         "Korb:TypeMismatch"},
         {"null reference", [&] { client.getProperty(vel::mi::HandleRef(), "Count"); }, "Korb:InvalidHandle"},
         {"not an object", [&] { client.getProperty(*tuvArray::int32(1), "Count"); }, "Korb:InvalidHandle"},
-        {"unregistered class", [&] { Unregistered u; client.getProperty(u.makeRef(), "X"); }, "Korb:UnknownClass"},
+        {"unregistered class",
+         [&] {
+             Unregistered u;
+             client.getProperty(u.makeRef(), "X");
+         },
+         "Korb:UnknownClass"},
     };
     for (const auto& r : rows) EXPECT_EQ(r.id, diagnosticOf(r.call)) << r.what;
     EXPECT_EQ(0, w.getCount()) << "a rejected write must leave the object unchanged";
@@ -219,7 +232,8 @@ TEST_F(KorbTest, DestroyedAndLockedObjectsAreRefused) {
         w.lock();
         w.lock();
         w.unlock();
-        EXPECT_EQ("Korb:ObjectLocked", diagnosticOf([&] { client.setProperty(ref, "Count", *tuvArray::int32(1)); }));
+        EXPECT_EQ("Korb:ObjectLocked",
+                  diagnosticOf([&] { client.setProperty(ref, "Count", *tuvArray::int32(1)); }));
         w.unlock();
         client.setProperty(ref, "Count", *tuvArray::int32(1));
         EXPECT_EQ("MI:HandleNotLocked", diagnosticOf([&] { w.unlock(); }));
@@ -243,7 +257,8 @@ TEST_F(KorbTest, SubclassesAnswerInheritedMembersAndHideOverridden) {
     EXPECT_TRUE(client.isReadOnly(g, "Label"));
     client.setProperty(ref, "Count", *tuvArray::int32(5));
     EXPECT_EQ(5, g.getCount());
-    EXPECT_EQ("hi x;hi x;", client.callMethod(ref, "greet", {tuvArray::fromUtf8("x"), tuvArray::int32(2)})->toUtf8());
+    EXPECT_EQ("hi x;hi x;",
+              client.callMethod(ref, "greet", {tuvArray::fromUtf8("x"), tuvArray::int32(2)})->toUtf8());
     EXPECT_TRUE(client.callMethod(ref, "bump")->isEmpty());
     EXPECT_EQ(6, g.getCount());
 
@@ -260,13 +275,15 @@ TEST_F(KorbTest, RegistryKeepsOrderAndRefusesDuplicatesAndOrphans) {
     ASSERT_EQ(2u, classes.size());
     EXPECT_EQ("KorbTest.Widget", classes[0]->getQualifiedName());
     EXPECT_EQ("A gadget", classes[1]->getDescription());
-    EXPECT_EQ("Korb:DuplicatePackage", diagnosticOf([&] { sys.addPackage(std::make_unique<TestPackage>()); }));
+    EXPECT_EQ("Korb:DuplicatePackage",
+              diagnosticOf([&] { sys.addPackage(std::make_unique<TestPackage>()); }));
 
     struct Orphan : korb::PackageInfo {
         const char* getName() const override { return "KorbOrphan"; }
         void registerClasses(korb::ObjectSystem& s) override {
             s.registerClass(korb::ClassInfo::make("A", "a", nullptr));
-            s.registerClass(korb::ClassInfo::make("B", "b", [](korb::ClassInfo& c) { c.superclass("KorbOrphan.Z"); }));
+            s.registerClass(
+                korb::ClassInfo::make("B", "b", [](korb::ClassInfo& c) { c.superclass("KorbOrphan.Z"); }));
         }
     };
     EXPECT_EQ("Korb:UnknownSuperclass", diagnosticOf([&] { sys.addPackage(std::make_unique<Orphan>()); }));

@@ -1,7 +1,8 @@
+#include "vel/i18n/Text.hpp"
+
 #include <gtest/gtest.h>
 
 #include "vel/diag/Diagnostic.hpp"
-#include "vel/i18n/Text.hpp"
 
 namespace {
 
@@ -9,9 +10,12 @@ using namespace vel::i18n;
 
 TEST(Text, RoundTripsEveryPlaneAndEmbeddedNul) {
     const std::string samples[] = {
-        "", "plain", std::string("a\0b", 3), "\xc3\xa9t\xc3\xa9",          // U+00E9
-        "\xe2\x82\xac",                                                    // U+20AC
-        "\xf0\x9f\x98\x80",                                                // U+1F600, a surrogate pair in UTF-16
+        "",
+        "plain",
+        std::string("a\0b", 3),
+        "\xc3\xa9t\xc3\xa9", // U+00E9
+        "\xe2\x82\xac",      // U+20AC
+        "\xf0\x9f\x98\x80",  // U+1F600, a surrogate pair in UTF-16
     };
     for (const auto& s : samples) {
         EXPECT_EQ(s, toUtf8(toWide(s)));

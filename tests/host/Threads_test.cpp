@@ -1,7 +1,6 @@
 // Platform pieces that the background serialization thread uses while the
 // host's thread goes on: feature reads and reference counts.
 #include <gtest/gtest.h>
-
 #include <thread>
 #include <vector>
 

@@ -1,8 +1,9 @@
+#include "vel/tuvArray.hpp"
+
 #include <gtest/gtest.h>
 
 #include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
-#include "vel/tuvArray.hpp"
 
 namespace {
 

@@ -1,8 +1,7 @@
-#include "ClassBindings.hpp"
-
 #include <string>
 #include <vector>
 
+#include "ClassBindings.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/HostTraits.hpp"
 #include "velcg/FileSection.hpp"
@@ -22,7 +21,8 @@ namespace korb {
 // A section kind from scripts: its enumerator name as a character vector
 // (unknown names answer BANNER_SECTION, see getSectionKindFromEnumName) or
 // its numeric value.
-template <> struct HostTraits<VelCG::VelCGFileSectionKind> {
+template <>
+struct HostTraits<VelCG::VelCGFileSectionKind> {
     static constexpr const char* typeName = kCharVector;
     static tuvArrayPtr toArray(VelCG::VelCGFileSectionKind kind) {
         return tuvArray::fromUtf8(VelCG::getSectionKindEnumName(kind));
@@ -35,7 +35,8 @@ template <> struct HostTraits<VelCG::VelCGFileSectionKind> {
 };
 
 // The repository's file list, delivered under its own host type name.
-template <> struct HostTraits<std::vector<VelCG::VelCGFile*>> {
+template <>
+struct HostTraits<std::vector<VelCG::VelCGFile*>> {
     static constexpr const char* typeName = "VelCG.VelCGFile vector";
     static tuvArrayPtr toArray(const std::vector<VelCG::VelCGFile*>& files) {
         std::vector<vel::mi::HandleRef> refs;
@@ -152,14 +153,12 @@ void declareFileRepository(ClassInfo& c) {
     using R = VelCGFileRepository;
     c.superclass(korb::kHeterogeneous);
     c.property("FileList", getter(&R::getFileList_korb));
-    c.method("createDataTypesFile", korb::methodFn<R, VelCGFile*, std::string>(
-                                        [](R& r, const std::string& name) -> VelCGFile* {
-                                            return &r.createDataTypesFile(name);
-                                        }));
-    c.method("createGenericFile", korb::methodFn<R, VelCGFile*, std::string>(
-                                      [](R& r, const std::string& name) -> VelCGFile* {
-                                          return &r.createGenericFile(name);
-                                      }));
+    c.method("createDataTypesFile",
+             korb::methodFn<R, VelCGFile*, std::string>(
+                 [](R& r, const std::string& name) -> VelCGFile* { return &r.createDataTypesFile(name); }));
+    c.method("createGenericFile",
+             korb::methodFn<R, VelCGFile*, std::string>(
+                 [](R& r, const std::string& name) -> VelCGFile* { return &r.createGenericFile(name); }));
     c.method("findFileByName", method(&R::findFileByName));
 }
 
@@ -169,11 +168,13 @@ void appendFileClasses(ClassList& classes) {
     classes.push_back(ClassInfo::make("FileSection", "Base file section", declareFileSection));
     classes.push_back(ClassInfo::make("FunctionsSection", "FunctionsSection", declareFunctionsSection));
     classes.push_back(ClassInfo::make("IncludesSection", "Includes section", declareIncludesSection));
-    classes.push_back(ClassInfo::make("VelCGFile", "Basic File Object", declareVelCGFile, /*isAbstract=*/true));
+    classes.push_back(
+        ClassInfo::make("VelCGFile", "Basic File Object", declareVelCGFile, /*isAbstract=*/true));
     classes.push_back(ClassInfo::make("VelCGModuleFile", "File section object", declareModuleFile));
     classes.push_back(ClassInfo::make("VelCGDataTypesFile", "Data types file object", declareDataTypesFile));
     classes.push_back(ClassInfo::make("VelCGGenericFile", "Generic file object", declareGenericFile));
-    classes.push_back(ClassInfo::make("VelCGFileRepository", "File Repository Object", declareFileRepository));
+    classes.push_back(
+        ClassInfo::make("VelCGFileRepository", "File Repository Object", declareFileRepository));
 }
 
 } // namespace VelCG::binding

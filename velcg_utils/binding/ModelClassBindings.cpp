@@ -31,7 +31,8 @@ template <>
 struct HostTraits<VelCG::GraphicalSubsystemType>
     : EnumNameTraits<VelCG::GraphicalSubsystemType, &VelCG::GraphicalSubsystem::getStringForSubsystemType> {};
 template <>
-struct HostTraits<VelCG::VarGroupEnum> : EnumNameTraits<VelCG::VarGroupEnum, &VelCG::VarGroup::getStringforCategory> {};
+struct HostTraits<VelCG::VarGroupEnum>
+    : EnumNameTraits<VelCG::VarGroupEnum, &VelCG::VarGroup::getStringforCategory> {};
 } // namespace korb
 
 namespace VelCG::binding {
@@ -55,7 +56,8 @@ std::unique_ptr<ClassInfo> systemClass() {
         c.property("StartFcn", getter(&System::getStartFcn), setter(&System::setStartFcn));
         c.property("OutputFcn", getter(&System::getOutputFcn), setter(&System::setOutputFcn));
         c.property("UpdateFcn", getter(&System::getUpdateFcn), setter(&System::setUpdateFcn));
-        c.property("OutputUpdateFcn", getter(&System::getOutputUpdateFcn), setter(&System::setOutputUpdateFcn));
+        c.property("OutputUpdateFcn", getter(&System::getOutputUpdateFcn),
+                   setter(&System::setOutputUpdateFcn));
         c.property("IsModelReferenceBaseSystem", getter(&System::isModelReferenceBaseSystem),
                    setter(&System::setIsModelReferenceBaseSystem));
         c.method("getName", method(&System::getName));
@@ -328,8 +330,9 @@ void setLeafElementsFromScript(ToAsyncQueueBlock& block, const std::vector<ToAsy
     std::sort(current.begin(), current.end(), std::less<>());
     std::sort(given.begin(), given.end(), std::less<>());
     if (current != given)
-        throwInvalidOwnership("Scripts can only reorder the leaf elements of an async-queue block; a leaf "
-                              "cannot be added or removed.");
+        throwInvalidOwnership(
+            "Scripts can only reorder the leaf elements of an async-queue block; a leaf "
+            "cannot be added or removed.");
     block.setLeafElements(leaves);
 }
 
@@ -349,7 +352,8 @@ std::unique_ptr<ClassInfo> toAsyncQueueBlockClass() {
         c.property("fxpFixedExponent", getter(&B::getFxpFixedExponent), setter(&B::setFxpFixedExponent));
         c.property("fxpBias", getter(&B::getFxpBias), setter(&B::setFxpBias));
         c.property("enumClassName", getter(&B::getEnumClassName), setter(&B::setEnumClassName));
-        c.property("enumClassification", getter(&B::getEnumClassification), setter(&B::setEnumClassification));
+        c.property("enumClassification", getter(&B::getEnumClassification),
+                   setter(&B::setEnumClassification));
         c.property("enumLabels", getter(&B::getEnumLabels), setter(&B::setEnumLabels));
         c.property("enumValues", getter(&B::getEnumValues), setter(&B::setEnumValues));
         c.property("isComplex", getter(&B::getIsComplex), setter(&B::setIsComplex));
@@ -366,7 +370,8 @@ std::unique_ptr<ClassInfo> toAsyncQueueBlockClass() {
         c.property("actSrcBlockSID", getter(&B::getActSrcBlockSID), setter(&B::setActSrcBlockSID));
         c.property("actSrcPortNumber", getter(&B::getActSrcPortNumber), setter(&B::setActSrcPortNumber));
         c.property("actSrcDWorkName", getter(&B::getActSrcDWorkName), setter(&B::setActSrcDWorkName));
-        c.property("actSrcStartElement", getter(&B::getActSrcStartElement), setter(&B::setActSrcStartElement));
+        c.property("actSrcStartElement", getter(&B::getActSrcStartElement),
+                   setter(&B::setActSrcStartElement));
         c.property("signalSourceUUID", getter(&B::getSignalSourceUUID), setter(&B::setSignalSourceUUID));
         c.property("signalSourceUUIDasInteger", getter(&B::getSignalSourceUUIDasInteger),
                    setter(&B::setSignalSourceUUIDasInteger));
@@ -377,7 +382,8 @@ std::unique_ptr<ClassInfo> toAsyncQueueBlockClass() {
                    setterFn<B, std::vector<B*>>(&setLeafElementsFromScript));
         c.property("nvBusOffset", getter(&B::getNVBusOffset), setter(&B::setNVBusOffset));
         c.property("isLiveStreaming", getter(&B::getIsLiveStreaming), setter(&B::setIsLiveStreaming));
-        c.property("isDeferredStreaming", getter(&B::getIsDeferredStreaming), setter(&B::setIsDeferredStreaming));
+        c.property("isDeferredStreaming", getter(&B::getIsDeferredStreaming),
+                   setter(&B::setIsDeferredStreaming));
     });
 }
 

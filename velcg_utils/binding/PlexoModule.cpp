@@ -10,8 +10,8 @@ bool initialized = false;
 bool terminated = false;
 
 const PlexoFcnTable fcnTable = {
-    sizeof(PlexoFcnTable), 1, "velcg", VelCG::binding::VelCGPackage::kName,
-    &PlexoInitialize_velcg, &PlexoTerminate_velcg,
+    sizeof(PlexoFcnTable), 1, "velcg", VelCG::binding::VelCGPackage::kName, &PlexoInitialize_velcg,
+    &PlexoTerminate_velcg,
 };
 } // namespace
 

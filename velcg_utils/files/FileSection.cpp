@@ -18,8 +18,7 @@ namespace {
             {"NullFragment", "A null fragment cannot be added to a file section."},
             {"NullStream", "Cannot write a file section: the output stream is null."},
             {"WriteFailed", "Writing {1} byte(s) of a file section to the output stream failed."},
-            {"InvalidFragmentIndex",
-             "Fragment index {1} is out of range for a section of {2} fragment(s)."},
+            {"InvalidFragmentIndex", "Fragment index {1} is out of range for a section of {2} fragment(s)."},
         });
     return true;
 }();

@@ -34,8 +34,7 @@ const char* IncludesSection::getFullyQualifiedKorbTypeName() const { return "Vel
 
 void IncludesSection::addInclude(const std::string& name, bool isSystem) {
     if (addedNames_.count(name)) return;
-    const std::string line =
-        isSystem ? "#include <" + name + ">\n" : "#include \"" + name + "\"\n";
+    const std::string line = isSystem ? "#include <" + name + ">\n" : "#include \"" + name + "\"\n";
     addContent(line);
     addedNames_.insert(name);
 }
@@ -68,9 +67,7 @@ const std::string& IncludesSection::getContent() const {
     return rendered_;
 }
 
-void IncludesSection::writeToFile(std::FILE* stream) const {
-    files_detail::writeBytes(stream, getContent());
-}
+void IncludesSection::writeToFile(std::FILE* stream) const { files_detail::writeBytes(stream, getContent()); }
 
 std::unique_ptr<FileSection> IncludesSection::clone() const {
     return std::make_unique<IncludesSection>(*this);

@@ -18,6 +18,8 @@ StringFileSectionFragment::StringFileSectionFragment(const char* text) : text_(t
 
 StringFileSectionFragment::~StringFileSectionFragment() = default;
 
-void StringFileSectionFragment::writeToFile(std::FILE* stream) const { files_detail::writeBytes(stream, text_); }
+void StringFileSectionFragment::writeToFile(std::FILE* stream) const {
+    files_detail::writeBytes(stream, text_);
+}
 
 } // namespace VelCG

@@ -4,7 +4,8 @@
 
 namespace VelCG {
 
-VelCGDataTypesFile::VelCGDataTypesFile(const std::string& name) : VelCGFile(name, std::make_unique<VelCGSDataTypesFileContentBuilder>()) {}
+VelCGDataTypesFile::VelCGDataTypesFile(const std::string& name)
+    : VelCGFile(name, std::make_unique<VelCGSDataTypesFileContentBuilder>()) {}
 
 VelCGDataTypesFile::~VelCGDataTypesFile() = default;
 

@@ -61,8 +61,8 @@ std::unique_ptr<FileSection> make() {
 
 // Each step below checks for a table before allocating, so a builder whose
 // buildContent was skipped allocates nothing.
-#define VELCG_BUILD_STEP(Builder, Step, Kind, Section) \
-    void Builder::Step() {                             \
+#define VELCG_BUILD_STEP(Builder, Step, Kind, Section)         \
+    void Builder::Step() {                                     \
         if (hasContent()) placeSection(Kind, make<Section>()); \
     }
 
@@ -73,10 +73,12 @@ void VelCGModuleFileContentBuilder::buildContent() { startContent(); }
 VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildIncludesSection, INCLUDES_SECTION, IncludesSection)
 VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildDefinesSection, DEFINES_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildTypedefsSection, TYPEDEFS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildForwardDeclarationsSection, FORWARD_DECLS_SECTION, FileSection)
+VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildForwardDeclarationsSection, FORWARD_DECLS_SECTION,
+                 FileSection)
 VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildExternDataSection, EXTERN_DATA_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildExternFcnsSection, EXTERN_FCNS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildFcnPrototypesSection, FCN_PROTOTYPES_SECTION, FileSection)
+VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildFcnPrototypesSection, FCN_PROTOTYPES_SECTION,
+                 FileSection)
 VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildDeclarationsSection, DECLARATIONS_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildFunctionsSection, FUNCTIONS_SECTION, FunctionsSection)
 VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildDocumentationSection, DOCUMENTATION_SECTION, FileSection)
@@ -87,25 +89,35 @@ VelCGSGenericFileContentBuilder::~VelCGSGenericFileContentBuilder() = default;
 void VelCGSGenericFileContentBuilder::buildContent() { startContent(); }
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildBannerSection, BANNER_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildIncludesSection, INCLUDES_SECTION, IncludesSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesIncludesSection, MODELTYPES_INCLUDES_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesDefinesSection, MODELTYPES_DEFINES_SECTION, FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesIncludesSection, MODELTYPES_INCLUDES_SECTION,
+                 FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesDefinesSection, MODELTYPES_DEFINES_SECTION,
+                 FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDefinesSection, DEFINES_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesTypedefsSection, MODELTYPES_TYPEDEFS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildIntrinsicTypesSection, INTRINSIC_TYPES_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildPrimitiveTypedefsSection, PRIMITIVE_TYPEDEFS_SECTION, FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesTypedefsSection, MODELTYPES_TYPEDEFS_SECTION,
+                 FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildIntrinsicTypesSection, INTRINSIC_TYPES_SECTION,
+                 FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildPrimitiveTypedefsSection, PRIMITIVE_TYPEDEFS_SECTION,
+                 FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildUserTopSection, USERTOP_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildTypedefsSection, TYPEDEFS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildForwardDeclarationsSection, FORWARD_DECLS_SECTION, FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildForwardDeclarationsSection, FORWARD_DECLS_SECTION,
+                 FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildEnumsSection, ENUMERATIONS_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDefinitionsSection, DEFINITIONS_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildExternDataSection, EXTERN_DATA_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildExternFcnsSection, EXTERN_FCNS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildFcnPrototypesSection, FCN_PROTOTYPES_SECTION, FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildFcnPrototypesSection, FCN_PROTOTYPES_SECTION,
+                 FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDeclarationsSection, DECLARATIONS_SECTION, FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildFunctionsSection, FUNCTIONS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildCompilerErrorsSection, COMPILER_ERRORS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildCompilerWarningsSection, COMPILER_WARNINGS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDocumentationSection, DOCUMENTATION_SECTION, FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildCompilerErrorsSection, COMPILER_ERRORS_SECTION,
+                 FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildCompilerWarningsSection, COMPILER_WARNINGS_SECTION,
+                 FileSection)
+VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDocumentationSection, DOCUMENTATION_SECTION,
+                 FileSection)
 VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildUserBottomSection, USERBOTTOM_SECTION, FileSection)
 
 // Data-types files.

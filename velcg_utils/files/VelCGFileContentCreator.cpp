@@ -5,7 +5,8 @@
 
 namespace VelCG {
 
-std::unique_ptr<VelCGFileContent> VelCGFileContentCreator::createFileContent(VelCGFileContentBuilder& builder) {
+std::unique_ptr<VelCGFileContent> VelCGFileContentCreator::createFileContent(
+    VelCGFileContentBuilder& builder) {
     builder.buildContent();
     // One step per section kind, in kind order.
     builder.buildBannerSection();

@@ -4,7 +4,8 @@
 
 namespace VelCG {
 
-VelCGGenericFile::VelCGGenericFile(const std::string& name) : VelCGFile(name, std::make_unique<VelCGSGenericFileContentBuilder>()) {}
+VelCGGenericFile::VelCGGenericFile(const std::string& name)
+    : VelCGFile(name, std::make_unique<VelCGSGenericFileContentBuilder>()) {}
 
 VelCGGenericFile::~VelCGGenericFile() = default;
 

@@ -4,7 +4,8 @@
 
 namespace VelCG {
 
-VelCGModuleFile::VelCGModuleFile(const std::string& name) : VelCGFile(name, std::make_unique<VelCGModuleFileContentBuilder>()) {}
+VelCGModuleFile::VelCGModuleFile(const std::string& name)
+    : VelCGFile(name, std::make_unique<VelCGModuleFileContentBuilder>()) {}
 
 VelCGModuleFile::~VelCGModuleFile() = default;
 

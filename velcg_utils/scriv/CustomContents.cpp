@@ -39,9 +39,9 @@ void CustomContents::addCustomSection(const std::string& name, VelCGFileSectionK
     if (found != sectionsByName_.end()) {
         VelCGFileSectionKind previous = found->second->getBuiltinSection();
         if (previous == builtin) return; // the same declaration again
-        vel::diag::throwError("Brisk:codeGen:CustomContentPreviousAssociation",
-                              {name, getScrivSectionNameFromEnum(builtin),
-                               getScrivSectionNameFromEnum(previous)});
+        vel::diag::throwError(
+            "Brisk:codeGen:CustomContentPreviousAssociation",
+            {name, getScrivSectionNameFromEnum(builtin), getScrivSectionNameFromEnum(previous)});
     }
     SectionPtr section(new CustomSection(name, builtin));
     // Reserve the list slot before entering the name so that a failure
@@ -52,7 +52,9 @@ void CustomContents::addCustomSection(const std::string& name, VelCGFileSectionK
     list.push_back(section);
 }
 
-bool CustomContents::isCustomSection(const std::string& name) const { return sectionsByName_.count(name) != 0; }
+bool CustomContents::isCustomSection(const std::string& name) const {
+    return sectionsByName_.count(name) != 0;
+}
 
 void CustomContents::addContentToSection(const std::string& name, const std::string& content) {
     addContentToSection(name, content.c_str());
@@ -66,7 +68,8 @@ void CustomContents::addContentToSection(const std::string& name, const char* co
     found->second->addContent_cstr(content);
 }
 
-const std::string& CustomContents::getCustomSectionContent(const std::string& name, const std::string& context) {
+const std::string& CustomContents::getCustomSectionContent(const std::string& name,
+                                                           const std::string& context) {
     auto found = sectionsByName_.find(name);
     if (found == sectionsByName_.end()) return emptyContent_;
     CustomSection& section = *found->second;

@@ -210,12 +210,14 @@ void FileRepScrivBridge::setAttribute(std::int32_t fileIndex, const std::string&
 }
 
 bool FileRepScrivBridge::getBooleanAttributeFromFile(const VelCGFile& file, const std::string& name) const {
-    return handlerFor(booleanGetters_, name, [](const std::string& n) { unknownAttribute(n, "boolean"); })(file);
+    return handlerFor(booleanGetters_, name,
+                      [](const std::string& n) { unknownAttribute(n, "boolean"); })(file);
 }
 
-const char* FileRepScrivBridge::getStringAttributeFromFile(const VelCGFile& file, const std::string& name) const {
-    return handlerFor(stringGetters_, name, [](const std::string& n) { unknownAttribute(n, "readable string"); })(
-               file)
+const char* FileRepScrivBridge::getStringAttributeFromFile(const VelCGFile& file,
+                                                           const std::string& name) const {
+    return handlerFor(stringGetters_, name,
+                      [](const std::string& n) { unknownAttribute(n, "readable string"); })(file)
         .c_str();
 }
 
@@ -226,14 +228,15 @@ const std::vector<std::string>& FileRepScrivBridge::getStringArrayAttributeFromF
 }
 
 void FileRepScrivBridge::setAttributeForFile(VelCGFile& file, const std::string& name, const char* value) {
-    const StringSetter& set =
-        handlerFor(stringSetters_, name, [](const std::string& n) { unknownAttribute(n, "settable string"); });
+    const StringSetter& set = handlerFor(
+        stringSetters_, name, [](const std::string& n) { unknownAttribute(n, "settable string"); });
     requireNonNull(value, "attribute value");
     set(file, value);
 }
 
 void FileRepScrivBridge::setAttributeForFile(VelCGFile& file, const std::string& name, bool value) {
-    handlerFor(booleanSetters_, name, [](const std::string& n) { unknownAttribute(n, "boolean"); })(file, value);
+    handlerFor(booleanSetters_, name, [](const std::string& n) { unknownAttribute(n, "boolean"); })(file,
+                                                                                                    value);
 }
 
 void FileRepScrivBridge::addSectionContent(std::int32_t fileIndex, const std::string& sectionName,

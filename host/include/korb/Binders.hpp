@@ -117,8 +117,7 @@ protected:
 
 private:
     template <std::size_t... I>
-    tuvArrayPtr invokeWith(T& native, const std::vector<tuvArrayPtr>& args,
-                           std::index_sequence<I...>) const {
+    tuvArrayPtr invokeWith(T& native, const std::vector<tuvArrayPtr>& args, std::index_sequence<I...>) const {
         // Convert every argument before the call so that a bad argument
         // leaves the object untouched.
         std::tuple<std::decay_t<A>...> converted{HostTraits<std::decay_t<A>>::fromArray(*args[I])...};

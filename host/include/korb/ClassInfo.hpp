@@ -26,8 +26,8 @@ public:
     using Declare = std::function<void(ClassInfo&)>;
 
     ClassInfo(std::string shortName, std::string description, Declare declare, bool isAbstract = false);
-    static std::unique_ptr<ClassInfo> make(std::string shortName, std::string description,
-                                           Declare declare, bool isAbstract = false);
+    static std::unique_ptr<ClassInfo> make(std::string shortName, std::string description, Declare declare,
+                                           bool isAbstract = false);
 
     bool isAbstract() const override { return abstract_; }
 

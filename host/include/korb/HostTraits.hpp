@@ -63,13 +63,15 @@ vel::mi::HandleRef refOf(const U* p) {
 }
 } // namespace detail
 
-template <> struct HostTraits<bool> {
+template <>
+struct HostTraits<bool> {
     static constexpr const char* typeName = kLogicalScalar;
     static tuvArrayPtr toArray(bool v) { return tuvArray::logical(v); }
     static bool fromArray(const tuvArray& a) { return detail::toBool(a); }
 };
 
-template <> struct HostTraits<std::int32_t> {
+template <>
+struct HostTraits<std::int32_t> {
     static constexpr const char* typeName = kInt32Scalar;
     static tuvArrayPtr toArray(std::int32_t v) { return tuvArray::int32(v); }
     static std::int32_t fromArray(const tuvArray& a) {
@@ -77,7 +79,8 @@ template <> struct HostTraits<std::int32_t> {
     }
 };
 
-template <> struct HostTraits<std::uint32_t> {
+template <>
+struct HostTraits<std::uint32_t> {
     static constexpr const char* typeName = kUInt32Scalar;
     static tuvArrayPtr toArray(std::uint32_t v) { return tuvArray::uint32(v); }
     static std::uint32_t fromArray(const tuvArray& a) {
@@ -85,7 +88,8 @@ template <> struct HostTraits<std::uint32_t> {
     }
 };
 
-template <> struct HostTraits<std::int64_t> {
+template <>
+struct HostTraits<std::int64_t> {
     static constexpr const char* typeName = kInt64Scalar;
     static tuvArrayPtr toArray(std::int64_t v) { return tuvArray::int64(v); }
     static std::int64_t fromArray(const tuvArray& a) {
@@ -93,55 +97,64 @@ template <> struct HostTraits<std::int64_t> {
     }
 };
 
-template <> struct HostTraits<double> {
+template <>
+struct HostTraits<double> {
     static constexpr const char* typeName = kDoubleScalar;
     static tuvArrayPtr toArray(double v) { return tuvArray::float64(v); }
     static double fromArray(const tuvArray& a) { return detail::toDouble(a); }
 };
 
-template <> struct HostTraits<std::string> {
+template <>
+struct HostTraits<std::string> {
     static constexpr const char* typeName = kChar;
     static tuvArrayPtr toArray(const std::string& v) { return tuvArray::fromUtf8(v); }
     static std::string fromArray(const tuvArray& a) { return detail::toNarrow(a); }
 };
 
-template <> struct HostTraits<const char*> {
+template <>
+struct HostTraits<const char*> {
     static constexpr const char* typeName = kChar;
     static tuvArrayPtr toArray(const char* v) { return tuvArray::fromUtf8(v ? v : ""); }
 };
 
-template <> struct HostTraits<std::wstring> {
+template <>
+struct HostTraits<std::wstring> {
     static constexpr const char* typeName = kChar;
     static tuvArrayPtr toArray(const std::wstring& v) { return tuvArray::fromWide(v); }
     static std::wstring fromArray(const tuvArray& a) { return detail::toWideString(a); }
 };
 
-template <> struct HostTraits<std::vector<std::int32_t>> {
+template <>
+struct HostTraits<std::vector<std::int32_t>> {
     static constexpr const char* typeName = kInt32Vector;
     static tuvArrayPtr toArray(const std::vector<std::int32_t>& v) { return tuvArray::int32Vector(v); }
     static std::vector<std::int32_t> fromArray(const tuvArray& a) { return detail::toInt32Vector(a); }
 };
 
-template <> struct HostTraits<std::vector<std::string>> {
+template <>
+struct HostTraits<std::vector<std::string>> {
     static constexpr const char* typeName = kCell;
     static tuvArrayPtr toArray(const std::vector<std::string>& v) { return detail::fromNarrowList(v); }
     static std::vector<std::string> fromArray(const tuvArray& a) { return detail::toNarrowList(a); }
 };
 
-template <> struct HostTraits<std::vector<std::wstring>> {
+template <>
+struct HostTraits<std::vector<std::wstring>> {
     static constexpr const char* typeName = kCell;
     static tuvArrayPtr toArray(const std::vector<std::wstring>& v) { return detail::fromWideList(v); }
     static std::vector<std::wstring> fromArray(const tuvArray& a) { return detail::toWideList(a); }
 };
 
 // Host arrays pass through unchanged; a null array reads as the empty value.
-template <> struct HostTraits<tuvArrayPtr> {
+template <>
+struct HostTraits<tuvArrayPtr> {
     static constexpr const char* typeName = kAny;
     static tuvArrayPtr toArray(const tuvArrayPtr& v) { return v ? v : tuvArray::empty(); }
     static tuvArrayPtr fromArray(const tuvArray& a) { return std::make_shared<tuvArray>(a); }
 };
 
-template <> struct HostTraits<tuvArray> {
+template <>
+struct HostTraits<tuvArray> {
     static constexpr const char* typeName = kAny;
     static tuvArrayPtr toArray(const tuvArray& v) { return std::make_shared<tuvArray>(v); }
     static const tuvArray& fromArray(const tuvArray& a) { return a; }

@@ -45,9 +45,9 @@ public:
     static tuvArrayPtr chars(std::u16string text);
     static tuvArrayPtr fromUtf8(const std::string& text);
     static tuvArrayPtr fromWide(const std::wstring& text);
-    static tuvArrayPtr int32Vector(std::vector<std::int32_t> values); // 1-by-N
-    static tuvArrayPtr doubleVector(std::vector<double> values);      // 1-by-N
-    static tuvArrayPtr cell(std::size_t rows, std::size_t cols = 1);  // cells hold empty()
+    static tuvArrayPtr int32Vector(std::vector<std::int32_t> values);    // 1-by-N
+    static tuvArrayPtr doubleVector(std::vector<double> values);         // 1-by-N
+    static tuvArrayPtr cell(std::size_t rows, std::size_t cols = 1);     // cells hold empty()
     static tuvArrayPtr objects(std::vector<vel::mi::HandleRef> handles); // 1-by-N
     // A foreign object; `payload` keeps it alive as long as the array lives.
     static tuvArrayPtr opaque(std::string className, std::shared_ptr<const void> payload);
@@ -90,14 +90,14 @@ public:
     std::string describe() const;
 
 private:
-    using Storage = std::variant<std::vector<std::uint8_t>, std::vector<std::int32_t>,
-                                 std::vector<std::uint32_t>, std::vector<std::int64_t>,
-                                 std::vector<double>, std::u16string, std::vector<tuvArrayPtr>,
-                                 std::vector<vel::mi::HandleRef>, std::shared_ptr<const void>>;
+    using Storage =
+        std::variant<std::vector<std::uint8_t>, std::vector<std::int32_t>, std::vector<std::uint32_t>,
+                     std::vector<std::int64_t>, std::vector<double>, std::u16string, std::vector<tuvArrayPtr>,
+                     std::vector<vel::mi::HandleRef>, std::shared_ptr<const void>>;
 
-    tuvArray(tuvClass c, std::size_t rows, std::size_t cols, Storage data,
-             std::string foreignClass = {});
-    template <class T> const T& storage(tuvClass c) const;
+    tuvArray(tuvClass c, std::size_t rows, std::size_t cols, Storage data, std::string foreignClass = {});
+    template <class T>
+    const T& storage(tuvClass c) const;
     void requireScalar() const;
 
     tuvClass class_;

@@ -1,7 +1,8 @@
+#include "velcg/CustomContents.hpp"
+
 #include <gtest/gtest.h>
 
 #include "DiagnosticTesting.hpp"
-#include "velcg/CustomContents.hpp"
 #include "velcg/CustomSection.hpp"
 #include "velcg/FileSection.hpp"
 
@@ -15,9 +16,10 @@ TEST(CustomSection, CloneKeepsNameKindStateAndContent) {
     auto copy = decls.clone();
     auto* copied = dynamic_cast<CustomSection*>(copy.get());
     ASSERT_NE(nullptr, copied);
-    EXPECT_EQ("MyDecls/16/1/1/int x;\n", copied->getName() + "/" + std::to_string(copied->getBuiltinSection()) +
-                                             "/" + std::to_string(copied->isRetrieved()) + "/" +
-                                             std::to_string(copied->isRequired()) + "/" + copied->getContent());
+    EXPECT_EQ("MyDecls/16/1/1/int x;\n",
+              copied->getName() + "/" + std::to_string(copied->getBuiltinSection()) + "/" +
+                  std::to_string(copied->isRetrieved()) + "/" + std::to_string(copied->isRequired()) + "/" +
+                  copied->getContent());
     EXPECT_EQ("MyDecls_InUse", decls.getSectionToken());
 }
 
@@ -32,8 +34,9 @@ TEST(CustomContents, DeclarationsAreUniqueByNameAndMisuseIsDiagnosed) {
               diagnosticWithArgumentsOf([&] { cc.addCustomSection("A", FUNCTIONS_SECTION); }));
     EXPECT_EQ("Brisk:codeGen:CustomContentSectionDoesNotExist(model.c, B)",
               diagnosticWithArgumentsOf([&] { cc.addContentToSection("B", "x"); }));
-    EXPECT_EQ("VelCG:CustomContents:NullContent(model.c, A)",
-              diagnosticWithArgumentsOf([&] { cc.addContentToSection("A", static_cast<const char*>(nullptr)); }));
+    EXPECT_EQ("VelCG:CustomContents:NullContent(model.c, A)", diagnosticWithArgumentsOf([&] {
+                  cc.addContentToSection("A", static_cast<const char*>(nullptr));
+              }));
     EXPECT_FALSE(cc.isCustomSection("B"));
 
     // The failed re-association left A once, tied to Includes only.

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-
 #include <string>
 
 #include "DiagnosticTesting.hpp"
@@ -38,8 +37,9 @@ protected:
 
 TEST_F(FileClassBindingsTest, DeclaresTheMembersOfEveryFileClassInOrder) {
     std::string out;
-    for (const char* cls : {"FileSection", "FunctionsSection", "IncludesSection", "VelCGFile", "VelCGModuleFile",
-                            "VelCGDataTypesFile", "VelCGGenericFile", "VelCGFileRepository"}) {
+    for (const char* cls :
+         {"FileSection", "FunctionsSection", "IncludesSection", "VelCGFile", "VelCGModuleFile",
+          "VelCGDataTypesFile", "VelCGGenericFile", "VelCGFileRepository"}) {
         const vel::mi::HandleClass* c = client.findClass(std::string("VelCG.") + cls);
         ASSERT_NE(nullptr, c) << cls;
         out += cls;
@@ -94,9 +94,9 @@ TEST_F(FileClassBindingsTest, RepositoryCreatesListsAndFindsFilesByName) {
 TEST_F(FileClassBindingsTest, FilePropertiesReadAndWriteByName) {
     VelCGGenericFile file("dir/out.c");
     auto ref = file.makeRef();
-    for (const auto& [name, value] : {std::pair{"Type", "source"}, std::pair{"Creator", "me"},
-                                      std::pair{"CodeTemplate", "t.cgt"}, std::pair{"OutputDirectory", "build"},
-                                      std::pair{"Group", "g"}})
+    for (const auto& [name, value] :
+         {std::pair{"Type", "source"}, std::pair{"Creator", "me"}, std::pair{"CodeTemplate", "t.cgt"},
+          std::pair{"OutputDirectory", "build"}, std::pair{"Group", "g"}})
         client.setProperty(ref, name, *str(value));
     auto systems = tuvArray::cell(1, 2);
     systems->setCell(0, str("s1"));
@@ -111,18 +111,21 @@ TEST_F(FileClassBindingsTest, FilePropertiesReadAndWriteByName) {
     auto sys = client.getProperty(ref, "SystemsInFile");
     got += sys->getCell(0)->toUtf8() + "," + sys->getCell(1)->toUtf8() + ";";
     // Each writable flag set in turn, all read back after each: a mis-bound one shows.
-    const char* flags[] = {"Filtered", "WrittenToDisk", "Indent", "Shared", "SharedType", "DeferredIncludeCoderTypes"};
+    const char* flags[] = {"Filtered", "WrittenToDisk", "Indent",
+                           "Shared",   "SharedType",    "DeferredIncludeCoderTypes"};
     for (const char* set : flags) {
         client.setProperty(ref, set, *tuvArray::logical(true));
         for (const char* p : flags) got += client.getProperty(ref, p)->logicalValue() ? "1" : "0";
         got += client.getProperty(ref, "IsEmpty")->logicalValue() ? "e;" : ";";
     }
-    EXPECT_EQ("dir/out.c;out;dir/out;source;me;t.cgt;build;g;OUT_H;s1,s1;"
-              "100000e;110000e;111000e;111100e;111110e;111111e;",
-              got);
+    EXPECT_EQ(
+        "dir/out.c;out;dir/out;source;me;t.cgt;build;g;OUT_H;s1,s1;"
+        "100000e;110000e;111000e;111100e;111110e;111111e;",
+        got);
 
     for (const char* ro : {"Name", "BaseName", "NameWithoutExtension", "IsEmpty", "DefinedMacro"})
-        EXPECT_EQ("Korb:ReadOnlyProperty", diagnosticOf([&] { client.setProperty(ref, ro, *str("x")); })) << ro;
+        EXPECT_EQ("Korb:ReadOnlyProperty", diagnosticOf([&] { client.setProperty(ref, ro, *str("x")); }))
+            << ro;
 }
 
 TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAccessor) {
@@ -143,7 +146,8 @@ TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAcce
     EXPECT_TRUE(call(module, "hasSection", {str("FUNCTIONS_SECTION")})->logicalValue());
     EXPECT_FALSE(call(module, "hasSection", {tuvArray::float64(23)})->logicalValue());
     EXPECT_FALSE(call(module, "hasSection", {tuvArray::float64(-1)})->logicalValue());
-    EXPECT_EQ("Korb:TypeMismatch", diagnosticOf([&] { call(module, "hasSection", {tuvArray::float64(1.5)}); }));
+    EXPECT_EQ("Korb:TypeMismatch",
+              diagnosticOf([&] { call(module, "hasSection", {tuvArray::float64(1.5)}); }));
 
     // FileSection methods.
     call(*byName, "addContent", {str("#define A\n")});
@@ -160,7 +164,8 @@ TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAcce
     client.setProperty(includes->makeRef(), "RequiredIncludes", *required);
     client.setProperty(includes->makeRef(), "UtilityIncludes", *required);
     EXPECT_EQ("rt.h", client.getProperty(includes->makeRef(), "UtilityIncludes")->getCell(0)->toUtf8());
-    EXPECT_EQ("\n#include \"rt.h\"\n#include <math.h>\n\n#include \"rt.h\"\n", call(*includes, "getContent")->toUtf8());
+    EXPECT_EQ("\n#include \"rt.h\"\n#include <math.h>\n\n#include \"rt.h\"\n",
+              call(*includes, "getContent")->toUtf8());
 
     // FunctionsSection members, counted from 1.
     auto* functions = objectIn<FileSection>(call(module, "getFunctionsSection"));
@@ -177,12 +182,18 @@ TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAcce
     VelCGGenericFile generic("g.c");
     VelCGDataTypesFile types("t.h");
     const std::pair<const char*, VelCGFileSectionKind> accessors[] = {
-        {"getIncludesSection", INCLUDES_SECTION}, {"getDefinesSection", DEFINES_SECTION},
-        {"getForwardDeclarationsSection", FORWARD_DECLS_SECTION}, {"getTypedefsSection", TYPEDEFS_SECTION},
-        {"getEnumsSection", ENUMERATIONS_SECTION}, {"getDefinitionsSection", DEFINITIONS_SECTION},
-        {"getExternDataSection", EXTERN_DATA_SECTION}, {"getExternFunctionsSection", EXTERN_FCNS_SECTION},
-        {"getFunctionPrototypesSection", FCN_PROTOTYPES_SECTION}, {"getDeclarationsSection", DECLARATIONS_SECTION},
-        {"getFunctionsSection", FUNCTIONS_SECTION}, {"getCompilerErrorsSection", COMPILER_ERRORS_SECTION},
+        {"getIncludesSection", INCLUDES_SECTION},
+        {"getDefinesSection", DEFINES_SECTION},
+        {"getForwardDeclarationsSection", FORWARD_DECLS_SECTION},
+        {"getTypedefsSection", TYPEDEFS_SECTION},
+        {"getEnumsSection", ENUMERATIONS_SECTION},
+        {"getDefinitionsSection", DEFINITIONS_SECTION},
+        {"getExternDataSection", EXTERN_DATA_SECTION},
+        {"getExternFunctionsSection", EXTERN_FCNS_SECTION},
+        {"getFunctionPrototypesSection", FCN_PROTOTYPES_SECTION},
+        {"getDeclarationsSection", DECLARATIONS_SECTION},
+        {"getFunctionsSection", FUNCTIONS_SECTION},
+        {"getCompilerErrorsSection", COMPILER_ERRORS_SECTION},
         {"getCompilerWarningsSection", COMPILER_WARNINGS_SECTION},
         {"getDocumentationSection", DOCUMENTATION_SECTION},
     };

@@ -1,8 +1,9 @@
-#include <gtest/gtest.h>
+#include "velcg/FileRepScrivBridge.hpp"
 
 #include <cstdio>
 #include <fstream>
 #include <functional>
+#include <gtest/gtest.h>
 #include <sstream>
 #include <string>
 
@@ -10,7 +11,6 @@
 
 #include "DiagnosticTesting.hpp"
 #include "files/FileTesting.hpp"
-#include "velcg/FileRepScrivBridge.hpp"
 #include "velcg/FunctionsSection.hpp"
 #include "velcg/VelCGDataTypesFile.hpp"
 #include "velcg/VelCGFileRepository.hpp"
@@ -40,9 +40,13 @@ TEST_F(FileRepScrivBridgeTest, ClassifiesNamesByTheTablesThatHoldThem) {
         const char* name;
         const char* expected; // boolean, string, string array, section
     } rows[] = {
-        {"Filter", "b..."}, {"IsEmpty", "b..."}, {"Name", ".s.."}, {"NameWithoutExtension", ".s.."},
-        {"SystemsInFile", "..a."}, {"RequiredIncludes", "..a."}, {"Includes", ".s.f"}, {"Typedefs", ".s.f"},
-        {"UserBottom", ".s.f"}, {"Types", "...."}, {"Filtered", "...."}, {"", "...."}, {"includes", "...."},
+        {"Filter", "b..."},        {"IsEmpty", "b..."},
+        {"Name", ".s.."},          {"NameWithoutExtension", ".s.."},
+        {"SystemsInFile", "..a."}, {"RequiredIncludes", "..a."},
+        {"Includes", ".s.f"},      {"Typedefs", ".s.f"},
+        {"UserBottom", ".s.f"},    {"Types", "...."},
+        {"Filtered", "...."},      {"", "...."},
+        {"includes", "...."},
     };
     for (const Row& r : rows) {
         std::string got;
@@ -56,10 +60,20 @@ TEST_F(FileRepScrivBridgeTest, ClassifiesNamesByTheTablesThatHoldThem) {
 
 TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
     const std::pair<const char*, const char*> settings[] = {
-        {"Type", "source"}, {"Creator", "ert"}, {"BaseName", "renamed"}, {"CodeTemplate", "t.cgt"},
-        {"OutputDirectory", "out"}, {"DefinedMacro", "MODEL_H_"}, {"Group", "G1"}, {"Group", "G2"},
-        {"SystemsInFile", "s1"}, {"SystemsInFile", "s1"}, {"SystemsInFile", "s2"},
-        {"RequiredIncludes", "<stdio.h>"}, {"RequiredIncludes", "rt.h"}, {"UtilityIncludes", "util.h"},
+        {"Type", "source"},
+        {"Creator", "ert"},
+        {"BaseName", "renamed"},
+        {"CodeTemplate", "t.cgt"},
+        {"OutputDirectory", "out"},
+        {"DefinedMacro", "MODEL_H_"},
+        {"Group", "G1"},
+        {"Group", "G2"},
+        {"SystemsInFile", "s1"},
+        {"SystemsInFile", "s1"},
+        {"SystemsInFile", "s2"},
+        {"RequiredIncludes", "<stdio.h>"},
+        {"RequiredIncludes", "rt.h"},
+        {"UtilityIncludes", "util.h"},
     };
     for (const auto& [name, value] : settings) bridge.setAttribute(0, name, value);
 
@@ -73,18 +87,19 @@ TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
         got << ";";
     }
     // Each boolean set in turn, all read back after each: a mis-wired one shows.
-    const char* booleans[] = {"Filter", "IsEmpty", "WrittenToDisk", "Indent", "Shared", "SharedType",
-                              "DeferredIncludeCoderTypes"};
+    const char* booleans[] = {
+        "Filter", "IsEmpty", "WrittenToDisk", "Indent", "Shared", "SharedType", "DeferredIncludeCoderTypes"};
     for (const char* set : booleans) {
         bridge.setAttribute(0, set, true); // "IsEmpty" true does nothing
         for (const char* n : booleans) got << bridge.getBooleanAttribute(0, n);
         got << ";";
     }
-    EXPECT_EQ("Name=src/model.c;BaseName=renamed;NameWithoutExtension=src/model;Type=source;Creator=ert;"
-              "CodeTemplate=t.cgt;OutputDirectory=out;Group=G1;DefinedMacro=MODEL_H_;"
-              "SystemsInFile=s1,s2,;RequiredIncludes=<stdio.h>,rt.h,;UtilityIncludes=util.h,;"
-              "1100000;1100000;1110000;1111000;1111100;1111110;1111111;",
-              got.str());
+    EXPECT_EQ(
+        "Name=src/model.c;BaseName=renamed;NameWithoutExtension=src/model;Type=source;Creator=ert;"
+        "CodeTemplate=t.cgt;OutputDirectory=out;Group=G1;DefinedMacro=MODEL_H_;"
+        "SystemsInFile=s1,s2,;RequiredIncludes=<stdio.h>,rt.h,;UtilityIncludes=util.h,;"
+        "1100000;1100000;1110000;1111000;1111100;1111110;1111111;",
+        got.str());
 
     // "IsEmpty" can only be cleared.
     bridge.setAttribute(1, "IsEmpty", false);
@@ -114,14 +129,16 @@ TEST_F(FileRepScrivBridgeTest, RejectsBadIndicesNamesAndNullArgumentsWithoutChan
         {[&] { bridge.writeSection(7, "Includes", out); }, index + "(7, 3)"},
         {[&] { bridge.addCustomSection(5, "Typedefs", "Mine"); }, index + "(5, 3)"},
         {[&] { bridge.getBooleanAttribute(0, "Name"); }, attribute + "(Name, boolean)"},
-        {[&] { bridge.getStringAttribute(0, "SystemsInFile"); }, attribute + "(SystemsInFile, readable string)"},
+        {[&] { bridge.getStringAttribute(0, "SystemsInFile"); },
+         attribute + "(SystemsInFile, readable string)"},
         {[&] { bridge.setAttribute(0, "Name", "x"); }, attribute + "(Name, settable string)"},
         {[&] { bridge.setAttribute(0, "Filtered", true); }, attribute + "(Filtered, boolean)"},
         {[&] { bridge.getStringArrayAttribute(0, "Type"); }, attribute + "(Type, string list)"},
         {[&] { bridge.writeSection(0, "Types", out); }, section + "(Types)"},
         {[&] { bridge.addSectionContent(0, "", text("x")); }, section + "()"},
         {[&] { bridge.appendMissingTokens(0, "Types"); }, section + "(Types)"},
-        {[&] { bridge.setAttribute(0, "Type", static_cast<const char*>(nullptr)); }, null + "(attribute value)"},
+        {[&] { bridge.setAttribute(0, "Type", static_cast<const char*>(nullptr)); },
+         null + "(attribute value)"},
         {[&] { bridge.writeSection(0, "Includes", nullptr); }, null + "(output stream)"},
         {[&] { bridge.addSectionContent(0, "Defines", nullptr); }, null + "(section fragment)"},
         {[&] { bridge.addCustomSection(0, "", "Mine"); }, builtin + "(Mine, )"},
@@ -172,7 +189,8 @@ TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
     // Content.
     bridge.addSectionContent(0, "Includes", text("#include \"model_types.h\"\n"));
     bridge.addSectionContent(0, "Declarations", text("int counter;\n"));
-    dynamic_cast<FunctionsSection&>(module.getFunctionsSection()).addFunction("step", "void step(void)\r\n{\r\n}\r\n");
+    dynamic_cast<FunctionsSection&>(module.getFunctionsSection())
+        .addFunction("step", "void step(void)\r\n{\r\n}\r\n");
     bridge.addSectionContent(0, "Functions", text(std::string("/* bytes: \x01\xfe\t */\n")));
     bridge.addSectionContent(0, "Banner", text("dropped: no banner in a module file\n"));
     bridge.addSectionContent(1, "Banner", text("== notes ==\n"));
@@ -201,15 +219,16 @@ TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
         std::ifstream in((dir / baseName).string(), std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(in), {});
     };
-    EXPECT_EQ("\n#include \"model.h\"\n"
-              "\n#include <math.h>\n"
-              "#include \"model_types.h\"\n"
-              "\n#include \"rt_util.h\"\n"
-              "int counter;\n"
-              "static int extra;\n"
-              "void step(void)\r\n{\r\n}\r\n"
-              "/* bytes: \x01\xfe\t */\n",
-              bytesOf("model"));
+    EXPECT_EQ(
+        "\n#include \"model.h\"\n"
+        "\n#include <math.h>\n"
+        "#include \"model_types.h\"\n"
+        "\n#include \"rt_util.h\"\n"
+        "int counter;\n"
+        "static int extra;\n"
+        "void step(void)\r\n{\r\n}\r\n"
+        "/* bytes: \x01\xfe\t */\n",
+        bytesOf("model"));
     EXPECT_EQ("== notes ==\ntop text\n/* docs */\nbottom\n", bytesOf("notes"));
     EXPECT_EQ("\n#include <stdint.h>\n#define TYPES_H\ntypedef int int_T;\ntypedef double real_T;\n",
               bytesOf("model_types"));
@@ -217,7 +236,8 @@ TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
     // Appending the banner tokens of a module file consumed its banner custom
     // section into the empty section: the text is gone and cannot be placed.
     EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(Copyright, end, Copyright)",
-              diagnosticWithArgumentsOf([&] { module.getCustomContent().getCustomSectionContent("Copyright", "end"); }));
+              diagnosticWithArgumentsOf(
+                  [&] { module.getCustomContent().getCustomSectionContent("Copyright", "end"); }));
 
     fs::remove_all(dir);
 }

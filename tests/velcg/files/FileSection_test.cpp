@@ -1,6 +1,7 @@
-#include <gtest/gtest.h>
+#include "velcg/FileSection.hpp"
 
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -10,7 +11,6 @@
 
 #include "DiagnosticTesting.hpp"
 #include "files/FileTesting.hpp"
-#include "velcg/FileSection.hpp"
 #include "velcg/IncludesSection.hpp"
 #include "velcg/VelCGFileContent.hpp"
 #include "velcg/VelCGFileSectionKind.hpp"
@@ -74,11 +74,13 @@ TEST(FileSection, RejectsNullArgumentsAndRefusedWritesWithDiagnostics) {
 
 TEST(VelCGFileSectionKind, NamesEveryKindAndConvertsEnumeratorNames) {
     std::string all;
-    for (int k = -1; k <= 23; ++k) all += getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(k)) + ",";
-    EXPECT_EQ(",Banner,Includes,ModelTypesIncludes,ModelTypesDefines,Defines,ModelTypesTypedefs,"
-              "IntrinsicTypes,PrimitiveTypedefs,UserTop,Typedefs,,Enums,Definitions,ExternData,ExternFcns,"
-              "FcnPrototypes,Declarations,Functions,CompilerErrors,CompilerWarnings,Documentation,UserBottom,,,",
-              all);
+    for (int k = -1; k <= 23; ++k)
+        all += getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(k)) + ",";
+    EXPECT_EQ(
+        ",Banner,Includes,ModelTypesIncludes,ModelTypesDefines,Defines,ModelTypesTypedefs,"
+        "IntrinsicTypes,PrimitiveTypedefs,UserTop,Typedefs,,Enums,Definitions,ExternData,ExternFcns,"
+        "FcnPrototypes,Declarations,Functions,CompilerErrors,CompilerWarnings,Documentation,UserBottom,,,",
+        all);
 
     for (int k = 0; k < kNumberOfSectionKinds; ++k) {
         auto kind = static_cast<VelCGFileSectionKind>(k);

@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
+#include "velcg/FunctionsSection.hpp"
 
+#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 
 #include "DiagnosticTesting.hpp"
-#include "velcg/FunctionsSection.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;

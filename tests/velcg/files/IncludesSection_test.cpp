@@ -1,11 +1,11 @@
-#include <gtest/gtest.h>
+#include "velcg/IncludesSection.hpp"
 
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
 #include "files/FileTesting.hpp"
-#include "velcg/IncludesSection.hpp"
 
 using namespace VelCG;
 
@@ -24,18 +24,36 @@ TEST(IncludesSection, MergesRequiredAndUtilityIncludesAroundTheScriptText) {
         std::vector<std::string> fragments, required, utility;
         std::string expected;
     } cases[] = {
-        {"lists only", {}, {"<stdio.h>", "rt.h"}, {"<math.h>", "util.h"},
+        {"lists only",
+         {},
+         {"<stdio.h>", "rt.h"},
+         {"<math.h>", "util.h"},
          "\n#include <stdio.h>\n\n#include \"rt.h\"\n\n#include <math.h>\n\n#include \"util.h\"\n"},
-        {"script text between", {"/* mine */\n"}, {"rt.h"}, {"util.h", "<math.h>"},
+        {"script text between",
+         {"/* mine */\n"},
+         {"rt.h"},
+         {"util.h", "<math.h>"},
          "\n#include \"rt.h\"\n\n#include <math.h>\n/* mine */\n\n#include \"util.h\"\n"},
-        {"already present after a newline", {"x\n#include <stdio.h>\n"}, {"<stdio.h>"}, {},
+        {"already present after a newline",
+         {"x\n#include <stdio.h>\n"},
+         {"<stdio.h>"},
+         {},
          "x\n#include <stdio.h>\n"},
-        {"present only as first line is not recognised", {"#include <stdio.h>\n"}, {"<stdio.h>"}, {},
+        {"present only as first line is not recognised",
+         {"#include <stdio.h>\n"},
+         {"<stdio.h>"},
+         {},
          "\n#include <stdio.h>\n#include <stdio.h>\n"},
-        {"presence is looked for in the script text only", {}, {"<a.h>"}, {"<a.h>"},
+        {"presence is looked for in the script text only",
+         {},
+         {"<a.h>"},
+         {"<a.h>"},
          "\n#include <a.h>\n\n#include <a.h>\n"},
         {"empty entries add nothing", {"t\n"}, {""}, {""}, "t\n"},
-        {"prefix of another header is not a match", {"\n#include \"rt.h.in\"\n"}, {"rt.h"}, {},
+        {"prefix of another header is not a match",
+         {"\n#include \"rt.h.in\"\n"},
+         {"rt.h"},
+         {},
          "\n#include \"rt.h\"\n\n#include \"rt.h.in\"\n"},
     };
     for (const Case& c : cases) {
@@ -45,7 +63,8 @@ TEST(IncludesSection, MergesRequiredAndUtilityIncludesAroundTheScriptText) {
         for (const auto& u : c.utility) s.addUtilityInclude(u);
         EXPECT_EQ(c.expected, s.getContent()) << c.what;
         // Writing gives the same bytes, and a clone renders the same.
-        EXPECT_EQ(c.expected, files_testing::bytesWrittenBy([&](std::FILE* f) { s.writeToFile(f); })) << c.what;
+        EXPECT_EQ(c.expected, files_testing::bytesWrittenBy([&](std::FILE* f) { s.writeToFile(f); }))
+            << c.what;
         EXPECT_EQ(c.expected, s.clone()->getContent()) << c.what;
     }
 }

@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
+#include "velcg/VelCGFileContentBuilder.hpp"
 
+#include <gtest/gtest.h>
 #include <string>
 
 #include "velcg/VelCGFileContent.hpp"
-#include "velcg/VelCGFileContentBuilder.hpp"
 #include "velcg/VelCGFileContentCreator.hpp"
 
 using namespace VelCG;
@@ -20,25 +20,30 @@ public:
         calls += "content;";
         if (!skipContent) VelCGModuleFileContentBuilder::buildContent();
     }
-#define VELCG_RECORD(Step, label)                      \
-    void Step() override {                             \
-        calls += label ";";                            \
-        VelCGModuleFileContentBuilder::Step();         \
+#define VELCG_RECORD(Step, label)              \
+    void Step() override {                     \
+        calls += label ";";                    \
+        VelCGModuleFileContentBuilder::Step(); \
     }
-    VELCG_RECORD(buildBannerSection, "0") VELCG_RECORD(buildIncludesSection, "1")
-    VELCG_RECORD(buildModelTypesIncludesSection, "2") VELCG_RECORD(buildModelTypesDefinesSection, "3")
-    VELCG_RECORD(buildDefinesSection, "4") VELCG_RECORD(buildModelTypesTypedefsSection, "5")
-    VELCG_RECORD(buildIntrinsicTypesSection, "6") VELCG_RECORD(buildPrimitiveTypedefsSection, "7")
-    VELCG_RECORD(buildUserTopSection, "8") VELCG_RECORD(buildTypedefsSection, "9")
-    VELCG_RECORD(buildForwardDeclarationsSection, "10") VELCG_RECORD(buildEnumsSection, "11")
-    VELCG_RECORD(buildDefinitionsSection, "12") VELCG_RECORD(buildExternDataSection, "13")
-    VELCG_RECORD(buildExternFcnsSection, "14") VELCG_RECORD(buildFcnPrototypesSection, "15")
-    VELCG_RECORD(buildDeclarationsSection, "16") VELCG_RECORD(buildFunctionsSection, "17")
-    VELCG_RECORD(buildCompilerErrorsSection, "18") VELCG_RECORD(buildCompilerWarningsSection, "19")
-    VELCG_RECORD(buildDocumentationSection, "20") VELCG_RECORD(buildUserBottomSection, "21")
+    VELCG_RECORD(buildBannerSection, "0")
+    VELCG_RECORD(buildIncludesSection, "1") VELCG_RECORD(buildModelTypesIncludesSection,
+                                                         "2") VELCG_RECORD(buildModelTypesDefinesSection, "3")
+        VELCG_RECORD(buildDefinesSection, "4") VELCG_RECORD(buildModelTypesTypedefsSection, "5")
+            VELCG_RECORD(buildIntrinsicTypesSection, "6") VELCG_RECORD(buildPrimitiveTypedefsSection, "7")
+                VELCG_RECORD(buildUserTopSection, "8") VELCG_RECORD(buildTypedefsSection, "9")
+                    VELCG_RECORD(buildForwardDeclarationsSection, "10") VELCG_RECORD(buildEnumsSection, "11")
+                        VELCG_RECORD(buildDefinitionsSection, "12") VELCG_RECORD(buildExternDataSection, "13")
+                            VELCG_RECORD(buildExternFcnsSection, "14")
+                                VELCG_RECORD(buildFcnPrototypesSection, "15")
+                                    VELCG_RECORD(buildDeclarationsSection, "16")
+                                        VELCG_RECORD(buildFunctionsSection, "17")
+                                            VELCG_RECORD(buildCompilerErrorsSection, "18")
+                                                VELCG_RECORD(buildCompilerWarningsSection, "19")
+                                                    VELCG_RECORD(buildDocumentationSection, "20")
+                                                        VELCG_RECORD(buildUserBottomSection, "21")
 #undef VELCG_RECORD
 
-    VelCGFileContent* getFileContent() override {
+                                                            VelCGFileContent* getFileContent() override {
         calls += "get;";
         return VelCGModuleFileContentBuilder::getFileContent();
     }

@@ -1,9 +1,10 @@
+#include "velcg/VelCGFileRepository.hpp"
+
 #include <gtest/gtest.h>
 
 #include "velcg/VelCGDataTypesFile.hpp"
 #include "velcg/VelCGGenericFile.hpp"
 #include "velcg/VelCGModuleFile.hpp"
-#include "velcg/VelCGFileRepository.hpp"
 
 using namespace VelCG;
 

@@ -1,6 +1,5 @@
-#include <gtest/gtest.h>
-
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,10 +26,10 @@ std::string layout(const VelCGFile& file) {
     for (int k = -1; k <= 23; ++k) {
         auto kind = static_cast<VelCGFileSectionKind>(k);
         const FileSection& s = file.getFileSection(kind);
-        out += !file.hasSection(kind)                          ? '.'
-               : dynamic_cast<const IncludesSection*>(&s)     ? 'I'
-               : dynamic_cast<const FunctionsSection*>(&s)    ? 'F'
-                                                              : 'S';
+        out += !file.hasSection(kind)                      ? '.'
+               : dynamic_cast<const IncludesSection*>(&s)  ? 'I'
+               : dynamic_cast<const FunctionsSection*>(&s) ? 'F'
+                                                           : 'S';
     }
     return out;
 }
@@ -104,8 +103,10 @@ TEST(VelCGFile, EachKindBuildsItsOwnSectionTable) {
     EXPECT_EQ(".SISSSSSSSSSSSSSSSSSSSS..", layout(VelCGGenericFile("g.txt")));
     EXPECT_EQ("..I..S....S..............", layout(VelCGDataTypesFile("types.h")));
     // A builder that allocates no table leaves the file without sections.
-    EXPECT_EQ(".........................", layout(FileBuiltWith(std::make_unique<VelCGFileContentBuilder>())));
-    EXPECT_EQ("VelCG:VelCGFile:NullBuilder", testing_support::diagnosticOf([] { FileBuiltWith file(nullptr); }));
+    EXPECT_EQ(".........................",
+              layout(FileBuiltWith(std::make_unique<VelCGFileContentBuilder>())));
+    EXPECT_EQ("VelCG:VelCGFile:NullBuilder",
+              testing_support::diagnosticOf([] { FileBuiltWith file(nullptr); }));
 
     // Text for a section the file lacks is dropped; named accessors reach the kind's section.
     VelCGDataTypesFile types("types.h");
@@ -124,8 +125,9 @@ TEST(VelCGFile, WritingASectionAppendsUnplacedCustomSectionsFirst) {
     custom.addContentToSection("Top", "/* banner */\n");
     f.getDefinesSection().addContent("#define A 1\n");
     // A refused write consumes no custom section.
-    EXPECT_EQ("VelCG:VelCGFile:NullStream(m.c, Defines)",
-              testing_support::diagnosticWithArgumentsOf([&] { f.writeSectionToFile(DEFINES_SECTION, nullptr); }));
+    EXPECT_EQ("VelCG:VelCGFile:NullStream(m.c, Defines)", testing_support::diagnosticWithArgumentsOf([&] {
+                  f.writeSectionToFile(DEFINES_SECTION, nullptr);
+              }));
 
     EXPECT_EQ("#define A 1\n#define EXTRA 1\n", writeSection(f, DEFINES_SECTION));
     // Writing again writes the same text; the custom section is not appended twice.

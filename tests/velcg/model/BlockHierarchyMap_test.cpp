@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
+#include "velcg/BlockHierarchyMap.hpp"
 
+#include <gtest/gtest.h>
 #include <stdexcept>
 
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
-#include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
 #include "velcg/StoredGraphicalSubsystem.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
@@ -79,10 +79,11 @@ TEST(GraphicalSubsystem, AFailingKindQueryLeavesTheSubsystemUnchanged) {
 }
 
 TEST(GraphicalSubsystem, TypeStringsAndDefaults) {
-    const char* expected[] = {"root",    "virtual", "atomic", "enabled",  "trigger", "enabletrigger",
+    const char* expected[] = {"root",    "virtual", "atomic",   "enabled", "trigger", "enabletrigger",
                               "fcncall", "action",  "iterator", "unknown", ""};
     for (int i = 0; i <= 10; ++i)
-        EXPECT_STREQ(expected[i], GraphicalSubsystem::getStringForSubsystemType(static_cast<GraphicalSubsystemType>(i)));
+        EXPECT_STREQ(expected[i],
+                     GraphicalSubsystem::getStringForSubsystemType(static_cast<GraphicalSubsystemType>(i)));
     GraphicalSubsystem plain;
     EXPECT_STREQ("unknown", GraphicalSubsystem::getStringForSubsystemType(plain.getType()));
     plain.setMangledPathName("m_Sub");
@@ -98,10 +99,14 @@ struct Hierarchy {
     BlockHierarchyMap map;
     GraphicalSubsystem *root, *a, *b, *c;
     Hierarchy() {
-        root = map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"root", GraphicalSubsystemType::Root));
-        a = map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"A", GraphicalSubsystemType::Atomic));
-        b = map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"B", GraphicalSubsystemType::Virtual));
-        c = map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"C", GraphicalSubsystemType::Enabled));
+        root = map.addGraphicalSubsystem(
+            std::make_unique<StoredGraphicalSubsystem>(L"root", GraphicalSubsystemType::Root));
+        a = map.addGraphicalSubsystem(
+            std::make_unique<StoredGraphicalSubsystem>(L"A", GraphicalSubsystemType::Atomic));
+        b = map.addGraphicalSubsystem(
+            std::make_unique<StoredGraphicalSubsystem>(L"B", GraphicalSubsystemType::Virtual));
+        c = map.addGraphicalSubsystem(
+            std::make_unique<StoredGraphicalSubsystem>(L"C", GraphicalSubsystemType::Enabled));
         root->addGraphicalBlock(block(L"In1", {true}));
         root->addGraphicalBlock(block(L"A", {false, false, true}));
         root->addGraphicalBlock(block(L"B", {false, false, true, false, true}));

@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
+#include "velcg/CGModelFactory.hpp"
 
+#include <gtest/gtest.h>
 #include <type_traits>
 
 #include "CG/DataInterface.hpp"
 #include "vel/diag/Diagnostic.hpp"
-#include "velcg/CGModelFactory.hpp"
 #include "velcg/DataInterfaceRecord.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/ModelParameter.hpp"

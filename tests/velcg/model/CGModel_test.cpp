@@ -1,13 +1,14 @@
-#include <gtest/gtest.h>
+#include "velcg/CGModel.hpp"
 
+#include <gtest/gtest.h>
 #include <stdexcept>
 
 #include <boost/make_shared.hpp>
 
 #include "CG/DataInterface.hpp"
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
-#include "velcg/CGModel.hpp"
 #include "velcg/CGModelFactory.hpp"
 #include "velcg/CGTypeMember.hpp"
 #include "velcg/ChildCoderDataGroup.hpp"
@@ -29,7 +30,6 @@
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
@@ -103,7 +103,8 @@ TEST(CGModel, IndexLookupsReturnNullPastTheEndExceptCoderGroups) {
     CGModel m;
     std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
     auto record = [&] {
-        return std::unique_ptr<DataInterfaceRecord>(factory->createDataInterfaceRecord(new StoredDataInterfaceRecord()));
+        return std::unique_ptr<DataInterfaceRecord>(
+            factory->createDataInterfaceRecord(new StoredDataInterfaceRecord()));
     };
     m.addVarGroup(std::make_unique<VarGroup>());
     m.addVelCGType(std::make_unique<VelCGType>());
@@ -127,8 +128,10 @@ TEST(CGModel, IndexLookupsReturnNullPastTheEndExceptCoderGroups) {
         {"model parameter", c.getModelParameter(0), c.getModelParameter(1), c.getModelParameters()[0]},
         {"external input", m.getExternalInput(0), m.getExternalInput(1), c.getExternalInputs()[0]},
         {"global output", m.getGlobalBlockOutput(0), c.getGlobalBlockOutput(1), c.getGlobalBlockOutputs()[0]},
-        {"constant output", m.getConstantBlockOutput(0), c.getConstantBlockOutput(1), c.getConstantBlockOutputs()[0]},
-        {"external output", m.getExternalBlockOutput(0), c.getExternalBlockOutput(1), c.getExternalBlockOutputs()[0]},
+        {"constant output", m.getConstantBlockOutput(0), c.getConstantBlockOutput(1),
+         c.getConstantBlockOutputs()[0]},
+        {"external output", m.getExternalBlockOutput(0), c.getExternalBlockOutput(1),
+         c.getExternalBlockOutputs()[0]},
         {"dwork", m.getDWork(0), c.getDWork(1), c.getDWorks()[0]},
         {"input interface", c.getExternalInputDataInterface(0), c.getExternalInputDataInterface(1),
          c.getExternalInputInterfaces()[0]},
@@ -243,7 +246,8 @@ TEST(CGModel, BuildsQueriesAndDestroysAWholeModel) {
     {
         CGModel m;
         std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
-        CG::DataInterface* di = CG::DataInterface::create({"rtB.y", "StructElement", "rtB", "real_T", "Gain"});
+        CG::DataInterface* di =
+            CG::DataInterface::create({"rtB.y", "StructElement", "rtB", "real_T", "Gain"});
 
         for (const char* id : {"root", "sub"}) {
             auto s = std::make_unique<System>();
@@ -268,15 +272,16 @@ TEST(CGModel, BuildsQueriesAndDestroysAWholeModel) {
             in->setVarGroupMemberIndex(i);
             m.addExternalInput(std::move(in));
         }
-        m.addModelParameter(std::unique_ptr<ModelParameter>(factory->createModelParameter(new CountedParameter())));
+        m.addModelParameter(
+            std::unique_ptr<ModelParameter>(factory->createModelParameter(new CountedParameter())));
         ModelParameter* gainParam = m.getModelParameters()[0];
 
         // root: In1, Sub (subsystem block), Out1; Sub: Gain with a parameter.
         BlockHierarchyMap* bhm = m.getBlockHierarchyMap();
-        GraphicalSubsystem* root =
-            bhm->addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"root", GraphicalSubsystemType::Root));
-        GraphicalSubsystem* sub =
-            bhm->addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>(L"Sub", GraphicalSubsystemType::Atomic));
+        GraphicalSubsystem* root = bhm->addGraphicalSubsystem(
+            std::make_unique<StoredGraphicalSubsystem>(L"root", GraphicalSubsystemType::Root));
+        GraphicalSubsystem* sub = bhm->addGraphicalSubsystem(
+            std::make_unique<StoredGraphicalSubsystem>(L"Sub", GraphicalSubsystemType::Atomic));
         auto blockOf = [&](const wchar_t* name, auto&& setup) {
             auto* impl = new StoredGraphicalBlock(name);
             impl->setCGModel(&m);
@@ -300,7 +305,8 @@ TEST(CGModel, BuildsQueriesAndDestroysAWholeModel) {
             auto region = std::make_unique<Region>();
             region->setDataInterface(di);
             out->addRegion(std::move(region));
-            b.addParameter(std::unique_ptr<Parameter>(factory->createParameter(new StoredParameter(L"K", {gainParam}))));
+            b.addParameter(
+                std::unique_ptr<Parameter>(factory->createParameter(new StoredParameter(L"K", {gainParam}))));
             b.addDWork(std::unique_ptr<DataInterfaceRecord>(
                 factory->createDataInterfaceRecord(new StoredDataInterfaceRecord(di))));
         }));
@@ -338,7 +344,8 @@ TEST(CGModel, BuildsQueriesAndDestroysAWholeModel) {
         EXPECT_EQ(interfacesBefore + 1, CG::DataInterface::liveCount());
     }
     EXPECT_EQ(0, CountedParameter::live);
-    EXPECT_EQ(interfacesBefore, CG::DataInterface::liveCount()) << "every data-interface reference is released";
+    EXPECT_EQ(interfacesBefore, CG::DataInterface::liveCount())
+        << "every data-interface reference is released";
 }
 
 } // namespace

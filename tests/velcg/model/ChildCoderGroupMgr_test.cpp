@@ -1,18 +1,19 @@
-#include <gtest/gtest.h>
+#include "velcg/ChildCoderGroupMgr.hpp"
 
+#include <gtest/gtest.h>
 #include <stdexcept>
 
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/ChildCoderDataGroup.hpp"
-#include "velcg/ChildCoderGroupMgr.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
 
 namespace {
 
-std::unique_ptr<CoderDataGroup> group(const std::string& name, const std::string& rootType = "", bool self = false) {
+std::unique_ptr<CoderDataGroup> group(const std::string& name, const std::string& rootType = "",
+                                      bool self = false) {
     auto g = std::make_unique<ChildCoderDataGroup>(name);
     g->setRootGroupTypeName(rootType);
     g->setSelfGroup(self);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/ChildCoderDataGroup.hpp"
@@ -7,7 +8,6 @@
 #include "velcg/System.hpp"
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
@@ -25,13 +25,19 @@ TEST(CoderDataGroup, DefaultsAndRules) {
     EXPECT_EQ("Coder Group 'Fast'", g.getIdentification());
     EXPECT_EQ(-1, g.getGroupIndex());
     const std::vector<std::string> rules = {
-        g.getHeaderFileRule(),           g.getStructureTypeNameRule(),       g.getStructureInstanceNameRule(),
-        g.getSelfStructureTypeNameRule(), g.getSelfStructureInstanceNameRule(), g.getStructureReferenceNameRule(),
-        g.getSelfStructureReferenceNameRule(), g.getStructureArgumentNameRule(), g.getSelfStructureArgumentNameRule(),
+        g.getHeaderFileRule(),
+        g.getStructureTypeNameRule(),
+        g.getStructureInstanceNameRule(),
+        g.getSelfStructureTypeNameRule(),
+        g.getSelfStructureInstanceNameRule(),
+        g.getStructureReferenceNameRule(),
+        g.getSelfStructureReferenceNameRule(),
+        g.getStructureArgumentNameRule(),
+        g.getSelfStructureArgumentNameRule(),
         g.getParameterAccessMacroNameRule(),
     };
-    EXPECT_EQ((std::vector<std::string>{"$R.h", "$R$N$G$M", "$G$N$M", "$R_IMPL$M", "$N$M", "$N$G_ref$M", "$N_ref$M",
-                                        "$R$G_arg$M", "self$M", "$R$U$N"}),
+    EXPECT_EQ((std::vector<std::string>{"$R.h", "$R$N$G$M", "$G$N$M", "$R_IMPL$M", "$N$M", "$N$G_ref$M",
+                                        "$N_ref$M", "$R$G_arg$M", "self$M", "$R$U$N"}),
               rules);
     EXPECT_EQ(CoderDataGroup::AsStructure::InParent, g.getAsStructure());
     EXPECT_EQ(CoderDataGroup::DataInit::Dynamic, g.getDataInit());
@@ -61,7 +67,8 @@ TEST(CoderDataGroup, StringFormsAndExportedScope) {
     const struct {
         const char* scope;
         bool exported;
-    } rows[] = {{"Exported", true}, {"exported", false}, {"Exported ", false}, {"", false}, {"Imported", false}};
+    } rows[] = {
+        {"Exported", true}, {"exported", false}, {"Exported ", false}, {"", false}, {"Imported", false}};
     for (const auto& r : rows) {
         g.setDataScope(r.scope);
         EXPECT_EQ(r.exported, g.isDataScopeExported()) << "'" << r.scope << "'";

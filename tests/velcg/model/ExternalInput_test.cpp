@@ -1,14 +1,15 @@
+#include "velcg/ExternalInput.hpp"
+
 #include <gtest/gtest.h>
 
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGTypeMember.hpp"
-#include "velcg/ExternalInput.hpp"
 #include "velcg/FPCIOMap.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
@@ -22,8 +23,8 @@ TEST(ExternalInput, Defaults) {
     EXPECT_EQ(0, in.getPadding());
     EXPECT_EQ(-1, in.getStorageClass());
     for (int index : {in.getCGTypeIndex(), in.getVarGroupIndex(), in.getVarGroupMemberIndex(),
-                      in.getCanonicalDimSizeDWorkIndex(), in.getSizeVarGroupIndex(), in.getSizeVarGroupMemberIndex(),
-                      in.getDimSizeDWork()})
+                      in.getCanonicalDimSizeDWorkIndex(), in.getSizeVarGroupIndex(),
+                      in.getSizeVarGroupMemberIndex(), in.getDimSizeDWork()})
         EXPECT_EQ(-1, index);
     in.setStorageClass(3, "ExportedGlobal");
     EXPECT_EQ(3, in.getStorageClass());

@@ -1,14 +1,15 @@
-#include <gtest/gtest.h>
+#include "velcg/GraphicalBlock.hpp"
 
+#include <gtest/gtest.h>
 #include <sstream>
 
 #include "CG/DataInterface.hpp"
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGModelFactory.hpp"
 #include "velcg/DataInterfaceRecord.hpp"
-#include "velcg/GraphicalBlock.hpp"
 #include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/Parameter.hpp"
@@ -18,7 +19,6 @@
 #include "velcg/StoredDataInterfaceRecord.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
 #include "velcg/StoredParameter.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
@@ -61,11 +61,12 @@ TEST(GraphicalBlock, ForwardsEveryQueryAndOwnsItsImplementation) {
         // the wrong operation shows.
         std::ostringstream all;
         all << narrow(b.getName()) << " " << narrow(b.getVelName()) << " " << narrow(b.getSID()) << " "
-            << narrow(b.getCompactSID()) << " " << narrow(b.getBlockPath()) << " " << narrow(b.getType()) << " "
-            << narrow(b.getDescription()) << " " << narrow(b.getReferencedModelName()) << " "
-            << b.getIsProtectedModelBlock() << static_cast<int>(b.getVirtual()) << b.getNumFcnCallOutputPorts()
-            << b.isReduced() << " " << b.getRLSCommentName() << " " << b.getNumDataOutputPorts() << b.isInport()
-            << b.isOutport() << b.isSubsystem() << b.isDataStoreMemory();
+            << narrow(b.getCompactSID()) << " " << narrow(b.getBlockPath()) << " " << narrow(b.getType())
+            << " " << narrow(b.getDescription()) << " " << narrow(b.getReferencedModelName()) << " "
+            << b.getIsProtectedModelBlock() << static_cast<int>(b.getVirtual())
+            << b.getNumFcnCallOutputPorts() << b.isReduced() << " " << b.getRLSCommentName() << " "
+            << b.getNumDataOutputPorts() << b.isInport() << b.isOutport() << b.isSubsystem()
+            << b.isDataStoreMemory();
         EXPECT_EQ("probe Gain1 m:1 1 m/Gain1 Gain d ref 1221 rls 10001", all.str());
         EXPECT_EQ(&impl->getDataOutputPorts(), &b.getDataOutputPorts());
         EXPECT_EQ(&model, b.getCGModel());
@@ -84,7 +85,8 @@ TEST(GraphicalBlock, VirtualityStrings) {
         const char* name;
     } rows[] = {{0, "NonVirtual"}, {1, "Virtual"}, {2, "PostCompileVirtual"}, {3, ""}, {-1, ""}};
     for (const auto& r : rows)
-        EXPECT_STREQ(r.name, GraphicalBlock::getStringForBlockVirtuality(static_cast<BlockVirtuality>(r.value)));
+        EXPECT_STREQ(r.name,
+                     GraphicalBlock::getStringForBlockVirtuality(static_cast<BlockVirtuality>(r.value)));
 }
 
 TEST(GraphicalBlock, ListsBecomeColumnCellArraysOfElementHandles) {
@@ -96,7 +98,8 @@ TEST(GraphicalBlock, ListsBecomeColumnCellArraysOfElementHandles) {
     EXPECT_EQ(0u, none->rows());
     EXPECT_EQ(1u, none->cols());
 
-    Parameter* k = impl->addParameter(std::unique_ptr<Parameter>(factory->createParameter(new StoredParameter(L"K"))));
+    Parameter* k =
+        impl->addParameter(std::unique_ptr<Parameter>(factory->createParameter(new StoredParameter(L"K"))));
     Parameter* plain = impl->addParameter(std::make_unique<Parameter>(new StoredParameter(L"plain")));
     impl->addDiscreteState(std::unique_ptr<DataInterfaceRecord>(
         factory->createDataInterfaceRecord(new StoredDataInterfaceRecord())));

@@ -1,13 +1,13 @@
-#include <gtest/gtest.h>
-
 #include <array>
 #include <functional>
+#include <gtest/gtest.h>
 #include <map>
 #include <set>
 #include <sstream>
 
 #include "CG/DataInterface.hpp"
 #include "CG/Type.hpp"
+#include "DiagnosticTesting.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -34,7 +34,6 @@
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
@@ -46,26 +45,28 @@ namespace {
 std::string render(const tuvArray& a) {
     std::ostringstream os;
     switch (a.classId()) {
-    case tuvClass::Char: return "'" + a.toUtf8() + "'";
-    case tuvClass::Opaque: return a.className();
-    case tuvClass::Cell:
-        os << "{";
-        for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << render(*a.getCell(i));
-        os << "}";
-        return os.str();
-    case tuvClass::Object:
-        os << "<";
-        for (std::size_t i = 0; i < a.numel(); ++i)
-            os << (i ? "," : "") << a.handles()[i].get()->getFullyQualifiedKorbTypeName();
-        os << ">";
-        return os.str();
-    default:
-        if (a.isScalar()) return a.describe();
-        if (a.isEmpty() && a.classId() == tuvClass::Double) return "[]";
-        os << a.className() << "[";
-        for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << a.numericAt(i);
-        os << "]";
-        return os.str();
+        case tuvClass::Char:
+            return "'" + a.toUtf8() + "'";
+        case tuvClass::Opaque:
+            return a.className();
+        case tuvClass::Cell:
+            os << "{";
+            for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << render(*a.getCell(i));
+            os << "}";
+            return os.str();
+        case tuvClass::Object:
+            os << "<";
+            for (std::size_t i = 0; i < a.numel(); ++i)
+                os << (i ? "," : "") << a.handles()[i].get()->getFullyQualifiedKorbTypeName();
+            os << ">";
+            return os.str();
+        default:
+            if (a.isScalar()) return a.describe();
+            if (a.isEmpty() && a.classId() == tuvClass::Double) return "[]";
+            os << a.className() << "[";
+            for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << a.numericAt(i);
+            os << "]";
+            return os.str();
     }
 }
 
@@ -91,7 +92,8 @@ struct Scene {
 
     Scene() {
         std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
-        CG::DataInterface* di = CG::DataInterface::create({"model_State.x", "StructElement", "model_State", "real_T", "Gain"});
+        CG::DataInterface* di =
+            CG::DataInterface::create({"model_State.x", "StructElement", "model_State", "real_T", "Gain"});
 
         auto sys = std::make_unique<System>();
         system = sys.get();
@@ -265,27 +267,48 @@ TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
         std::vector<Prop> props;
     } classes[] = {
         {s.system,
-         {{"Identifier", "char", "'sysId'"}, {"GraphicalCallsites", "any", "<" + B + ">"},
-          {"StartFcn", "char", "'start'"}, {"OutputFcn", "char", "'out'"}, {"UpdateFcn", "char", "'upd'"},
-          {"OutputUpdateFcn", "char", "'outupd'"}, {"IsModelReferenceBaseSystem", "logical scalar", "logical false"}}},
+         {{"Identifier", "char", "'sysId'"},
+          {"GraphicalCallsites", "any", "<" + B + ">"},
+          {"StartFcn", "char", "'start'"},
+          {"OutputFcn", "char", "'out'"},
+          {"UpdateFcn", "char", "'upd'"},
+          {"OutputUpdateFcn", "char", "'outupd'"},
+          {"IsModelReferenceBaseSystem", "logical scalar", "logical false"}}},
         {s.cgType,
-         {{"Name", "char", "'int32_T'"}, {"VelTypeIndex", "int32 scalar", "int32 0"},
-          {"Width", "int32 scalar", "int32 1"}, {"SymbolicWidth", "char", "'1'"}, {"Constructor", "char", "''"},
-          {"BaseIndex", "int32 scalar", "int32 0"}, {"Dimensions", "int32 vector", "int32[2,3]"},
-          {"SymbolicDimensions", "cell", "{'N','M'}"}, {"Bias", "double scalar", "double 0"},
-          {"Slope", "double scalar", "double 1.5"}, {"NBits", "int32 scalar", "int32 32"},
-          {"IsSigned", "logical scalar", "logical true"}, {"Exponent", "int32 scalar", "int32 0"},
-          {"IsLoweredMultiword", "logical scalar", "logical false"}, {"StructAlignment", "int32 scalar", "int32 -1"},
-          {"Members", "any", "<VelCG.CGTypeMember>"}, {"EmbeddedType", "any", "embedded.type"}}},
+         {{"Name", "char", "'int32_T'"},
+          {"VelTypeIndex", "int32 scalar", "int32 0"},
+          {"Width", "int32 scalar", "int32 1"},
+          {"SymbolicWidth", "char", "'1'"},
+          {"Constructor", "char", "''"},
+          {"BaseIndex", "int32 scalar", "int32 0"},
+          {"Dimensions", "int32 vector", "int32[2,3]"},
+          {"SymbolicDimensions", "cell", "{'N','M'}"},
+          {"Bias", "double scalar", "double 0"},
+          {"Slope", "double scalar", "double 1.5"},
+          {"NBits", "int32 scalar", "int32 32"},
+          {"IsSigned", "logical scalar", "logical true"},
+          {"Exponent", "int32 scalar", "int32 0"},
+          {"IsLoweredMultiword", "logical scalar", "logical false"},
+          {"StructAlignment", "int32 scalar", "int32 -1"},
+          {"Members", "any", "<VelCG.CGTypeMember>"},
+          {"EmbeddedType", "any", "embedded.type"}}},
         {s.member,
-         {{"Name", "char", "'u1'"}, {"CGTypeIndex", "int32 scalar", "int32 0"}, {"Alignment", "int32 scalar", "int32 4"}}},
+         {{"Name", "char", "'u1'"},
+          {"CGTypeIndex", "int32 scalar", "int32 0"},
+          {"Alignment", "int32 scalar", "int32 4"}}},
         {&s.model,
-         {{"Systems", "any", "<VelCG.System>"}, {"BlockHierarchyMap", "any", "<VelCG.BlockHierarchyMap>"},
-          {"CGTypes", "any", "<VelCG.VelCGType>"}, {"VarGroups", "any", "<VelCG.VarGroup>"},
-          {"VelTypes", "any", "<VelCG.VelType>"}, {"ExternalInputs", "any", "<VelCG.ExternalInput>"},
-          {"TAQBlocks", "any", "<" + T + ">"}, {"SubsystemPathForRightClickBuild", "char", "'m/Sub'"},
-          {"SubsystemNameForRightClickBuild", "char", "'Sub'"}, {"ModelReferenceTargetType", "char", "'SIM'"},
-          {"NumChildSFunctions", "uint32 scalar", "uint32 2"}, {"IsQuayTarget", "logical scalar", "logical true"},
+         {{"Systems", "any", "<VelCG.System>"},
+          {"BlockHierarchyMap", "any", "<VelCG.BlockHierarchyMap>"},
+          {"CGTypes", "any", "<VelCG.VelCGType>"},
+          {"VarGroups", "any", "<VelCG.VarGroup>"},
+          {"VelTypes", "any", "<VelCG.VelType>"},
+          {"ExternalInputs", "any", "<VelCG.ExternalInput>"},
+          {"TAQBlocks", "any", "<" + T + ">"},
+          {"SubsystemPathForRightClickBuild", "char", "'m/Sub'"},
+          {"SubsystemNameForRightClickBuild", "char", "'Sub'"},
+          {"ModelReferenceTargetType", "char", "'SIM'"},
+          {"NumChildSFunctions", "uint32 scalar", "uint32 2"},
+          {"IsQuayTarget", "logical scalar", "logical true"},
           {"IsGeneratingToSharedLocation", "logical scalar", "logical true"},
           {"IsCompactFilePackaging", "logical scalar", "logical true"},
           {"MaxMultiWordBits", "int32 scalar", "int32 128"},
@@ -294,81 +317,145 @@ TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
           {"IsHostBasedSimulationTarget", "logical scalar", "logical false"},
           {"SharedCodeManagerPath", "char", "'/shared'"}}},
         {s.group,
-         {{"Name", "char", "'DW_T'"}, {"Category", "char vector", "'DWork'"}, {"LocalName", "char", "'localDW'"},
-          {"NonreusedName", "char", "'model_State'"}, {"SystemIndex", "int32 scalar", "int32 0"},
-          {"HasElement", "char", "'yes'"}, {"InstanceIndex", "int32 scalar", "int32 0"},
-          {"IsPointer", "logical scalar", "logical false"}, {"ParentVarGroupIndex", "int32 scalar", "int32 -1"},
-          {"MemberIndexInParent", "int32 scalar", "int32 -1"}, {"CGTypeIndex", "int32 scalar", "int32 0"},
-          {"TypeTag", "char", "'tag'"}, {"GlobalOffset", "int32 scalar", "int32 8"},
-          {"Elements", "cell", "{'a','b'}"}, {"SubstructNames", "cell", "{'S'}"},
-          {"SubstructIndices", "int32 vector", "int32 1"}, {"DataGroupIndex", "int32 scalar", "int32 -1"}}},
+         {{"Name", "char", "'DW_T'"},
+          {"Category", "char vector", "'DWork'"},
+          {"LocalName", "char", "'localDW'"},
+          {"NonreusedName", "char", "'model_State'"},
+          {"SystemIndex", "int32 scalar", "int32 0"},
+          {"HasElement", "char", "'yes'"},
+          {"InstanceIndex", "int32 scalar", "int32 0"},
+          {"IsPointer", "logical scalar", "logical false"},
+          {"ParentVarGroupIndex", "int32 scalar", "int32 -1"},
+          {"MemberIndexInParent", "int32 scalar", "int32 -1"},
+          {"CGTypeIndex", "int32 scalar", "int32 0"},
+          {"TypeTag", "char", "'tag'"},
+          {"GlobalOffset", "int32 scalar", "int32 8"},
+          {"Elements", "cell", "{'a','b'}"},
+          {"SubstructNames", "cell", "{'S'}"},
+          {"SubstructIndices", "int32 vector", "int32 1"},
+          {"DataGroupIndex", "int32 scalar", "int32 -1"}}},
         {s.velType,
-         {{"ID", "int32 scalar", "int32 7"}, {"CGTypeIdx", "int32 scalar", "int32 0"},
-          {"ContainerCGTypeIdx", "int32 scalar", "int32 -1"}, {"ContainerVelTypeIdx", "int32 scalar", "int32 -1"}}},
+         {{"ID", "int32 scalar", "int32 7"},
+          {"CGTypeIdx", "int32 scalar", "int32 0"},
+          {"ContainerCGTypeIdx", "int32 scalar", "int32 -1"},
+          {"ContainerVelTypeIdx", "int32 scalar", "int32 -1"}}},
         {s.input,
-         {{"CGTypeIndex", "int32 scalar", "int32 0"}, {"StorageClass", "char", "'Auto'"},
-          {"RequiresGlobalAccess", "logical scalar", "logical true"}, {"Identifier", "char", "'In1'"},
-          {"VarGroupIndex", "int32 scalar", "int32 -1"}, {"VarGroupMemberIndex", "int32 scalar", "int32 -1"},
+         {{"CGTypeIndex", "int32 scalar", "int32 0"},
+          {"StorageClass", "char", "'Auto'"},
+          {"RequiresGlobalAccess", "logical scalar", "logical true"},
+          {"Identifier", "char", "'In1'"},
+          {"VarGroupIndex", "int32 scalar", "int32 -1"},
+          {"VarGroupMemberIndex", "int32 scalar", "int32 -1"},
           {"HasVarDims", "logical scalar", "logical false"},
           {"CanonicalDimSizeDWorkIndex", "int32 scalar", "int32 -1"},
           {"HasCanonicalDimSizeDWorkIndex", "logical scalar", "logical false"},
-          {"SizeVarGroupIdx", "int32 scalar", "int32 2"}, {"SizeVarGroupMemberIndex", "int32 scalar", "int32 -1"},
-          {"DimSizeDWork", "int32 scalar", "int32 -1"}, {"Padding", "int32 scalar", "int32 4"}}},
+          {"SizeVarGroupIdx", "int32 scalar", "int32 2"},
+          {"SizeVarGroupMemberIndex", "int32 scalar", "int32 -1"},
+          {"DimSizeDWork", "int32 scalar", "int32 -1"},
+          {"Padding", "int32 scalar", "int32 4"}}},
         {s.model.getBlockHierarchyMap(),
          {{"Subsystems", "any", "<VelCG.GraphicalSubsystem>"}, {"ReducedBlocks", "any", "<>"}}},
         {s.root,
-         {{"Name", "char", "'root'"}, {"VelName", "char", "'root'"}, {"SubsystemBlock", "any", "<" + B + ">"},
-          {"Type", "char vector", "'root'"}, {"MaskType", "char", "''"}, {"InputPortBlocks", "any", "<>"},
-          {"OutputPortBlocks", "any", "<>"}, {"DataStoreBlocks", "any", "<>"}, {"SubsystemBlocks", "any", "<>"},
-          {"ChildSubsystems", "any", "<>"}, {"Blocks", "any", "<" + B + ">"}}},
+         {{"Name", "char", "'root'"},
+          {"VelName", "char", "'root'"},
+          {"SubsystemBlock", "any", "<" + B + ">"},
+          {"Type", "char vector", "'root'"},
+          {"MaskType", "char", "''"},
+          {"InputPortBlocks", "any", "<>"},
+          {"OutputPortBlocks", "any", "<>"},
+          {"DataStoreBlocks", "any", "<>"},
+          {"SubsystemBlocks", "any", "<>"},
+          {"ChildSubsystems", "any", "<>"},
+          {"Blocks", "any", "<" + B + ">"}}},
         {s.block,
-         {{"Name", "char", "'Gain'"}, {"VelName", "char", "'Gain1'"}, {"SID", "char", "'m:5'"},
-          {"Type", "char", "'Gain'"}, {"Description", "char", "'desc'"}, {"ReferencedModelName", "char", "''"},
-          {"Virtual", "char vector", "'Virtual'"}, {"DataInputPorts", "any", "<VelCG.Port>"},
-          {"DataOutputPorts", "any", "<VelCG.Port>"}, {"ControlInputPorts", "any", "<>"},
-          {"NumFcnCallOutputPorts", "int32 scalar", "int32 0"}, {"Parameters", "any", "{<VelCG.Parameter>}"},
-          {"ContinuousStates", "any", "<VelCG.State>"}, {"Derivatives", "any", "<VelCG.State>"},
+         {{"Name", "char", "'Gain'"},
+          {"VelName", "char", "'Gain1'"},
+          {"SID", "char", "'m:5'"},
+          {"Type", "char", "'Gain'"},
+          {"Description", "char", "'desc'"},
+          {"ReferencedModelName", "char", "''"},
+          {"Virtual", "char vector", "'Virtual'"},
+          {"DataInputPorts", "any", "<VelCG.Port>"},
+          {"DataOutputPorts", "any", "<VelCG.Port>"},
+          {"ControlInputPorts", "any", "<>"},
+          {"NumFcnCallOutputPorts", "int32 scalar", "int32 0"},
+          {"Parameters", "any", "{<VelCG.Parameter>}"},
+          {"ContinuousStates", "any", "<VelCG.State>"},
+          {"Derivatives", "any", "<VelCG.State>"},
           {"DiscreteStates", "any", "{<VelCG.DataInterfaceRecord>}"},
-          {"DWorks", "any", "{<VelCG.DataInterfaceRecord>}"}, {"RLSCommentName", "char", "'rls'"},
+          {"DWorks", "any", "{<VelCG.DataInterfaceRecord>}"},
+          {"RLSCommentName", "char", "'rls'"},
           {"IsProtectedModelBlock", "logical scalar", "logical false"}}},
         {s.inPort,
-         {{"VelName", "char", "''"}, {"SignalLabel", "char", "''"}, {"Connected", "logical scalar", "logical false"},
+         {{"VelName", "char", "''"},
+          {"SignalLabel", "char", "''"},
+          {"Connected", "logical scalar", "logical false"},
           {"TestPoint", "logical scalar", "logical false"},
           {"MdlRefSimLoggableTestPoint", "logical scalar", "logical false"},
-          {"GraphicalSource", "any", "<VelCG.Port>"}, {"Regions", "any", "<>"}}},
+          {"GraphicalSource", "any", "<VelCG.Port>"},
+          {"Regions", "any", "<>"}}},
         {s.region,
-         {{"Source", "char", "'rtB.x'"}, {"BusSelElIdx", "char", "''"}, {"BusSelElCGTypeId", "char", "''"},
-          {"Offset", "int32 scalar", "int32 2"}, {"GroundDataTypeIdx", "int32 scalar", "int32 -1"},
-          {"GroundLabel", "char", "''"}, {"GroundIsComplex", "logical scalar", "logical false"},
-          {"GroundIsSynthesized", "logical scalar", "logical false"}, {"Dimensions", "int32 vector", "int32 1"},
-          {"FunctionArgumentIdx", "int32 scalar", "int32 -1"}, {"DataInterface", "any", "coder.DataInterface"}}},
+         {{"Source", "char", "'rtB.x'"},
+          {"BusSelElIdx", "char", "''"},
+          {"BusSelElCGTypeId", "char", "''"},
+          {"Offset", "int32 scalar", "int32 2"},
+          {"GroundDataTypeIdx", "int32 scalar", "int32 -1"},
+          {"GroundLabel", "char", "''"},
+          {"GroundIsComplex", "logical scalar", "logical false"},
+          {"GroundIsSynthesized", "logical scalar", "logical false"},
+          {"Dimensions", "int32 vector", "int32 1"},
+          {"FunctionArgumentIdx", "int32 scalar", "int32 -1"},
+          {"DataInterface", "any", "coder.DataInterface"}}},
         {dynamic_cast<vel::mi::Handle*>(s.parameter),
          {{"Name", "char", "'K'"}, {"ModelParameters", "any", "<VelCG.ModelParameter>"}}},
         {s.state, {{"Dimensions", "int32 vector", "int32 3"}}},
         {dynamic_cast<vel::mi::Handle*>(s.modelParameter),
-         {{"Name", "char", "'K'"}, {"IsAlias", "logical scalar", "logical false"},
+         {{"Name", "char", "'K'"},
+          {"IsAlias", "logical scalar", "logical false"},
           {"IsWorkspaceVar", "logical scalar", "logical true"},
-          {"IsPseudoWorkspaceVar", "logical scalar", "logical false"}, {"IsTunable", "logical scalar", "logical true"},
-          {"GraphicalSource", "any", "<" + B + ">"}, {"GraphicalReferences", "any", "<" + B + ">"},
+          {"IsPseudoWorkspaceVar", "logical scalar", "logical false"},
+          {"IsTunable", "logical scalar", "logical true"},
+          {"GraphicalSource", "any", "<" + B + ">"},
+          {"GraphicalReferences", "any", "<" + B + ">"},
           {"DataInterface", "any", "coder.DataInterface"}}},
         {s.taq,
-         {{"isFixedPoint", "logical scalar", "logical false"}, {"isEnum", "logical scalar", "logical false"},
-          {"dataTypeId", "int32 scalar", "int32 0"}, {"dataTypeSize", "int32 scalar", "int32 0"},
-          {"fxpNumericType", "int32 scalar", "int32 0"}, {"fxpSignedness", "uint32 scalar", "uint32 0"},
-          {"fxpWordLength", "int32 scalar", "int32 0"}, {"fxpFractionLength", "int32 scalar", "int32 0"},
-          {"fxpSlopeAdjFactor", "double scalar", "double 0"}, {"fxpFixedExponent", "int32 scalar", "int32 0"},
-          {"fxpBias", "double scalar", "double 0"}, {"enumClassName", "char", "''"},
-          {"enumClassification", "char", "''"}, {"enumLabels", "cell", "{}"}, {"enumValues", "int32 vector", "int32[]"},
-          {"isComplex", "logical scalar", "logical false"}, {"isDiscete", "logical scalar", "logical false"},
-          {"isVirtualBus", "logical scalar", "logical false"}, {"isNVBus", "logical scalar", "logical false"},
-          {"isVarDims", "logical scalar", "logical false"}, {"dimensions", "int32 vector", "int32[]"},
-          {"blockPath", "char", "''"}, {"blockSID", "char", "''"}, {"portNumber", "int32 scalar", "int32 0"},
-          {"signalName", "char", "''"}, {"actSrcBlockPath", "char", "''"}, {"actSrcBlockSID", "char", "''"},
-          {"actSrcPortNumber", "int32 scalar", "int32 0"}, {"actSrcDWorkName", "char", "''"},
-          {"actSrcStartElement", "int32 scalar", "int32 0"}, {"signalSourceUUID", "char", "''"},
-          {"signalSourceUUIDasInteger", "int64 scalar", "int64 0"}, {"units", "char", "''"},
-          {"uniqueId", "uint32 scalar", "uint32 0"}, {"tid", "int32 scalar", "int32 0"},
-          {"leafElements", "any", "<" + T + "," + T + ">"}, {"nvBusOffset", "int64 scalar", "int64 0"},
+         {{"isFixedPoint", "logical scalar", "logical false"},
+          {"isEnum", "logical scalar", "logical false"},
+          {"dataTypeId", "int32 scalar", "int32 0"},
+          {"dataTypeSize", "int32 scalar", "int32 0"},
+          {"fxpNumericType", "int32 scalar", "int32 0"},
+          {"fxpSignedness", "uint32 scalar", "uint32 0"},
+          {"fxpWordLength", "int32 scalar", "int32 0"},
+          {"fxpFractionLength", "int32 scalar", "int32 0"},
+          {"fxpSlopeAdjFactor", "double scalar", "double 0"},
+          {"fxpFixedExponent", "int32 scalar", "int32 0"},
+          {"fxpBias", "double scalar", "double 0"},
+          {"enumClassName", "char", "''"},
+          {"enumClassification", "char", "''"},
+          {"enumLabels", "cell", "{}"},
+          {"enumValues", "int32 vector", "int32[]"},
+          {"isComplex", "logical scalar", "logical false"},
+          {"isDiscete", "logical scalar", "logical false"},
+          {"isVirtualBus", "logical scalar", "logical false"},
+          {"isNVBus", "logical scalar", "logical false"},
+          {"isVarDims", "logical scalar", "logical false"},
+          {"dimensions", "int32 vector", "int32[]"},
+          {"blockPath", "char", "''"},
+          {"blockSID", "char", "''"},
+          {"portNumber", "int32 scalar", "int32 0"},
+          {"signalName", "char", "''"},
+          {"actSrcBlockPath", "char", "''"},
+          {"actSrcBlockSID", "char", "''"},
+          {"actSrcPortNumber", "int32 scalar", "int32 0"},
+          {"actSrcDWorkName", "char", "''"},
+          {"actSrcStartElement", "int32 scalar", "int32 0"},
+          {"signalSourceUUID", "char", "''"},
+          {"signalSourceUUIDasInteger", "int64 scalar", "int64 0"},
+          {"units", "char", "''"},
+          {"uniqueId", "uint32 scalar", "uint32 0"},
+          {"tid", "int32 scalar", "int32 0"},
+          {"leafElements", "any", "<" + T + "," + T + ">"},
+          {"nvBusOffset", "int64 scalar", "int64 0"},
           {"isLiveStreaming", "logical scalar", "logical false"},
           {"isDeferredStreaming", "logical scalar", "logical false"}}},
         {dynamic_cast<vel::mi::Handle*>(s.dWork), {{"DataInterface", "any", "coder.DataInterface"}}},
@@ -547,7 +634,9 @@ TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
     s.model.addFunctionForSystem("f", s.system);
     EXPECT_EQ("logical true", render(*client.callMethod(s.system->makeRef(), "isReusable")));
     EXPECT_EQ(s.system,
-              client.callMethod(s.model.makeRef(), "getSystemForFunction", {tuvArray::fromUtf8("f")})->handles()[0].get());
+              client.callMethod(s.model.makeRef(), "getSystemForFunction", {tuvArray::fromUtf8("f")})
+                  ->handles()[0]
+                  .get());
 }
 
 TEST_F(ModelClassBindings, BadIndicesAndOwnershipFromScriptsAreDiagnostics) {
@@ -595,13 +684,15 @@ TEST_F(ModelClassBindings, BadIndicesAndOwnershipFromScriptsAreDiagnostics) {
          kIndexOutOfRangeId},
         {"foreign leaf element",
          [&] {
-             client.setProperty(s.taq->makeRef(), "leafElements", *tuvArray::objects({leafOfOther->makeRef()}));
+             client.setProperty(s.taq->makeRef(), "leafElements",
+                                *tuvArray::objects({leafOfOther->makeRef()}));
          },
          kInvalidOwnershipId},
         {"dropped leaf element, which a system still lists as a call site",
          [&] {
              const auto leaf = s.taq->getLeafElements()[0];
-             client.setProperty(s.system->makeRef(), "GraphicalCallsites", *tuvArray::objects({leaf->makeRef()}));
+             client.setProperty(s.system->makeRef(), "GraphicalCallsites",
+                                *tuvArray::objects({leaf->makeRef()}));
              client.setProperty(s.taq->makeRef(), "leafElements",
                                 *tuvArray::objects({s.taq->getLeafElements()[1]->makeRef()}));
          },
@@ -618,7 +709,8 @@ TEST_F(ModelClassBindings, BadIndicesAndOwnershipFromScriptsAreDiagnostics) {
     };
     for (const auto& r : rows) EXPECT_EQ(r.id, diagnosticOf(r.call)) << r.what;
     EXPECT_EQ(2u, s.taq->getLeafElements().size()) << "a refused write leaves the leaves unchanged";
-    EXPECT_EQ("<VelCG.ToAsyncQueueBlock>", render(*client.getProperty(s.system->makeRef(), "GraphicalCallsites")));
+    EXPECT_EQ("<VelCG.ToAsyncQueueBlock>",
+              render(*client.getProperty(s.system->makeRef(), "GraphicalCallsites")));
 }
 
 } // namespace

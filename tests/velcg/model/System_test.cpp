@@ -1,8 +1,9 @@
+#include "velcg/System.hpp"
+
 #include <gtest/gtest.h>
 
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
-#include "velcg/System.hpp"
 
 using namespace VelCG;
 
@@ -13,8 +14,11 @@ TEST(System, SystemCodeSelectsExactlyOneReuseAnswer) {
     const struct {
         unsigned code;
         bool inlined, nonReusable, reusable;
-    } rows[] = {{3, false, false, false}, {0, true, false, false}, {1, false, true, false},
-                {2, false, false, true},  {5, false, false, false}};
+    } rows[] = {{3, false, false, false},
+                {0, true, false, false},
+                {1, false, true, false},
+                {2, false, false, true},
+                {5, false, false, false}};
     for (const auto& r : rows) {
         if (r.code != 3) s.setBriskSystemCode(r.code);
         EXPECT_EQ(r.inlined, s.isInlined()) << r.code;

@@ -1,10 +1,11 @@
+#include "velcg/ToAsyncQueueBlock.hpp"
+
 #include <gtest/gtest.h>
 
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
-#include "velcg/ToAsyncQueueBlock.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "velcg/VarGroup.hpp"
+
+#include <gtest/gtest.h>
 
 using namespace VelCG;
 
@@ -11,8 +11,8 @@ TEST(VarGroup, NewGroupDefaults) {
     EXPECT_EQ(VarGroupEnum::BlockIO, g.getCategory());
     EXPECT_STREQ("BlockIO", g.getCategoryString());
     EXPECT_EQ("localB", g.getLocalName());
-    for (int index : {g.getSystemIndex(), g.getParentVarGroupIndex(), g.getMemberIndexInParent(), g.getCGTypeIndex(),
-                      g.getCoderGroupIndex()})
+    for (int index : {g.getSystemIndex(), g.getParentVarGroupIndex(), g.getMemberIndexInParent(),
+                      g.getCGTypeIndex(), g.getCoderGroupIndex()})
         EXPECT_EQ(-1, index);
 }
 
@@ -20,9 +20,16 @@ TEST(VarGroup, CategoryNamesKeepTheGapBefore103) {
     const struct {
         int value;
         const char* name;
-    } rows[] = {{0, "ExternalInput"}, {3, "BlockIO"},  {9, "ConstParameterWithInit"}, {14, "ZCSV"},
-                {17, "Self"},         {18, ""},        {102, ""},
-                {103, "HierarchicalCoderData"},        {104, ""},                  {-1, ""}};
+    } rows[] = {{0, "ExternalInput"},
+                {3, "BlockIO"},
+                {9, "ConstParameterWithInit"},
+                {14, "ZCSV"},
+                {17, "Self"},
+                {18, ""},
+                {102, ""},
+                {103, "HierarchicalCoderData"},
+                {104, ""},
+                {-1, ""}};
     for (const auto& r : rows)
         EXPECT_STREQ(r.name, VarGroup::getStringforCategory(static_cast<VarGroupEnum>(r.value))) << r.value;
 }
@@ -50,8 +57,8 @@ TEST(VarGroup, GetSysNameSplitsOnFirstOccurrences) {
         {"<>/x", "", "x"},
         {"<a/b>/c", "a/b", "b>/c"}, // the first '/' is inside the brackets
         {"<S1>", "S1", ""},
-        {"<S1/b", "", ""},          // '<' without '>'
-        {"a/b", "", ""},            // no '>': the name part is not taken
+        {"<S1/b", "", ""}, // '<' without '>'
+        {"a/b", "", ""},   // no '>': the name part is not taken
         {"x>/y", "", "y"},
         {">a<b", "", ""},
         {"", "", ""},

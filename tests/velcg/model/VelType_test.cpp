@@ -1,16 +1,16 @@
-#include <gtest/gtest.h>
+#include "velcg/VelType.hpp"
 
 #include <functional>
+#include <gtest/gtest.h>
 
 #include "CG/EmbeddedType.hpp"
 #include "CG/Type.hpp"
+#include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGTypeMember.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/VelCGType.hpp"
-#include "velcg/VelType.hpp"
-#include "DiagnosticTesting.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
@@ -141,7 +141,8 @@ TEST(VelCGType, FreshTypeAndMemberDefaults) {
 TEST(VelCGType, ContainerTypeNameResolvesThroughConstructors) {
     Types t;
     EXPECT_EQ("int32_T", t.type(0).getContainerTypeName());
-    EXPECT_EQ("cint32_T", t.type(1).getContainerTypeName()) << "complex: the complex name of the base's VelType";
+    EXPECT_EQ("cint32_T", t.type(1).getContainerTypeName())
+        << "complex: the complex name of the base's VelType";
     EXPECT_EQ("cint32_T", t.type(2).getContainerTypeName()) << "matrix of complex";
     EXPECT_EQ("int32_T", t.type(3).getContainerTypeName()) << "matrix of a named type";
     t.type(4).setName("own");
