@@ -16,15 +16,12 @@ public:
     // "VelCG.VelCGDataTypesFile".
     const char* getFullyQualifiedKorbTypeName() const override;
 
-    FileSection& getIncludesSection() { return getFileSection(INCLUDES_SECTION); }
-    const FileSection& getIncludesSection() const { return getFileSection(INCLUDES_SECTION); }
-    FileSection* korb_getIncludesSection() { return &getFileSection(INCLUDES_SECTION); }
-    FileSection& getDefinesSection() { return getFileSection(DEFINES_SECTION); }
-    const FileSection& getDefinesSection() const { return getFileSection(DEFINES_SECTION); }
-    FileSection* korb_getDefinesSection() { return &getFileSection(DEFINES_SECTION); }
-    FileSection& getTypedefsSection() { return getFileSection(TYPEDEFS_SECTION); }
-    const FileSection& getTypedefsSection() const { return getFileSection(TYPEDEFS_SECTION); }
-    FileSection* korb_getTypedefsSection() { return &getFileSection(TYPEDEFS_SECTION); }
+    using VelCGFile::getDefinesSection;
+    using VelCGFile::getIncludesSection;
+    using VelCGFile::getTypedefsSection;
+    using VelCGFile::korb_getDefinesSection;
+    using VelCGFile::korb_getIncludesSection;
+    using VelCGFile::korb_getTypedefsSection;
 };
 
 } // namespace VelCG

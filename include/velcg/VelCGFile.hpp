@@ -103,6 +103,29 @@ public:
     void writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream);
 
 protected:
+    // Named accessors of the built-in sections. Each file kind makes public
+    // those of the sections it has (the others would only ever answer the
+    // empty section); the korb_ forms are what scripts call.
+#define VELCG_NAMED_SECTION(Name, Kind)                                            \
+    FileSection& get##Name##Section() { return getFileSection(Kind); }             \
+    const FileSection& get##Name##Section() const { return getFileSection(Kind); } \
+    FileSection* korb_get##Name##Section() { return &getFileSection(Kind); }
+    VELCG_NAMED_SECTION(Includes, INCLUDES_SECTION)
+    VELCG_NAMED_SECTION(Defines, DEFINES_SECTION)
+    VELCG_NAMED_SECTION(Typedefs, TYPEDEFS_SECTION)
+    VELCG_NAMED_SECTION(ForwardDeclarations, FORWARD_DECLS_SECTION)
+    VELCG_NAMED_SECTION(Enums, ENUMERATIONS_SECTION)
+    VELCG_NAMED_SECTION(Definitions, DEFINITIONS_SECTION)
+    VELCG_NAMED_SECTION(ExternData, EXTERN_DATA_SECTION)
+    VELCG_NAMED_SECTION(ExternFunctions, EXTERN_FCNS_SECTION)
+    VELCG_NAMED_SECTION(FunctionPrototypes, FCN_PROTOTYPES_SECTION)
+    VELCG_NAMED_SECTION(Declarations, DECLARATIONS_SECTION)
+    VELCG_NAMED_SECTION(Functions, FUNCTIONS_SECTION)
+    VELCG_NAMED_SECTION(CompilerErrors, COMPILER_ERRORS_SECTION)
+    VELCG_NAMED_SECTION(CompilerWarnings, COMPILER_WARNINGS_SECTION)
+    VELCG_NAMED_SECTION(Documentation, DOCUMENTATION_SECTION)
+#undef VELCG_NAMED_SECTION
+
     // Takes ownership of builder and builds the section table with it.
     // A null builder raises "VelCG:VelCGFile:NullBuilder"; a builder that
     // builds no table leaves the file without sections.

@@ -17,50 +17,34 @@ public:
     // "VelCG.VelCGGenericFile".
     const char* getFullyQualifiedKorbTypeName() const override;
 
-    FileSection& getIncludesSection() { return getFileSection(INCLUDES_SECTION); }
-    const FileSection& getIncludesSection() const { return getFileSection(INCLUDES_SECTION); }
-    FileSection* korb_getIncludesSection() { return &getFileSection(INCLUDES_SECTION); }
-    FileSection& getDefinesSection() { return getFileSection(DEFINES_SECTION); }
-    const FileSection& getDefinesSection() const { return getFileSection(DEFINES_SECTION); }
-    FileSection* korb_getDefinesSection() { return &getFileSection(DEFINES_SECTION); }
-    FileSection& getTypedefsSection() { return getFileSection(TYPEDEFS_SECTION); }
-    const FileSection& getTypedefsSection() const { return getFileSection(TYPEDEFS_SECTION); }
-    FileSection* korb_getTypedefsSection() { return &getFileSection(TYPEDEFS_SECTION); }
-    FileSection& getForwardDeclarationsSection() { return getFileSection(FORWARD_DECLS_SECTION); }
-    const FileSection& getForwardDeclarationsSection() const { return getFileSection(FORWARD_DECLS_SECTION); }
-    FileSection* korb_getForwardDeclarationsSection() { return &getFileSection(FORWARD_DECLS_SECTION); }
-    FileSection& getExternDataSection() { return getFileSection(EXTERN_DATA_SECTION); }
-    const FileSection& getExternDataSection() const { return getFileSection(EXTERN_DATA_SECTION); }
-    FileSection* korb_getExternDataSection() { return &getFileSection(EXTERN_DATA_SECTION); }
-    FileSection& getExternFunctionsSection() { return getFileSection(EXTERN_FCNS_SECTION); }
-    const FileSection& getExternFunctionsSection() const { return getFileSection(EXTERN_FCNS_SECTION); }
-    FileSection* korb_getExternFunctionsSection() { return &getFileSection(EXTERN_FCNS_SECTION); }
-    FileSection& getFunctionPrototypesSection() { return getFileSection(FCN_PROTOTYPES_SECTION); }
-    const FileSection& getFunctionPrototypesSection() const { return getFileSection(FCN_PROTOTYPES_SECTION); }
-    FileSection* korb_getFunctionPrototypesSection() { return &getFileSection(FCN_PROTOTYPES_SECTION); }
-    FileSection& getDeclarationsSection() { return getFileSection(DECLARATIONS_SECTION); }
-    const FileSection& getDeclarationsSection() const { return getFileSection(DECLARATIONS_SECTION); }
-    FileSection* korb_getDeclarationsSection() { return &getFileSection(DECLARATIONS_SECTION); }
-    FileSection& getFunctionsSection() { return getFileSection(FUNCTIONS_SECTION); }
-    const FileSection& getFunctionsSection() const { return getFileSection(FUNCTIONS_SECTION); }
-    FileSection* korb_getFunctionsSection() { return &getFileSection(FUNCTIONS_SECTION); }
-    FileSection& getDocumentationSection() { return getFileSection(DOCUMENTATION_SECTION); }
-    const FileSection& getDocumentationSection() const { return getFileSection(DOCUMENTATION_SECTION); }
-    FileSection* korb_getDocumentationSection() { return &getFileSection(DOCUMENTATION_SECTION); }
-    FileSection& getEnumsSection() { return getFileSection(ENUMERATIONS_SECTION); }
-    const FileSection& getEnumsSection() const { return getFileSection(ENUMERATIONS_SECTION); }
-    FileSection* korb_getEnumsSection() { return &getFileSection(ENUMERATIONS_SECTION); }
-    FileSection& getDefinitionsSection() { return getFileSection(DEFINITIONS_SECTION); }
-    const FileSection& getDefinitionsSection() const { return getFileSection(DEFINITIONS_SECTION); }
-    FileSection* korb_getDefinitionsSection() { return &getFileSection(DEFINITIONS_SECTION); }
-    FileSection& getCompilerErrorsSection() { return getFileSection(COMPILER_ERRORS_SECTION); }
-    const FileSection& getCompilerErrorsSection() const { return getFileSection(COMPILER_ERRORS_SECTION); }
-    FileSection* korb_getCompilerErrorsSection() { return &getFileSection(COMPILER_ERRORS_SECTION); }
-    FileSection& getCompilerWarningsSection() { return getFileSection(COMPILER_WARNINGS_SECTION); }
-    const FileSection& getCompilerWarningsSection() const {
-        return getFileSection(COMPILER_WARNINGS_SECTION);
-    }
-    FileSection* korb_getCompilerWarningsSection() { return &getFileSection(COMPILER_WARNINGS_SECTION); }
+    using VelCGFile::getCompilerErrorsSection;
+    using VelCGFile::getCompilerWarningsSection;
+    using VelCGFile::getDeclarationsSection;
+    using VelCGFile::getDefinesSection;
+    using VelCGFile::getDefinitionsSection;
+    using VelCGFile::getDocumentationSection;
+    using VelCGFile::getEnumsSection;
+    using VelCGFile::getExternDataSection;
+    using VelCGFile::getExternFunctionsSection;
+    using VelCGFile::getForwardDeclarationsSection;
+    using VelCGFile::getFunctionPrototypesSection;
+    using VelCGFile::getFunctionsSection;
+    using VelCGFile::getIncludesSection;
+    using VelCGFile::getTypedefsSection;
+    using VelCGFile::korb_getCompilerErrorsSection;
+    using VelCGFile::korb_getCompilerWarningsSection;
+    using VelCGFile::korb_getDeclarationsSection;
+    using VelCGFile::korb_getDefinesSection;
+    using VelCGFile::korb_getDefinitionsSection;
+    using VelCGFile::korb_getDocumentationSection;
+    using VelCGFile::korb_getEnumsSection;
+    using VelCGFile::korb_getExternDataSection;
+    using VelCGFile::korb_getExternFunctionsSection;
+    using VelCGFile::korb_getForwardDeclarationsSection;
+    using VelCGFile::korb_getFunctionPrototypesSection;
+    using VelCGFile::korb_getFunctionsSection;
+    using VelCGFile::korb_getIncludesSection;
+    using VelCGFile::korb_getTypedefsSection;
 };
 
 } // namespace VelCG

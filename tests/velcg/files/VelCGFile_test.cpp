@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "DiagnosticTesting.hpp"
@@ -46,6 +47,26 @@ std::string writeSection(VelCGFile& file, VelCGFileSectionKind kind) {
 }
 
 } // namespace
+
+// Whether F publishes the named accessor of a section (a compile-time test:
+// each kind makes public only the sections it builds).
+#define VELCG_HAS_PUBLIC_ACCESSOR(Name)                                                       \
+    template <class F, class = void>                                                          \
+    struct Has##Name : std::false_type {};                                                    \
+    template <class F>                                                                        \
+    struct Has##Name<F, std::void_t<decltype(std::declval<const F&>().get##Name##Section())>> \
+        : std::true_type {};
+VELCG_HAS_PUBLIC_ACCESSOR(Functions)
+VELCG_HAS_PUBLIC_ACCESSOR(Enums)
+VELCG_HAS_PUBLIC_ACCESSOR(Typedefs)
+#undef VELCG_HAS_PUBLIC_ACCESSOR
+
+static_assert(HasTypedefs<VelCGDataTypesFile>::value && !HasFunctions<VelCGDataTypesFile>::value,
+              "a data-types file has Includes, Defines and Typedefs only");
+static_assert(HasFunctions<VelCGModuleFile>::value && !HasEnums<VelCGModuleFile>::value,
+              "a module file has no Enums section");
+static_assert(HasEnums<VelCGGenericFile>::value && HasFunctions<VelCGGenericFile>::value,
+              "a generic file has every section");
 
 TEST(VelCGFile, DerivesBaseNameAndNameWithoutExtensionFromTheName) {
     struct Case {
