@@ -171,7 +171,7 @@ struct Scene {
         outPort->setTestPoint(true);
         auto r = std::make_unique<Region>();
         region = r.get();
-        region->setSource("rtB.x");
+        region->setSource("model_Signals.x");
         region->setOffset(2);
         region->setDataInterface(di);
         outPort->addRegion(std::move(r));
@@ -395,7 +395,7 @@ TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
           {"GraphicalSource", "any", "<VelCG.Port>"},
           {"Regions", "any", "<>"}}},
         {s.region,
-         {{"Source", "char", "'rtB.x'"},
+         {{"Source", "char", "'model_Signals.x'"},
           {"BusSelElIdx", "char", "''"},
           {"BusSelElCGTypeId", "char", "''"},
           {"Offset", "int32 scalar", "int32 2"},
