@@ -47,6 +47,34 @@ const std::map<std::string, std::string> kTuv = {
     {"IndexOutOfRange", "Index {1} is out of range for an array of {2} element(s)."},
 };
 
+const std::map<std::string, std::string> kCoderRepository = {
+    {"CannotOpen", "Cannot open the code descriptor '{1}': {2}"},
+    {"NotAStore", "'{1}' is not a code descriptor store; it was left unchanged."},
+    {"NewerFormat",
+     "The code descriptor '{1}' has format version {2}, newer than version {3} that this program reads; it "
+     "was left unchanged."},
+    {"Corrupt", "The code descriptor '{1}' is damaged: {2}"},
+    {"ReadOnly", "Cannot write the code descriptor '{1}': {2}"},
+    {"Busy", "The code descriptor '{1}' is locked by another writer: {2}"},
+    {"Full", "The code descriptor '{1}' cannot grow: {2}. The transaction was rolled back."},
+    {"Failed", "The code descriptor '{1}' failed: {2}"},
+    {"TransactionActive", "A transaction is already open on the code descriptor '{1}'."},
+    {"NoTransaction", "No transaction is open on the code descriptor '{1}'; records are written only inside one."},
+};
+
+const std::map<std::string, std::string> kCoderDescriptor = {
+    {"Closed", "The code descriptor '{1}' was closed; its descriptor objects can no longer be used."},
+    {"NullObject", "The descriptor object was released or never created."},
+    {"NoModel", "The code descriptor '{1}' holds no model."},
+    {"MissingRecord", "The code descriptor '{1}' has no {2} record {3}."},
+    {"WrongType", "The code descriptor '{1}' holds a value of the wrong type in {2}.{3}."},
+    {"WrongKind", "Expected a {1} record, but got {2}."},
+    {"WrongRepository", "{1}.{2} can only hold records of its own code descriptor."},
+    {"IndexOutOfRange", "Position {1} is out of range for {3}, which has {2} element(s)."},
+    {"OutOfRange", "The value {3} does not fit {1}.{2}."},
+    {"TooDeep", "The records nest more than {1} levels deep."},
+};
+
 std::pair<std::string, std::string> splitIdentifier(const std::string& id) {
     auto pos = id.rfind(':');
     if (pos == std::string::npos) return {std::string(), id};
@@ -63,6 +91,8 @@ MessageCatalog::MessageCatalog() : impl_(new Impl) {
     impl_->catalogs["Brisk:codeGen"] = kBriskCodeGen;
     impl_->catalogs["Korb"] = kKorb;
     impl_->catalogs["tuv"] = kTuv;
+    impl_->catalogs["coder:Repository"] = kCoderRepository;
+    impl_->catalogs["coder:descriptor"] = kCoderDescriptor;
 }
 
 MessageCatalog& MessageCatalog::instance() {

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vel/HostExport.hpp"
+
+namespace coder {
+
+namespace detail {
+class Store;
+}
+
+struct RepositoryOptions {
+    enum class Access {
+        ReadWrite, // creates the file when it is absent
+        ReadOnly,  // the file must exist; nothing is ever written
+    };
+    Access access = Access::ReadWrite;
+    // How long beginTransaction waits for another connection's write lock
+    // (and a read for a commit in progress) before "coder:Repository:Busy".
+    int busyTimeoutMs = 5000;
+    // Upper bound on the file's size in pages; 0 keeps SQLite's default.
+    // Writes past it fail with "coder:Repository:Full", which makes a full
+    // disk reproducible.
+    std::uint64_t maxPageCount = 0;
+};
+
+// A code descriptor store: one SQLite file holding the description of one
+// model (see coder/descriptor/*). The file format is described at the top
+// of host/src/coder/Store.cpp.
+//
+// Opening validates the file before anything is written to it: a file that
+// is not a store (not SQLite, another application's database, a truncated
+// store) or a store of a newer format raises a diagnostic and is left
+// untouched. A new or empty file becomes an empty store.
+//
+// Records are written only inside a transaction. Work that is not committed
+// is never visible to another reader; destroying the repository rolls back
+// an open transaction. A process that dies during a transaction leaves the
+// file as it was at the last commit (SQLite's rollback journal, replayed by
+// the next open).
+//
+// A repository, and every descriptor object taken from it, is used by one
+// thread at a time. Two repositories on one file (two threads or two
+// processes) take turns: beginTransaction waits for the other's write lock
+// for at most busyTimeoutMs.
+//
+// Diagnostics, each "coder:Repository:<key>" with the path first among its
+// arguments: CannotOpen, NotAStore, NewerFormat, Corrupt, ReadOnly, Busy,
+// Full, Failed (any other SQLite error), TransactionActive, NoTransaction.
+class VELHOST_API Repository {
+public:
+    // Identifies the file as a store ("PRAGMA application_id": "VCGD").
+    static constexpr std::int32_t kApplicationId = 0x56434744;
+    // The format this build reads and writes ("PRAGMA user_version").
+    static constexpr int kFormatVersion = 1;
+
+    explicit Repository(const std::filesystem::path& path, RepositoryOptions options = {});
+    // Rolls back an open transaction and closes the file. Descriptor objects
+    // still held raise "coder:descriptor:Closed" when used afterwards.
+    ~Repository();
+    Repository(const Repository&) = delete;
+    Repository& operator=(const Repository&) = delete;
+
+    // REQUIRES: no transaction is open. Takes the write lock at once.
+    void beginTransaction();
+    // REQUIRES: a transaction is open.
+    void commitTransaction();
+    // Discards the open transaction's work; does nothing when none is open.
+    void rollbackTransaction() noexcept;
+    bool inTransaction() const;
+
+    const std::filesystem::path& getPath() const { return path_; }
+    bool isReadOnly() const;
+    // The format version stored in the file.
+    int getFormatVersion() const;
+
+    // SQLite's integrity check and a check of every reference between
+    // records. Empty when the store is sound; otherwise one readable line
+    // per problem found.
+    std::vector<std::string> checkIntegrity() const;
+
+    // The connection shared with descriptor objects (internal to the store).
+    const std::shared_ptr<detail::Store>& store() const { return store_; }
+
+private:
+    std::filesystem::path path_;
+    std::shared_ptr<detail::Store> store_;
+};
+
+// Begins a transaction on construction and rolls it back on destruction
+// unless commit() was called. The destructor never throws.
+class VELHOST_API Transaction {
+public:
+    explicit Transaction(Repository& repository);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    // REQUIRES: not yet committed.
+    void commit();
+
+private:
+    Repository& repository_;
+    bool committed_ = false;
+};
+
+} // namespace coder

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "coder/descriptor/Model.hpp"
+#include "vel/HostExport.hpp"
+
+namespace coder {
+
+class Repository;
+
+namespace descriptor {
+
+class VELHOST_API RepositoryHelper {
+public:
+    // The model stored in the repository. A store without a model raises
+    // "coder:descriptor:NoModel".
+    static Model getModel(Repository& repository);
+};
+
+} // namespace descriptor
+} // namespace coder

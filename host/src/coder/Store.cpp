@@ -1,0 +1,595 @@
+// The code descriptor file format.
+//
+// A store is an SQLite 3 database file (conventionally named
+// "codedescriptor.strata") that identifies itself with
+// PRAGMA application_id = 0x56434744 ("VCGD") and carries its format version
+// in PRAGMA user_version (this is version 1). A reader refuses a file whose
+// application id differs, and a file whose version is newer than its own;
+// it never writes to either.
+//
+// Each record kind (coder::descriptor::recordKinds(), in this order: Model,
+// System, BlockHierarchyMap, GraphicalSystem, GraphicalBlock, Port, Region,
+// State, BlockParameter, ModelParameter, DataInterface, ToAsyncQueueBlock,
+// ExternalInput, IOMap, CoderGroup) is a STRICT table named after the kind:
+//
+//   CREATE TABLE "Port" (
+//     id INTEGER PRIMARY KEY,                        -- the record's key
+//     "GraphicalName" TEXT NOT NULL DEFAULT '',      -- one column per field
+//     "Connected" INTEGER NOT NULL DEFAULT 0 CHECK ("Connected" IN (0, 1)),
+//     "GraphicalSource" INTEGER REFERENCES "Port"(id), -- a reference, or NULL
+//     ...);
+//
+// Texts are UTF-8, booleans 0 or 1, integers carry a CHECK of their C++
+// range, reals are REAL. Optional fields (GraphicalSystem.SubsystemType,
+// GraphicalBlock.ParentSystemSID, ModelParameter.GraphicalSourceSID) and
+// references are NULL while unset.
+//
+// Each sequence of a kind is a table "<Kind>_<Sequence>" holding one row per
+// element, keyed by its owner and its position (0, 1, 2, ... in append
+// order):
+//
+//   CREATE TABLE "GraphicalBlock_DataInputPorts" (
+//     owner INTEGER NOT NULL REFERENCES "GraphicalBlock"(id),
+//     position INTEGER NOT NULL,
+//     element INTEGER NOT NULL REFERENCES "Port"(id),   -- or: value INTEGER / TEXT
+//     PRIMARY KEY (owner, position)) STRICT, WITHOUT ROWID;
+//
+// Lists of integers (dimensions, enumeration values, port indices) and of
+// texts (enumeration labels, SIDs) hold the value itself in a "value"
+// column. The store holds one model: the first row of "Model" is the root
+// of the description, and writing a new model deletes every row first.
+//
+// Foreign keys are declared for readers and checked by
+// Repository::checkIntegrity (PRAGMA foreign_key_check); the writer does not
+// enforce them per statement, since every id it writes comes from a record
+// of the same store. Writes use SQLite's rollback journal, so a process that
+// dies inside a transaction leaves the file as it was at the last commit.
+#include "Store.hpp"
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Exception.h>
+#include <SQLiteCpp/Statement.h>
+#include <cassert>
+#include <system_error>
+
+#include <sqlite3.h>
+
+#include "coder/descriptor/Descriptors.hpp"
+#include "vel/diag/Diagnostic.hpp"
+
+namespace coder {
+
+namespace descriptor {
+const std::vector<const RecordKind*>& recordKinds() {
+    static const std::vector<const RecordKind*> kinds = {
+        &Model::kind(),           &System::kind(),         &BlockHierarchyMap::kind(),
+        &GraphicalSystem::kind(), &GraphicalBlock::kind(), &Port::kind(),
+        &Region::kind(),          &State::kind(),          &BlockParameter::kind(),
+        &ModelParameter::kind(),  &DataInterface::kind(),  &ToAsyncQueueBlock::kind(),
+        &ExternalInput::kind(),   &IOMap::kind(),          &CoderGroup::kind(),
+    };
+    return kinds;
+}
+} // namespace descriptor
+
+namespace detail {
+
+using descriptor::FieldInfo;
+using descriptor::FieldType;
+using descriptor::SequenceInfo;
+
+namespace {
+
+std::string quoted(const std::string& name) { return '"' + name + '"'; }
+
+std::string sequenceTable(const RecordKind& kind, const SequenceInfo& sequence) {
+    return std::string(kind.name) + "_" + sequence.name;
+}
+
+std::string columnDefinition(const FieldInfo& field) {
+    std::string name = quoted(field.name);
+    switch (field.type) {
+        case FieldType::Boolean:
+            return name + " INTEGER NOT NULL DEFAULT 0 CHECK (" + name + " IN (0, 1))";
+        case FieldType::Integer:
+            return name + " INTEGER NOT NULL DEFAULT 0 CHECK (" + name + " BETWEEN " +
+                   std::to_string(field.min) + " AND " + std::to_string(field.max) + ")";
+        case FieldType::Real:
+            return name + " REAL NOT NULL DEFAULT 0";
+        case FieldType::Text:
+            return field.optional ? name + " TEXT" : name + " TEXT NOT NULL DEFAULT ''";
+        case FieldType::Reference:
+            return name + " INTEGER REFERENCES " + quoted(field.target().name) + "(id)";
+    }
+    return name;
+}
+
+std::string describe(const SQLite::Exception& error) {
+    std::string text = error.what();
+    return text.empty() ? "SQLite error " + std::to_string(error.getErrorCode()) : text;
+}
+
+// Resets a statement when leaving scope, also when a read throws, so that
+// it holds no read lock and can be reused.
+struct ResetGuard {
+    SQLite::Statement& statement;
+    ~ResetGuard() {
+        statement.tryReset();
+        statement.clearBindings();
+    }
+};
+
+} // namespace
+
+struct Store::SequenceStatements {
+    std::unique_ptr<SQLite::Statement> insert;
+    std::unique_ptr<SQLite::Statement> count;
+    std::unique_ptr<SQLite::Statement> at;
+    // Appends come in runs on one owner: remember its next position so that
+    // a run costs one insert per element and no read.
+    std::int64_t cachedOwner = 0;
+    std::int64_t nextPosition = -1;
+};
+
+struct Store::KindStatements {
+    std::unique_ptr<SQLite::Statement> insert;
+    std::unique_ptr<SQLite::Statement> select;
+    std::vector<std::unique_ptr<SQLite::Statement>> updateReference;
+    std::vector<SequenceStatements> sequences;
+};
+
+Store::Store(const std::filesystem::path& path, const RepositoryOptions& options)
+    : pathText_(path.u8string()), readOnly_(options.access == RepositoryOptions::Access::ReadOnly) {
+    int flags = readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    try {
+        db_ = std::make_unique<SQLite::Database>(pathText_, flags, options.busyTimeoutMs);
+    } catch (const SQLite::Exception& e) {
+        vel::diag::throwError("coder:Repository:CannotOpen", {pathText_, describe(e)});
+    }
+    validateOrCreate(options);
+}
+
+Store::~Store() { close(); }
+
+void Store::close() noexcept {
+    if (!db_) return;
+    rollback();
+    statements_.clear();
+    db_.reset();
+}
+
+void Store::requireOpen() const {
+    if (!db_) vel::diag::throwError("coder:descriptor:Closed", {pathText_});
+}
+
+void Store::requireTransaction() const {
+    requireOpen();
+    if (!inTransaction()) vel::diag::throwError("coder:Repository:NoTransaction", {pathText_});
+}
+
+bool Store::inTransaction() const { return db_ && sqlite3_get_autocommit(db_->getHandle()) == 0; }
+
+void Store::raise(const SQLite::Exception& error) const {
+    const int code = error.getErrorCode() & 0xff;
+    const char* key = "Failed";
+    switch (code) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            key = "Busy";
+            break;
+        case SQLITE_FULL:
+            key = "Full";
+            break;
+        case SQLITE_READONLY:
+            key = "ReadOnly";
+            break;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            key = "Corrupt";
+            break;
+        case SQLITE_CANTOPEN:
+            key = "CannotOpen";
+            break;
+        default:
+            break;
+    }
+    vel::diag::throwError(std::string("coder:Repository:") + key, {pathText_, describe(error)});
+}
+
+void Store::begin() {
+    requireOpen();
+    if (inTransaction()) vel::diag::throwError("coder:Repository:TransactionActive", {pathText_});
+    if (readOnly_) vel::diag::throwError("coder:Repository:ReadOnly", {pathText_, "opened for reading only"});
+    forgetPositions();
+    try {
+        // IMMEDIATE takes the write lock now, so two writers wait for each
+        // other here (up to the busy timeout) instead of failing mid-way.
+        db_->exec("BEGIN IMMEDIATE");
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+void Store::commit() {
+    requireTransaction();
+    try {
+        db_->exec("COMMIT");
+    } catch (const SQLite::Exception& e) {
+        // A failed COMMIT may leave the transaction open; end it so that the
+        // file stays at its last commit.
+        rollback();
+        raise(e);
+    }
+}
+
+void Store::rollback() noexcept {
+    forgetPositions();
+    if (!inTransaction()) return;
+    sqlite3_exec(db_->getHandle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Store::forgetPositions() {
+    for (auto& [kind, statements] : statements_)
+        for (auto& sequence : statements->sequences) sequence.nextPosition = -1;
+}
+
+void Store::validateOrCreate(const RepositoryOptions& options) {
+    try {
+        if (options.maxPageCount != 0)
+            db_->exec("PRAGMA max_page_count = " + std::to_string(options.maxPageCount));
+        // The first read also replays a journal left by a process that died
+        // inside a transaction.
+        const int applicationId = db_->execAndGet("PRAGMA application_id").getInt();
+        const int version = db_->execAndGet("PRAGMA user_version").getInt();
+        const int objects = db_->execAndGet("SELECT count(*) FROM sqlite_schema").getInt();
+        if (applicationId == 0 && version == 0 && objects == 0) {
+            if (readOnly_) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
+            createSchema();
+            return;
+        }
+        if (applicationId != Repository::kApplicationId)
+            vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
+        if (version > Repository::kFormatVersion)
+            vel::diag::throwError(
+                "coder:Repository:NewerFormat",
+                {pathText_, std::to_string(version), std::to_string(Repository::kFormatVersion)});
+        if (version < 1) vel::diag::throwError("coder:Repository:Corrupt", {pathText_, "no format version"});
+
+        // A store cut short still has a valid header; its page count tells.
+        const std::int64_t pages = db_->execAndGet("PRAGMA page_count").getInt64();
+        const std::int64_t pageSize = db_->execAndGet("PRAGMA page_size").getInt64();
+        std::error_code ec;
+        const auto size = std::filesystem::file_size(std::filesystem::u8path(pathText_), ec);
+        if (!ec && static_cast<std::int64_t>(size) < pages * pageSize)
+            vel::diag::throwError(
+                "coder:Repository:Corrupt",
+                {pathText_, "the file is " + std::to_string(size) + " bytes long, but holds " +
+                                std::to_string(pages) + " pages of " + std::to_string(pageSize) + " bytes"});
+
+        SQLite::Statement exists(*db_, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?");
+        auto requireTable = [&](const std::string& table) {
+            exists.bind(1, table);
+            const bool found = exists.executeStep();
+            exists.reset();
+            if (!found)
+                vel::diag::throwError("coder:Repository:Corrupt",
+                                      {pathText_, "table '" + table + "' is missing"});
+        };
+        for (const RecordKind* kind : descriptor::recordKinds()) {
+            requireTable(kind->name);
+            for (const auto& sequence : kind->sequences) requireTable(sequenceTable(*kind, sequence));
+        }
+    } catch (const SQLite::Exception& e) {
+        const int code = e.getErrorCode() & 0xff;
+        if (code == SQLITE_NOTADB) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
+        raise(e);
+    }
+}
+
+void Store::createSchema() {
+    begin();
+    try {
+        // Another connection may have created the schema while we waited for
+        // the write lock.
+        if (db_->execAndGet("PRAGMA application_id").getInt() == Repository::kApplicationId) {
+            db_->exec("COMMIT");
+            return;
+        }
+        for (const RecordKind* kind : descriptor::recordKinds()) {
+            std::string sql = "CREATE TABLE " + quoted(kind->name) + " (id INTEGER PRIMARY KEY";
+            for (const auto& field : kind->fields) sql += ", " + columnDefinition(field);
+            db_->exec(sql + ") STRICT");
+            for (const auto& sequence : kind->sequences) {
+                std::string element = sequence.element ? "element INTEGER NOT NULL REFERENCES " +
+                                                             quoted(sequence.element().name) + "(id)"
+                                      : sequence.valueType == FieldType::Integer ? "value INTEGER NOT NULL"
+                                                                                 : "value TEXT NOT NULL";
+                db_->exec("CREATE TABLE " + quoted(sequenceTable(*kind, sequence)) +
+                          " (owner INTEGER NOT NULL REFERENCES " + quoted(kind->name) +
+                          "(id), position INTEGER NOT NULL, " + element +
+                          ", PRIMARY KEY (owner, position)) STRICT, WITHOUT ROWID");
+            }
+        }
+        db_->exec("PRAGMA application_id = " + std::to_string(Repository::kApplicationId));
+        db_->exec("PRAGMA user_version = " + std::to_string(Repository::kFormatVersion));
+        db_->exec("COMMIT");
+    } catch (const SQLite::Exception& e) {
+        rollback();
+        raise(e);
+    }
+}
+
+Store::KindStatements& Store::statementsFor(const RecordKind& kind) {
+    auto found = statements_.find(&kind);
+    if (found != statements_.end()) return *found->second;
+    auto statements = std::make_unique<KindStatements>();
+    std::string columns;
+    std::string parameters;
+    for (std::size_t i = 0; i < kind.fields.size(); ++i) {
+        columns += (i ? ", " : "") + quoted(kind.fields[i].name);
+        parameters += i ? ", ?" : "?";
+    }
+    const std::string table = quoted(kind.name);
+    statements->insert = std::make_unique<SQLite::Statement>(
+        *db_, kind.fields.empty()
+                  ? "INSERT INTO " + table + " DEFAULT VALUES"
+                  : "INSERT INTO " + table + " (" + columns + ") VALUES (" + parameters + ")");
+    statements->select = std::make_unique<SQLite::Statement>(
+        *db_, "SELECT id" + (columns.empty() ? "" : ", " + columns) + " FROM " + table + " WHERE id = ?");
+    statements->updateReference.resize(kind.fields.size());
+    statements->sequences.resize(kind.sequences.size());
+    return *statements_.emplace(&kind, std::move(statements)).first->second;
+}
+
+Store::SequenceStatements& Store::sequenceStatementsFor(const RecordKind& kind, std::size_t sequence) {
+    SequenceStatements& statements = statementsFor(kind).sequences.at(sequence);
+    if (!statements.insert) {
+        const SequenceInfo& info = kind.sequences[sequence];
+        const std::string table = quoted(sequenceTable(kind, info));
+        const std::string column = info.element ? "element" : "value";
+        statements.insert = std::make_unique<SQLite::Statement>(
+            *db_, "INSERT INTO " + table + " (owner, position, " + column + ") VALUES (?, ?, ?)");
+        statements.count = std::make_unique<SQLite::Statement>(
+            *db_, "SELECT count(*), coalesce(max(position) + 1, 0) FROM " + table + " WHERE owner = ?");
+        statements.at = std::make_unique<SQLite::Statement>(
+            *db_, "SELECT " + column + " FROM " + table + " WHERE owner = ? AND position = ?");
+    }
+    return statements;
+}
+
+std::int64_t Store::insert(const RecordKind& kind, const std::vector<StoredValue>& values) {
+    requireTransaction();
+    try {
+        SQLite::Statement& statement = *statementsFor(kind).insert;
+        ResetGuard guard{statement};
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const int parameter = static_cast<int>(i + 1);
+            const StoredValue& value = values[i];
+            if (auto* n = std::get_if<std::int64_t>(&value))
+                statement.bind(parameter, static_cast<int64_t>(*n));
+            else if (auto* r = std::get_if<double>(&value))
+                statement.bind(parameter, *r);
+            else if (auto* t = std::get_if<std::string>(&value))
+                statement.bindNoCopy(parameter, *t);
+            else
+                statement.bind(parameter);
+        }
+        statement.exec();
+        return db_->getLastInsertRowid();
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+FieldValue Store::readColumn(SQLite::Statement& statement, int column, const RecordKind& kind,
+                             const FieldInfo& field) {
+    SQLite::Column value = statement.getColumn(column);
+    auto wrongType = [&]() {
+        vel::diag::throwError("coder:descriptor:WrongType", {pathText_, kind.name, field.name});
+    };
+    if (value.isNull()) {
+        if (!field.optional) wrongType();
+        return {};
+    }
+    switch (field.type) {
+        case FieldType::Boolean: {
+            if (!value.isInteger()) wrongType();
+            const auto n = value.getInt64();
+            if (n != 0 && n != 1) wrongType();
+            return n == 1;
+        }
+        case FieldType::Integer: {
+            if (!value.isInteger()) wrongType();
+            const auto n = value.getInt64();
+            if (n < field.min || n > field.max) wrongType();
+            return std::int64_t{n};
+        }
+        case FieldType::Real:
+            if (!value.isFloat() && !value.isInteger()) wrongType();
+            return value.getDouble();
+        case FieldType::Text:
+            if (!value.isText()) wrongType();
+            return vel::i18n::toUString(
+                std::string_view(value.getText(), static_cast<std::size_t>(value.getBytes())));
+        case FieldType::Reference: {
+            if (!value.isInteger()) wrongType();
+            return descriptor::Object(shared_from_this(), &field.target(), value.getInt64());
+        }
+    }
+    return {};
+}
+
+std::vector<FieldValue> Store::readRow(const RecordKind& kind, std::int64_t id) {
+    requireOpen();
+    try {
+        SQLite::Statement& statement = *statementsFor(kind).select;
+        ResetGuard guard{statement};
+        statement.bind(1, static_cast<int64_t>(id));
+        if (!statement.executeStep())
+            vel::diag::throwError("coder:descriptor:MissingRecord",
+                                  {pathText_, kind.name, std::to_string(id)});
+        std::vector<FieldValue> row;
+        row.reserve(kind.fields.size());
+        for (std::size_t i = 0; i < kind.fields.size(); ++i)
+            row.push_back(readColumn(statement, static_cast<int>(i + 1), kind, kind.fields[i]));
+        return row;
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+void Store::setReference(const RecordKind& kind, std::size_t field, std::int64_t id, std::int64_t target) {
+    requireTransaction();
+    try {
+        auto& slot = statementsFor(kind).updateReference.at(field);
+        if (!slot)
+            slot = std::make_unique<SQLite::Statement>(*db_, "UPDATE " + quoted(kind.name) + " SET " +
+                                                                 quoted(kind.fields[field].name) +
+                                                                 " = ? WHERE id = ?");
+        ResetGuard guard{*slot};
+        slot->bind(1, static_cast<int64_t>(target));
+        slot->bind(2, static_cast<int64_t>(id));
+        if (slot->exec() == 0)
+            vel::diag::throwError("coder:descriptor:MissingRecord",
+                                  {pathText_, kind.name, std::to_string(id)});
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+void Store::clear() {
+    requireTransaction();
+    try {
+        for (const RecordKind* kind : descriptor::recordKinds()) {
+            for (const auto& sequence : kind->sequences)
+                db_->exec("DELETE FROM " + quoted(sequenceTable(*kind, sequence)));
+            db_->exec("DELETE FROM " + quoted(kind->name));
+        }
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+    forgetPositions();
+}
+
+std::size_t Store::sequenceSize(const RecordKind& kind, std::size_t sequence, std::int64_t owner) {
+    requireOpen();
+    try {
+        SQLite::Statement& statement = *sequenceStatementsFor(kind, sequence).count;
+        ResetGuard guard{statement};
+        statement.bind(1, static_cast<int64_t>(owner));
+        statement.executeStep();
+        const auto count = statement.getColumn(0).getInt64();
+        // Positions are 0..count-1; anything else is a damaged store.
+        if (statement.getColumn(1).getInt64() != count)
+            vel::diag::throwError("coder:descriptor:WrongType",
+                                  {pathText_, kind.name, kind.sequences[sequence].name});
+        return static_cast<std::size_t>(count);
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+FieldValue Store::sequenceElement(const RecordKind& kind, std::size_t sequence, std::int64_t owner,
+                                  std::size_t position) {
+    requireOpen();
+    const SequenceInfo& info = kind.sequences[sequence];
+    try {
+        SQLite::Statement& statement = *sequenceStatementsFor(kind, sequence).at;
+        ResetGuard guard{statement};
+        statement.bind(1, static_cast<int64_t>(owner));
+        statement.bind(2, static_cast<int64_t>(position));
+        if (!statement.executeStep()) {
+            const std::size_t size = sequenceSize(kind, sequence, owner);
+            vel::diag::throwError("coder:descriptor:IndexOutOfRange",
+                                  {std::to_string(position), std::to_string(size), info.name});
+        }
+        FieldInfo element{info.name, info.element ? FieldType::Reference : info.valueType,
+                          false,     info.element,
+                          INT64_MIN, INT64_MAX};
+        return readColumn(statement, 0, kind, element);
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+void Store::append(const RecordKind& kind, std::size_t sequence, std::int64_t owner,
+                   const FieldValue& value) {
+    requireTransaction();
+    try {
+        SequenceStatements& statements = sequenceStatementsFor(kind, sequence);
+        if (statements.nextPosition < 0 || statements.cachedOwner != owner) {
+            statements.nextPosition = static_cast<std::int64_t>(sequenceSize(kind, sequence, owner));
+            statements.cachedOwner = owner;
+        }
+        SQLite::Statement& statement = *statements.insert;
+        ResetGuard guard{statement};
+        statement.bind(1, static_cast<int64_t>(owner));
+        statement.bind(2, static_cast<int64_t>(statements.nextPosition));
+        if (auto* n = std::get_if<std::int64_t>(&value))
+            statement.bind(3, static_cast<int64_t>(*n));
+        else if (auto* t = std::get_if<descriptor::ustring>(&value))
+            statement.bind(3, vel::i18n::toUtf8(*t));
+        else if (auto* o = std::get_if<descriptor::Object>(&value))
+            statement.bind(3, static_cast<int64_t>(o->getId()));
+        else
+            assert(false && "a sequence element is an integer, a text or a record");
+        statement.exec();
+        ++statements.nextPosition;
+    } catch (const SQLite::Exception& e) {
+        forgetPositions();
+        raise(e);
+    }
+}
+
+std::int64_t Store::firstModelId() {
+    requireOpen();
+    try {
+        SQLite::Statement statement(*db_, "SELECT id FROM \"Model\" ORDER BY id LIMIT 1");
+        return statement.executeStep() ? statement.getColumn(0).getInt64() : 0;
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+int Store::formatVersion() {
+    requireOpen();
+    try {
+        return db_->execAndGet("PRAGMA user_version").getInt();
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+std::vector<std::string> Store::checkIntegrity() {
+    requireOpen();
+    std::vector<std::string> problems;
+    try {
+        SQLite::Statement integrity(*db_, "PRAGMA integrity_check");
+        while (integrity.executeStep()) {
+            std::string line = integrity.getColumn(0).getString();
+            if (line != "ok") problems.push_back(line);
+        }
+        SQLite::Statement references(*db_, "PRAGMA foreign_key_check");
+        while (references.executeStep())
+            problems.push_back("table '" + references.getColumn(0).getString() + "' row " +
+                               references.getColumn(1).getString() + " refers to a missing row of '" +
+                               references.getColumn(2).getString() + "'");
+        for (const RecordKind* kind : descriptor::recordKinds()) {
+            for (const auto& sequence : kind->sequences) {
+                const std::string table = sequenceTable(*kind, sequence);
+                SQLite::Statement gaps(*db_, "SELECT owner FROM " + quoted(table) +
+                                                 " GROUP BY owner HAVING max(position) + 1 != count(*) "
+                                                 "OR min(position) != 0");
+                while (gaps.executeStep())
+                    problems.push_back("table '" + table + "': the positions of owner " +
+                                       gaps.getColumn(0).getString() + " are not 0, 1, 2, ...");
+            }
+        }
+    } catch (const SQLite::Exception& e) {
+        problems.push_back(describe(e));
+    }
+    return problems;
+}
+
+} // namespace detail
+} // namespace coder

@@ -1,0 +1,334 @@
+#include "coder/Repository.hpp"
+
+#include <csignal>
+#include <functional>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+#include <sqlite3.h>
+
+#include "DiagnosticTesting.hpp"
+#include "TempDir.hpp"
+#include "coder/descriptor/Descriptors.hpp"
+#include "coder/descriptor/Dump.hpp"
+
+namespace {
+
+using coder::Repository;
+using coder::RepositoryOptions;
+using coder::Transaction;
+using namespace coder::descriptor;
+using testing_support::diagnosticOf;
+using testing_support::fileBytes;
+using testing_support::TempDir;
+using testing_support::writeBytes;
+
+// Stores a model named `name` with one subsystem of `blocks` blocks.
+void writeModel(Repository& repository, const std::u16string& name, int blocks = 1) {
+    ModelCreator model(repository);
+    model.setModelName(name);
+    Model m = model.createModel();
+    BlockHierarchyMap map = BlockHierarchyMapCreator(repository).createBlockHierarchyMap();
+    m.setBlockHierarchyMap(map);
+    GraphicalSystem root = GraphicalSystemCreator(repository).createGraphicalSystem();
+    map.getGraphicalSystems().append(root);
+    GraphicalBlockCreator block(repository);
+    for (int i = 0; i < blocks; ++i) {
+        block.setName(u"b" + vel::i18n::toUString(std::to_string(i)));
+        root.getGraphicalBlocks().append(block.createGraphicalBlock());
+    }
+}
+
+std::u16string storedModelName(const std::filesystem::path& path) {
+    Repository repository(path, {RepositoryOptions::Access::ReadOnly});
+    return RepositoryHelper::getModel(repository).getModelName();
+}
+
+// Runs SQL on a file directly, bypassing the store.
+void execSql(const std::filesystem::path& path, const std::string& sql) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
+    char* error = nullptr;
+    const int rc = sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &error);
+    const std::string message = error ? error : "";
+    sqlite3_free(error);
+    sqlite3_close(db);
+    ASSERT_EQ(SQLITE_OK, rc) << message;
+}
+
+TEST(Repository, CommittedWorkIsVisibleToALaterReaderAndUncommittedWorkIsNot) {
+    TempDir dir;
+    const auto path = dir / "codedescriptor.strata";
+    {
+        Repository repository(path);
+        Transaction transaction(repository);
+        writeModel(repository, u"first");
+        transaction.commit();
+    }
+    EXPECT_EQ(u"first", storedModelName(path));
+
+    {
+        Repository repository(path);
+        Transaction transaction(repository);
+        writeModel(repository, u"scoped, never committed");
+    }
+    {
+        Repository repository(path);
+        repository.beginTransaction();
+        writeModel(repository, u"explicitly rolled back");
+        repository.rollbackTransaction();
+        EXPECT_FALSE(repository.inTransaction());
+    }
+    {
+        Repository repository(path);
+        repository.beginTransaction();
+        writeModel(repository, u"open when the repository closes");
+    }
+    EXPECT_EQ(u"first", storedModelName(path));
+    EXPECT_TRUE(Repository(path, {RepositoryOptions::Access::ReadOnly}).checkIntegrity().empty());
+}
+
+TEST(Repository, ANewModelReplacesTheStoredOne) {
+    TempDir dir;
+    const auto path = dir / "codedescriptor.strata";
+    for (const char16_t* name : {u"one", u"two"}) {
+        Repository repository(path);
+        Transaction transaction(repository);
+        writeModel(repository, name, 3);
+        transaction.commit();
+    }
+    Repository repository(path, {RepositoryOptions::Access::ReadOnly});
+    const std::string dump = dumpText(repository);
+    EXPECT_NE(std::string::npos, dump.find("ModelName: \"two\""));
+    EXPECT_EQ(std::string::npos, dump.find("\"one\""));
+
+    // Rebuilding gives the same file content, not duplicates.
+    sqlite3* db = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr));
+    sqlite3_stmt* count = nullptr;
+    sqlite3_prepare_v2(db, "SELECT (SELECT count(*) FROM Model), (SELECT count(*) FROM GraphicalBlock)", -1,
+                       &count, nullptr);
+    ASSERT_EQ(SQLITE_ROW, sqlite3_step(count));
+    EXPECT_EQ(1, sqlite3_column_int(count, 0));
+    EXPECT_EQ(3, sqlite3_column_int(count, 1));
+    sqlite3_finalize(count);
+    sqlite3_close(db);
+}
+
+TEST(Repository, TransactionMisuseIsADiagnostic) {
+    TempDir dir;
+    Repository repository(dir / "s.strata");
+    EXPECT_EQ("coder:Repository:NoTransaction",
+              diagnosticOf([&] { ModelCreator(repository).createModel(); }));
+    EXPECT_EQ("coder:Repository:NoTransaction", diagnosticOf([&] { repository.commitTransaction(); }));
+    repository.beginTransaction();
+    EXPECT_EQ("coder:Repository:TransactionActive", diagnosticOf([&] { repository.beginTransaction(); }));
+    Model model = ModelCreator(repository).createModel();
+    repository.commitTransaction();
+    EXPECT_EQ("coder:Repository:NoTransaction",
+              diagnosticOf([&] { model.getSystems().append(SystemCreator(repository).createSystem()); }));
+
+    Transaction transaction(repository);
+    transaction.commit();
+    EXPECT_EQ("coder:Repository:NoTransaction", diagnosticOf([&] { transaction.commit(); }));
+}
+
+TEST(Repository, ReadOnlyAccessNeverWrites) {
+    TempDir dir;
+    const auto path = dir / "s.strata";
+    {
+        Repository repository(path);
+        Transaction transaction(repository);
+        writeModel(repository, u"m");
+        transaction.commit();
+    }
+    const std::string before = fileBytes(path);
+    Repository reader(path, {RepositoryOptions::Access::ReadOnly});
+    EXPECT_TRUE(reader.isReadOnly());
+    EXPECT_EQ("coder:Repository:ReadOnly", diagnosticOf([&] { reader.beginTransaction(); }));
+    EXPECT_EQ("coder:Repository:CannotOpen", diagnosticOf([&] {
+                  Repository(dir / "absent.strata", {RepositoryOptions::Access::ReadOnly});
+              }));
+    EXPECT_FALSE(std::filesystem::exists(dir / "absent.strata"));
+    EXPECT_EQ(before, fileBytes(path));
+}
+
+// Files that are not stores, or stores this build must not write: each
+// raises its diagnostic and keeps every byte.
+TEST(Repository, BadFilesAreRefusedAndLeftUnchanged) {
+    struct Case {
+        const char* name;
+        std::function<void(const std::filesystem::path&)> make;
+        const char* identifier;
+    };
+    auto goodStore = [](const std::filesystem::path& path) {
+        Repository repository(path);
+        Transaction transaction(repository);
+        writeModel(repository, u"m", 400);
+        transaction.commit();
+    };
+    const std::vector<Case> cases = {
+        {"random bytes",
+         [](const std::filesystem::path& path) {
+             std::mt19937 random(7);
+             std::string bytes(8192, '\0');
+             for (char& c : bytes) c = static_cast<char>(random());
+             writeBytes(path, bytes);
+         },
+         "coder:Repository:NotAStore"},
+        {"a text file", [](const std::filesystem::path& path) { writeBytes(path, "model = gain\n"); },
+         "coder:Repository:NotAStore"},
+        {"another SQLite database",
+         [](const std::filesystem::path& path) { execSql(path, "CREATE TABLE notes (body TEXT)"); },
+         "coder:Repository:NotAStore"},
+        {"a truncated store",
+         [&](const std::filesystem::path& path) {
+             goodStore(path);
+             std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+         },
+         "coder:Repository:Corrupt"},
+        {"a store of a newer format",
+         [&](const std::filesystem::path& path) {
+             goodStore(path);
+             execSql(path, "PRAGMA user_version = " + std::to_string(Repository::kFormatVersion + 1));
+         },
+         "coder:Repository:NewerFormat"},
+        {"a store that lost a table",
+         [&](const std::filesystem::path& path) {
+             goodStore(path);
+             execSql(path, "DROP TABLE \"Port_DataInterfaces\"");
+         },
+         "coder:Repository:Corrupt"},
+    };
+    for (const auto& c : cases) {
+        TempDir dir;
+        const auto path = dir / "codedescriptor.strata";
+        c.make(path);
+        const std::string before = fileBytes(path);
+        EXPECT_EQ(c.identifier, diagnosticOf([&] { Repository repository(path); })) << c.name;
+        EXPECT_EQ(c.identifier,
+                  diagnosticOf([&] { Repository repository(path, {RepositoryOptions::Access::ReadOnly}); }))
+            << c.name;
+        EXPECT_EQ(before, fileBytes(path)) << c.name;
+        EXPECT_FALSE(std::filesystem::exists(path.string() + "-journal")) << c.name;
+    }
+}
+
+TEST(Repository, AMissingDirectoryCannotBeOpened) {
+    TempDir dir;
+    EXPECT_EQ("coder:Repository:CannotOpen",
+              diagnosticOf([&] { Repository(dir / "no" / "such" / "s.strata"); }));
+    EXPECT_FALSE(std::filesystem::exists(dir / "no"));
+}
+
+TEST(Repository, AWriteProtectedFileIsRefusedForWriting) {
+    if (geteuid() == 0) GTEST_SKIP() << "permissions do not bind the superuser";
+    TempDir dir;
+    const auto path = dir / "s.strata";
+    {
+        Repository repository(path);
+        Transaction transaction(repository);
+        writeModel(repository, u"m");
+        transaction.commit();
+    }
+    std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+    const std::string before = fileBytes(path);
+    EXPECT_EQ("coder:Repository:ReadOnly", diagnosticOf([&] {
+                  Repository repository(path);
+                  repository.beginTransaction();
+              }));
+    EXPECT_EQ(u"m", storedModelName(path));
+    EXPECT_EQ(before, fileBytes(path));
+}
+
+TEST(Repository, AFullDiskRollsBackToTheLastCommit) {
+    TempDir dir;
+    const auto path = dir / "s.strata";
+    {
+        Repository repository(path);
+        Transaction transaction(repository);
+        writeModel(repository, u"small");
+        transaction.commit();
+    }
+    const std::string before = fileBytes(path);
+    RepositoryOptions limited;
+    limited.maxPageCount = 40;
+    {
+        Repository repository(path, limited);
+        Transaction transaction(repository);
+        EXPECT_EQ("coder:Repository:Full", diagnosticOf([&] { writeModel(repository, u"large", 50000); }));
+    }
+    EXPECT_EQ(before, fileBytes(path));
+    EXPECT_EQ(u"small", storedModelName(path));
+    EXPECT_TRUE(Repository(path).checkIntegrity().empty());
+}
+
+TEST(Repository, ASecondWriterWaitsForTheLockThenFails) {
+    TempDir dir;
+    const auto path = dir / "s.strata";
+    Repository first(path);
+    RepositoryOptions impatient;
+    impatient.busyTimeoutMs = 20;
+    Repository second(path, impatient);
+
+    first.beginTransaction();
+    writeModel(first, u"first");
+    EXPECT_EQ("coder:Repository:Busy", diagnosticOf([&] { second.beginTransaction(); }));
+    EXPECT_FALSE(second.inTransaction());
+    first.commitTransaction();
+
+    second.beginTransaction();
+    writeModel(second, u"second");
+    second.commitTransaction();
+    EXPECT_EQ(u"second", storedModelName(path));
+}
+
+TEST(Repository, AProcessKilledInsideATransactionLeavesTheLastCommit) {
+    TempDir dir;
+    const auto path = dir / "codedescriptor.strata";
+    int ready[2];
+    ASSERT_EQ(0, pipe(ready));
+    const pid_t child = fork();
+    ASSERT_NE(-1, child);
+    if (child == 0) {
+        // Commits one model, then writes another for ever; tells the parent
+        // once the second transaction has reached the file.
+        close(ready[0]);
+        try {
+            Repository repository(path);
+            {
+                Transaction transaction(repository);
+                writeModel(repository, u"committed", 10);
+                transaction.commit();
+            }
+            Transaction transaction(repository);
+            writeModel(repository, u"in flight", 20000);
+            if (write(ready[1], "x", 1) != 1) _exit(3);
+            for (;;) writeModel(repository, u"in flight", 1000);
+        } catch (...) {
+            _exit(2);
+        }
+    }
+    close(ready[1]);
+    char signal = 0;
+    ASSERT_EQ(1, read(ready[0], &signal, 1)) << "the writer stopped early";
+    close(ready[0]);
+    ASSERT_EQ(0, kill(child, SIGKILL));
+    int status = 0;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    ASSERT_TRUE(WIFSIGNALED(status));
+
+    EXPECT_TRUE(std::filesystem::exists(path.string() + "-journal")) << "the kill did not hit a transaction";
+    Repository repository(path);
+    EXPECT_TRUE(repository.checkIntegrity().empty());
+    Model model = RepositoryHelper::getModel(repository);
+    EXPECT_EQ(u"committed", model.getModelName());
+    EXPECT_EQ(10u, model.getBlockHierarchyMap().getGraphicalSystems().at(0).getGraphicalBlocks().size());
+}
+
+} // namespace
