@@ -1,0 +1,59 @@
+// Two repositories on one file, each on its own thread: the writers take
+// turns on the file's write lock and every commit survives whole.
+#include <atomic>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "TempDir.hpp"
+#include "coder/descriptor/Descriptors.hpp"
+
+namespace {
+
+using namespace coder::descriptor;
+
+TEST(RepositoryThreads, WritersOnOneFileTakeTurns) {
+    testing_support::TempDir dir;
+    const auto path = dir / "codedescriptor.strata";
+    { coder::Repository create(path); } // creates the schema once
+    constexpr int kWriters = 3, kPasses = 5, kBlocks = 50;
+    std::atomic<int> waiting{kWriters};
+    std::atomic<int> failures{0};
+    std::vector<std::thread> writers;
+    for (int w = 0; w < kWriters; ++w) {
+        writers.emplace_back([&, w] {
+            try {
+                coder::RepositoryOptions patient;
+                patient.busyTimeoutMs = 60000;
+                coder::Repository repository(path, patient);
+                // Start together so that the transactions really contend.
+                --waiting;
+                while (waiting.load() > 0) std::this_thread::yield();
+                for (int pass = 0; pass < kPasses; ++pass) {
+                    coder::Transaction transaction(repository);
+                    ModelCreator model(repository);
+                    model.setModelName(u"writer" + vel::i18n::toUString(std::to_string(w)));
+                    Model m = model.createModel();
+                    m.getSystems().append(SystemCreator(repository).createSystem());
+                    for (int b = 0; b < kBlocks; ++b)
+                        m.getSystems().at(0).getGraphicalCallSites().append(
+                            GraphicalBlockCreator(repository).createGraphicalBlock());
+                    transaction.commit();
+                }
+            } catch (...) {
+                ++failures;
+            }
+        });
+    }
+    for (auto& writer : writers) writer.join();
+    EXPECT_EQ(0, failures.load());
+
+    coder::Repository repository(path, {coder::RepositoryOptions::Access::ReadOnly});
+    EXPECT_TRUE(repository.checkIntegrity().empty());
+    Model model = RepositoryHelper::getModel(repository);
+    EXPECT_EQ(1u, model.getSystems().size());
+    EXPECT_EQ(static_cast<std::size_t>(kBlocks), model.getSystems().at(0).getGraphicalCallSites().size());
+}
+
+} // namespace
