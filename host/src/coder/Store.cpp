@@ -125,10 +125,15 @@ struct Store::SequenceStatements {
     std::unique_ptr<SQLite::Statement> insert;
     std::unique_ptr<SQLite::Statement> count;
     std::unique_ptr<SQLite::Statement> at;
+    std::unique_ptr<SQLite::Statement> maxOwner;
     // Appends come in runs on one owner: remember its next position so that
     // a run costs one insert per element and no read.
     std::int64_t cachedOwner = 0;
     std::int64_t nextPosition = -1;
+    // The highest owner with elements (-1: not read yet). Records get
+    // increasing ids, so an owner above it has an empty list, and the first
+    // append to a new record needs no read either.
+    std::int64_t highestOwner = -1;
 };
 
 struct Store::KindStatements {
@@ -229,8 +234,12 @@ void Store::rollback() noexcept {
 }
 
 void Store::forgetPositions() {
-    for (auto& [kind, statements] : statements_)
-        for (auto& sequence : statements->sequences) sequence.nextPosition = -1;
+    for (auto& [kind, statements] : statements_) {
+        for (auto& sequence : statements->sequences) {
+            sequence.nextPosition = -1;
+            sequence.highestOwner = -1;
+        }
+    }
 }
 
 void Store::validateOrCreate(const RepositoryOptions& options) {
@@ -353,6 +362,8 @@ Store::SequenceStatements& Store::sequenceStatementsFor(const RecordKind& kind, 
             *db_, "SELECT count(*), coalesce(max(position) + 1, 0) FROM " + table + " WHERE owner = ?");
         statements.at = std::make_unique<SQLite::Statement>(
             *db_, "SELECT " + column + " FROM " + table + " WHERE owner = ? AND position = ?");
+        statements.maxOwner =
+            std::make_unique<SQLite::Statement>(*db_, "SELECT coalesce(max(owner), 0) FROM " + table);
     }
     return statements;
 }
@@ -517,8 +528,15 @@ void Store::append(const RecordKind& kind, std::size_t sequence, std::int64_t ow
     requireTransaction();
     try {
         SequenceStatements& statements = sequenceStatementsFor(kind, sequence);
+        if (statements.highestOwner < 0) {
+            ResetGuard guard{*statements.maxOwner};
+            statements.maxOwner->executeStep();
+            statements.highestOwner = statements.maxOwner->getColumn(0).getInt64();
+        }
         if (statements.nextPosition < 0 || statements.cachedOwner != owner) {
-            statements.nextPosition = static_cast<std::int64_t>(sequenceSize(kind, sequence, owner));
+            statements.nextPosition = owner > statements.highestOwner
+                                          ? 0
+                                          : static_cast<std::int64_t>(sequenceSize(kind, sequence, owner));
             statements.cachedOwner = owner;
         }
         SQLite::Statement& statement = *statements.insert;
@@ -535,6 +553,7 @@ void Store::append(const RecordKind& kind, std::size_t sequence, std::int64_t ow
             assert(false && "a sequence element is an integer, a text or a record");
         statement.exec();
         ++statements.nextPosition;
+        if (owner > statements.highestOwner) statements.highestOwner = owner;
     } catch (const SQLite::Exception& e) {
         forgetPositions();
         raise(e);
