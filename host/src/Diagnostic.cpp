@@ -73,6 +73,8 @@ const std::map<std::string, std::string> kCoderDescriptor = {
     {"IndexOutOfRange", "Position {1} is out of range for {3}, which has {2} element(s)."},
     {"OutOfRange", "The value {3} does not fit {1}.{2}."},
     {"TooDeep", "The records nest more than {1} levels deep."},
+    {"BrokenSequence",
+     "The code descriptor '{1}' is damaged: the positions of {2}.{3} of record {4} are not 0, 1, 2, ..."},
 };
 
 std::pair<std::string, std::string> splitIdentifier(const std::string& id) {

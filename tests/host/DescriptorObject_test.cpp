@@ -1,3 +1,4 @@
+#include <cmath>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
@@ -7,6 +8,7 @@
 #include "DiagnosticTesting.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
+#include "coder/descriptor/Dump.hpp"
 
 namespace {
 
@@ -85,13 +87,16 @@ TEST(DescriptorObject, RecordsOfAnotherRepositoryOrKindAreRefused) {
               diagnosticWithArgumentsOf([&] { objectAs<Port>(generic); }));
 }
 
-TEST(DescriptorObject, TextThatIsNotUnicodeWritesNothing) {
+TEST(DescriptorObject, ValuesThatCannotBeStoredWriteNothing) {
     TempDir dir;
     Repository repository(dir / "s.strata");
     Transaction transaction(repository);
     ModelCreator creator(repository);
     const std::u16string loneSurrogate(1, char16_t(0xD800));
     EXPECT_EQ("i18n:InvalidText", diagnosticOf([&] { creator.setModelName(loneSurrogate); }));
+    ToAsyncQueueBlockCreator queue(repository);
+    EXPECT_EQ("coder:descriptor:OutOfRange(ToAsyncQueueBlock, FxpBias, NaN)",
+              diagnosticWithArgumentsOf([&] { queue.setFxpBias(std::nan("")); }));
     EXPECT_EQ("coder:descriptor:NoModel", diagnosticOf([&] { RepositoryHelper::getModel(repository); }));
     EXPECT_EQ(u"", creator.createModel().getModelName());
 }
@@ -124,14 +129,17 @@ TEST(DescriptorObject, DamagedValuesAreReportedWhenRead) {
         "INSERT INTO GraphicalBlock SELECT * FROM Old; DROP TABLE Old;"
         "UPDATE GraphicalBlock SET NumFcnCallOutputPorts = 'many' WHERE id = 1;"
         "UPDATE GraphicalBlock SET IsProtectedModelBlock = 7 WHERE id = 3;"
-        "DELETE FROM GraphicalSystem_GraphicalBlocks WHERE position = 1;";
+        "DELETE FROM GraphicalSystem_GraphicalBlocks WHERE position = 1;"
+        "DELETE FROM BlockHierarchyMap;";
     ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, damage, nullptr, nullptr, nullptr));
     sqlite3_close(db);
 
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
+    // A record without fields is still found missing.
+    EXPECT_EQ("coder:descriptor:MissingRecord", diagnosticOf([&] { dumpText(repository); }));
     GraphicalSystem root =
         RepositoryHelper::getModel(repository).getBlockHierarchyMap().getGraphicalSystems().at(0);
-    EXPECT_EQ("coder:descriptor:WrongType", diagnosticOf([&] { root.getGraphicalBlocks().size(); }));
+    EXPECT_EQ("coder:descriptor:BrokenSequence", diagnosticOf([&] { root.getGraphicalBlocks().size(); }));
     EXPECT_FALSE(repository.checkIntegrity().empty());
 
     Object first = std::get<Object>(root.getSequenceElement(0, 0));

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "coder/Repository.hpp"
 #include "coder/descriptor/RepositoryHelper.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
@@ -37,9 +38,10 @@ public:
         out_ += '\n';
         path_.push_back(object);
         const RecordKind& kind = *object.getKind();
+        std::vector<FieldValue> fields = object.getFields();
         for (std::size_t i = 0; i < kind.fields.size(); ++i) {
             line(indent + 2, kind.fields[i].name);
-            FieldValue value = object.getField(i);
+            FieldValue& value = fields[i];
             if (auto* target = std::get_if<Object>(&value)) {
                 record(*target, indent + 2);
             } else {
@@ -127,6 +129,9 @@ std::string dumpText(const Object& record) {
     return dumper.take();
 }
 
-std::string dumpText(Repository& repository) { return dumpText(RepositoryHelper::getModel(repository)); }
+std::string dumpText(Repository& repository) {
+    ReadTransaction view(repository);
+    return dumpText(RepositoryHelper::getModel(repository));
+}
 
 } // namespace coder::descriptor

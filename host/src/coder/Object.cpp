@@ -1,5 +1,7 @@
 #include "coder/descriptor/Object.hpp"
 
+#include <cmath>
+
 #include "Store.hpp"
 #include "coder/Repository.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -30,6 +32,8 @@ std::int64_t Object::getId() const {
     if (isNull()) vel::diag::throwError("coder:descriptor:NullObject", {});
     return id_;
 }
+
+std::vector<FieldValue> Object::getFields() const { return checkedStore().readRow(*kind_, id_); }
 
 FieldValue Object::getField(std::size_t field) const {
     auto row = checkedStore().readRow(*kind_, id_);
@@ -145,7 +149,13 @@ void Creator::setInteger(std::size_t field, std::int64_t value) {
     values_[field] = value;
 }
 
-void Creator::setReal(std::size_t field, double value) { values_.at(field) = value; }
+void Creator::setReal(std::size_t field, double value) {
+    // SQLite would store NaN as NULL, which reads back as no value at all.
+    if (std::isnan(value))
+        vel::diag::throwError("coder:descriptor:OutOfRange",
+                              {kind_.name, kind_.fields.at(field).name, "NaN"});
+    values_.at(field) = value;
+}
 
 void Creator::setText(std::size_t field, const ustring& value) {
     values_.at(field) = vel::i18n::toUtf8(value);

@@ -37,4 +37,11 @@ void Transaction::commit() {
     committed_ = true;
 }
 
+ReadTransaction::ReadTransaction(Repository& repository)
+    : repository_(repository), active_(repository.store()->beginRead()) {}
+
+ReadTransaction::~ReadTransaction() {
+    if (active_) repository_.rollbackTransaction();
+}
+
 } // namespace coder

@@ -110,13 +110,11 @@ std::string describe(const SQLite::Exception& error) {
 }
 
 // Resets a statement when leaving scope, also when a read throws, so that
-// it holds no read lock and can be reused.
+// it holds no read lock and can be reused. Bindings stay: every use binds
+// every parameter again.
 struct ResetGuard {
     SQLite::Statement& statement;
-    ~ResetGuard() {
-        statement.tryReset();
-        statement.clearBindings();
-    }
+    ~ResetGuard() { statement.tryReset(); }
 };
 
 } // namespace
@@ -215,6 +213,21 @@ void Store::begin() {
     }
 }
 
+bool Store::beginRead() {
+    requireOpen();
+    if (inTransaction()) return false;
+    try {
+        db_->exec("BEGIN");
+        // A deferred transaction locks at its first read: take the lock now
+        // so that the view starts here.
+        db_->execAndGet("SELECT count(*) FROM sqlite_schema");
+    } catch (const SQLite::Exception& e) {
+        rollback();
+        raise(e);
+    }
+    return true;
+}
+
 void Store::commit() {
     requireTransaction();
     try {
@@ -250,6 +263,17 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
         // inside a transaction.
         const int applicationId = db_->execAndGet("PRAGMA application_id").getInt();
         const int version = db_->execAndGet("PRAGMA user_version").getInt();
+        // A store cut short still has a valid header; its page count tells,
+        // before a read of the missing pages fails less clearly.
+        const std::int64_t pages = db_->execAndGet("PRAGMA page_count").getInt64();
+        const std::int64_t pageSize = db_->execAndGet("PRAGMA page_size").getInt64();
+        std::error_code ec;
+        const auto size = std::filesystem::file_size(std::filesystem::u8path(pathText_), ec);
+        if (!ec && static_cast<std::int64_t>(size) < pages * pageSize)
+            vel::diag::throwError(
+                "coder:Repository:Corrupt",
+                {pathText_, "the file is " + std::to_string(size) + " bytes long, but holds " +
+                                std::to_string(pages) + " pages of " + std::to_string(pageSize) + " bytes"});
         const int objects = db_->execAndGet("SELECT count(*) FROM sqlite_schema").getInt();
         if (applicationId == 0 && version == 0 && objects == 0) {
             if (readOnly_) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
@@ -263,17 +287,6 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
                 "coder:Repository:NewerFormat",
                 {pathText_, std::to_string(version), std::to_string(Repository::kFormatVersion)});
         if (version < 1) vel::diag::throwError("coder:Repository:Corrupt", {pathText_, "no format version"});
-
-        // A store cut short still has a valid header; its page count tells.
-        const std::int64_t pages = db_->execAndGet("PRAGMA page_count").getInt64();
-        const std::int64_t pageSize = db_->execAndGet("PRAGMA page_size").getInt64();
-        std::error_code ec;
-        const auto size = std::filesystem::file_size(std::filesystem::u8path(pathText_), ec);
-        if (!ec && static_cast<std::int64_t>(size) < pages * pageSize)
-            vel::diag::throwError(
-                "coder:Repository:Corrupt",
-                {pathText_, "the file is " + std::to_string(size) + " bytes long, but holds " +
-                                std::to_string(pages) + " pages of " + std::to_string(pageSize) + " bytes"});
 
         SQLite::Statement exists(*db_, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?");
         auto requireTable = [&](const std::string& table) {
@@ -492,8 +505,9 @@ std::size_t Store::sequenceSize(const RecordKind& kind, std::size_t sequence, st
         const auto count = statement.getColumn(0).getInt64();
         // Positions are 0..count-1; anything else is a damaged store.
         if (statement.getColumn(1).getInt64() != count)
-            vel::diag::throwError("coder:descriptor:WrongType",
-                                  {pathText_, kind.name, kind.sequences[sequence].name});
+            vel::diag::throwError(
+                "coder:descriptor:BrokenSequence",
+                {pathText_, kind.name, kind.sequences[sequence].name, std::to_string(owner)});
         return static_cast<std::size_t>(count);
     } catch (const SQLite::Exception& e) {
         raise(e);
@@ -582,26 +596,51 @@ int Store::formatVersion() {
 std::vector<std::string> Store::checkIntegrity() {
     requireOpen();
     std::vector<std::string> problems;
+    const bool ownView = beginRead();
+    struct EndView {
+        Store& store;
+        bool active;
+        ~EndView() {
+            if (active) store.rollback();
+        }
+    } endView{*this, ownView};
     try {
         SQLite::Statement integrity(*db_, "PRAGMA integrity_check");
         while (integrity.executeStep()) {
             std::string line = integrity.getColumn(0).getString();
             if (line != "ok") problems.push_back(line);
         }
+        // Record tables; the sequence tables have no row ids and are checked
+        // below by owner and position.
         SQLite::Statement references(*db_, "PRAGMA foreign_key_check");
-        while (references.executeStep())
+        while (references.executeStep()) {
+            if (references.getColumn(1).isNull()) continue;
             problems.push_back("table '" + references.getColumn(0).getString() + "' row " +
                                references.getColumn(1).getString() + " refers to a missing row of '" +
                                references.getColumn(2).getString() + "'");
+        }
         for (const RecordKind* kind : descriptor::recordKinds()) {
             for (const auto& sequence : kind->sequences) {
                 const std::string table = sequenceTable(*kind, sequence);
-                SQLite::Statement gaps(*db_, "SELECT owner FROM " + quoted(table) +
-                                                 " GROUP BY owner HAVING max(position) + 1 != count(*) "
-                                                 "OR min(position) != 0");
-                while (gaps.executeStep())
-                    problems.push_back("table '" + table + "': the positions of owner " +
-                                       gaps.getColumn(0).getString() + " are not 0, 1, 2, ...");
+                auto report = [&](const std::string& sql, const std::string& what) {
+                    SQLite::Statement rows(*db_, sql);
+                    while (rows.executeStep())
+                        problems.push_back(
+                            "table '" + table + "': owner " + rows.getColumn(0).getString() + " " + what +
+                            (rows.getColumnCount() > 1 ? " " + rows.getColumn(1).getString() : ""));
+                };
+                report("SELECT owner FROM " + quoted(table) +
+                           " GROUP BY owner HAVING max(position) + 1 != count(*) OR min(position) != 0",
+                       "has positions other than 0, 1, 2, ...");
+                report("SELECT s.owner, s.position FROM " + quoted(table) + " AS s LEFT JOIN " +
+                           quoted(kind->name) + " AS o ON o.id = s.owner WHERE o.id IS NULL",
+                       "is not a row of '" + std::string(kind->name) + "', at position");
+                if (sequence.element)
+                    report("SELECT s.owner, s.position FROM " + quoted(table) + " AS s LEFT JOIN " +
+                               quoted(sequence.element().name) +
+                               " AS e ON e.id = s.element WHERE e.id IS NULL",
+                           "refers to a missing row of '" + std::string(sequence.element().name) +
+                               "' at position");
             }
         }
     } catch (const SQLite::Exception& e) {

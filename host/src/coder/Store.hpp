@@ -46,6 +46,8 @@ public:
     const std::string& pathText() const { return pathText_; }
 
     void begin();
+    // Opens a read transaction unless one is open; true when it did.
+    bool beginRead();
     void commit();
     void rollback() noexcept;
 

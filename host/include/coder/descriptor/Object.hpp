@@ -105,6 +105,9 @@ public:
     // Generic access by position in getKind()->fields and ->sequences, for
     // tools that walk a store without knowing its record kinds.
     FieldValue getField(std::size_t field) const;
+    // Every field at once, in getKind()->fields order; also checks that the
+    // record's row exists ("coder:descriptor:MissingRecord").
+    std::vector<FieldValue> getFields() const;
     std::size_t getSequenceSize(std::size_t sequence) const;
     // A record of a sequence of records, or a value of a value list.
     FieldValue getSequenceElement(std::size_t sequence, std::size_t position) const;
