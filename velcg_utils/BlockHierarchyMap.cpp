@@ -1,6 +1,8 @@
 #include "velcg/BlockHierarchyMap.hpp"
 
 #include "OwnedList.hpp"
+#include "Serialization.hpp"
+#include "coder/descriptor/BlockHierarchyMap.hpp"
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/ModelDiagnostics.hpp"
@@ -68,6 +70,16 @@ void BlockHierarchyMap::clearSubsystems() {
     for (GraphicalSubsystem* subsystem : subsystems_) delete subsystem;
     subsystems_.clear();
     reducedBlocks_.clear();
+}
+
+coder::descriptor::BlockHierarchyMap BlockHierarchyMap::serialize(coder::Repository& repository) const {
+    coder::descriptor::BlockHierarchyMapCreator creator(repository);
+    coder::descriptor::BlockHierarchyMap map = creator.createBlockHierarchyMap();
+    const auto systems = map.getGraphicalSystems();
+    for (const GraphicalSubsystem* subsystem : getSubsystems())
+        systems.append(
+            detail::nonNull(subsystem, "A subsystem of the block hierarchy map").serialize(repository));
+    return map;
 }
 
 } // namespace VelCG

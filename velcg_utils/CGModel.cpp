@@ -1,13 +1,22 @@
 #include "velcg/CGModel.hpp"
 
+#include <filesystem>
 #include <stdexcept>
+#include <utility>
+
+#include <boost/thread/thread.hpp>
 
 #include "OwnedList.hpp"
+#include "coder/Repository.hpp"
+#include "coder/descriptor/Model.hpp"
+#include "coder/descriptor/RepositoryHelper.hpp"
 #include "vel/diag/Diagnostic.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CoderDataGroup.hpp"
 #include "velcg/DataInterfaceRecord.hpp"
 #include "velcg/ExternalInput.hpp"
+#include "velcg/Features.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/ModelParameter.hpp"
 #include "velcg/System.hpp"
@@ -40,11 +49,45 @@ void deleteAll(std::vector<T*>& list) noexcept {
 
 [[noreturn]] void throwSubscript() { throw std::out_of_range("invalid vector<T> subscript"); }
 
+std::filesystem::path codeDescriptorPath(const std::wstring& directory) {
+    const std::filesystem::path name(CGModel::kCodeDescriptorFileName);
+    if (directory.empty()) return name;
+#if defined(_WIN32)
+    return std::filesystem::path(directory) / name;
+#else
+    // File names are bytes here, UTF-8 by convention; converting through the
+    // host keeps malformed text from becoming a mangled file name.
+    return std::filesystem::path(vel::i18n::toUtf8(directory)) / name;
+#endif
+}
+
+// Reports the failure of a background pass that nobody is left to raise it to.
+void reportBackgroundFailure(const std::exception_ptr& error) noexcept {
+    try {
+        std::string cause;
+        try {
+            std::rethrow_exception(error);
+        } catch (const std::exception& e) {
+            cause = e.what();
+        } catch (...) {
+            cause = "an exception that is not a std::exception";
+        }
+        reportDiagnostic(vel::diag::Diagnostic::withText(
+            kSerializationFailedId,
+            "A background serialization of the model into the code descriptor failed: " + cause));
+    } catch (...) {
+        // Out of memory while describing the failure: the destructor goes on.
+    }
+}
+
 } // namespace
 
 CGModel::CGModel() : blockHierarchyMap_(new BlockHierarchyMap()), fpcIOMap_(std::make_unique<FPCIOMap>()) {}
 
 CGModel::~CGModel() {
+    // A background pass may still be reading the elements deleted below.
+    waitForSerialization();
+    if (serializationError_) reportBackgroundFailure(std::exchange(serializationError_, nullptr));
     deleteAll(systems_);
     deleteAll(velCGTypes_);
     deleteAll(varGroups_);
@@ -250,6 +293,104 @@ void CGModel::setModelParameters(const std::vector<ModelParameter*>& parameters)
 bool CGModel::getIsCompactFilePackaging() const {
     return filePackagingFormat_ == FilePackagingFormat::Compact ||
            filePackagingFormat_ == FilePackagingFormat::CompactWithDataFile;
+}
+
+void CGModel::serializeModel(const std::wstring& directory) {
+    // Two passes never write at once, and no running thread is dropped.
+    joinSerializationThread();
+    if (VELFEAT_VelCGDirectEmitSerialize.value() >= 2) {
+        serializeModelImpl(directory);
+        return;
+    }
+    startSerializationThread(&CGModel::serializeModelImpl, directory);
+}
+
+void CGModel::serializeModelAfterScriv(const std::wstring& directory) {
+    joinSerializationThread();
+    // After a failed first pass the description this pass would add to is
+    // missing, or stale from an earlier run.
+    if (serializationError_) std::rethrow_exception(std::exchange(serializationError_, nullptr));
+    if (VELFEAT_VelCGDirectEmitSerialize.value() >= 2) {
+        serializeModelAfterScrivImpl(directory);
+        return;
+    }
+    startSerializationThread(&CGModel::serializeModelAfterScrivImpl, directory);
+}
+
+void CGModel::serializeModelImpl(const std::wstring& directory) {
+    using vel::i18n::toUString;
+    if (VELFEAT_VelCGDirectEmitSerialize.value() < 1) return;
+    if (VELFEAT_VelCGDirectEmitSerialize.value() == 3) recordTAQActualSources();
+
+    // Declared in the order of use, so that a failure destroys them in
+    // reverse and the transaction rolls back before the file closes.
+    coder::Repository repository(codeDescriptorPath(directory));
+    coder::Transaction transaction(repository);
+    coder::descriptor::ModelCreator creator(repository);
+    creator.setModelName(toUString(getName()));
+    creator.setKordelVersion(toUString(getKordelVersion()));
+    creator.setSharedCodeManagerPath(toUString(sharedCodeManagerPath_));
+    coder::descriptor::Model model = creator.createModel();
+    model.setBlockHierarchyMap(blockHierarchyMap_->serialize(repository));
+    if (VELFEAT_VelCGDirectEmitSerialize.value() >= 4) {
+        const auto systems = model.getSystems();
+        for (const System* system : systems_) systems.append(system->serialize(repository));
+        const auto inputs = model.getExternalInputs();
+        for (const ExternalInput* input : externalInputs_) inputs.append(input->serialize(repository));
+    }
+    const auto taqBlocks = model.getTAQBlocks();
+    for (const ToAsyncQueueBlock* block : taqBlocks_) taqBlocks.append(block->serializeAsync(repository));
+    model.setFPCInfo(fpcIOMap_->serialize(repository));
+    transaction.commit();
+    model.release();
+}
+
+void CGModel::serializeModelAfterScrivImpl(const std::wstring& directory) {
+    if (VELFEAT_VelCGDirectEmitSerialize.value() < 1) return;
+
+    coder::Repository repository(codeDescriptorPath(directory));
+    coder::Transaction transaction(repository);
+    coder::descriptor::Model model = coder::descriptor::RepositoryHelper::getModel(repository);
+    const auto groups = model.getCoderGroups();
+    for (const CoderDataGroup* group : coderDataGroups_) groups.append(group->serialize(repository));
+    transaction.commit();
+    model.release();
+}
+
+void CGModel::waitForSerialization() noexcept {
+    try {
+        joinSerializationThread();
+    } catch (...) {
+        // Joining fails only on the pass's own thread, when the pass itself
+        // destroys the model; there is nothing to wait for then.
+    }
+}
+
+void CGModel::joinSerializationThread() {
+    if (!serializationThread_) return;
+    serializationThread_->join();
+    serializationThread_.reset();
+}
+
+void CGModel::startSerializationThread(void (CGModel::*pass)(const std::wstring&),
+                                       const std::wstring& directory) {
+    serializationThread_ = std::make_unique<boost::thread>([this, pass, directory] {
+        try {
+            (this->*pass)(directory);
+        } catch (...) {
+            // Read only after the join, which orders it after this write.
+            if (!serializationError_) serializationError_ = std::current_exception();
+        }
+    });
+}
+
+void CGModel::recordTAQActualSources() {
+    for (const ToAsyncQueueBlock* block : taqBlocks_) {
+        taqActualSourcePaths_.insert(block->getActSrcBlockPath());
+        if (block->getIsVirtualBus())
+            for (const ToAsyncQueueBlock* leaf : block->getLeafElements())
+                taqActualSourcePaths_.insert(leaf->getActSrcBlockPath());
+    }
 }
 
 } // namespace VelCG

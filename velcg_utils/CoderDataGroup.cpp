@@ -1,5 +1,7 @@
 #include "velcg/CoderDataGroup.hpp"
 
+#include "coder/descriptor/CoderGroup.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/VarGroup.hpp"
@@ -60,6 +62,25 @@ const std::string& CoderDataGroup::getRootGroupTypeName() const {
     }
     if (found) rootGroupTypeName_ = *found;
     return rootGroupTypeName_;
+}
+
+coder::descriptor::CoderGroup CoderDataGroup::serialize(coder::Repository& repository) const {
+    using vel::i18n::toUString;
+    coder::descriptor::CoderGroupCreator creator(repository);
+    creator.setName(toUString(name_));
+    creator.setRootTypeName(toUString(getRootGroupTypeName()));
+    creator.setStructureTypeNameRule(toUString(structureTypeNameRule_));
+    creator.setStructureInstanceNameRule(toUString(structureInstanceNameRule_));
+    creator.setSelfStructureTypeNameRule(toUString(selfStructureTypeNameRule_));
+    creator.setStructureReferenceNameRule(toUString(structureReferenceNameRule_));
+    creator.setSelfStructureReferenceNameRule(toUString(selfStructureReferenceNameRule_));
+    creator.setStructureArgumentNameRule(toUString(structureArgumentNameRule_));
+    creator.setSelfStructureArgumentNameRule(toUString(selfStructureArgumentNameRule_));
+    creator.setHeaderFileRule(toUString(headerFileRule_));
+    creator.setSelfStructureInstanceNameRule(toUString(selfStructureInstanceNameRule_));
+    creator.setGroupSize(selfGroup_ ? 1 : 0);
+    creator.setAsStructure(toUString(getAsStructureString(asStructure_)));
+    return creator.createCoderGroup();
 }
 
 } // namespace VelCG

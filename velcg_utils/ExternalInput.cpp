@@ -1,5 +1,7 @@
 #include "velcg/ExternalInput.hpp"
 
+#include "coder/descriptor/ExternalInput.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGTypeMember.hpp"
 #include "velcg/ModelDiagnostics.hpp"
@@ -32,6 +34,24 @@ std::string ExternalInput::getRecordIdentifier() const {
         throwIndexOutOfRange("the members of type '" + type->getName() + "'", varGroupMemberIndex_,
                              members.size());
     return members[static_cast<std::size_t>(varGroupMemberIndex_)]->getName();
+}
+
+coder::descriptor::ExternalInput ExternalInput::serialize(coder::Repository& repository) const {
+    coder::descriptor::ExternalInputCreator creator(repository);
+    creator.setCGTypeIndex(cgTypeIndex_);
+    creator.setStorageClass(vel::i18n::toUString(storageClassString_));
+    creator.setRequiresGlobalAccess(requiresGlobalAccess_);
+    creator.setIdentifier(vel::i18n::toUString(getRecordIdentifier()));
+    creator.setVarGroupIndex(varGroupIndex_);
+    creator.setVarGroupMemberIndex(varGroupMemberIndex_);
+    creator.setHasVarDims(hasVarDims_);
+    creator.setCanonicalDimSizeDWorkIndex(canonicalDimSizeDWorkIndex_);
+    creator.setHasCanonicalDimSizeDWorkIndex(hasCanonicalDimSizeDWorkIndex_);
+    creator.setSizeVarGroupIndex(sizeVarGroupIndex_);
+    creator.setSizeVarGroupMemberIndex(sizeVarGroupMemberIndex_);
+    creator.setDimSizeDWork(dimSizeDWork_);
+    creator.setPadding(padding_);
+    return creator.createExternalInput();
 }
 
 } // namespace VelCG

@@ -1,8 +1,16 @@
 #include "velcg/GraphicalBlock.hpp"
 
+#include "Serialization.hpp"
+#include "coder/descriptor/GraphicalBlock.hpp"
+#include "vel/i18n/Text.hpp"
+#include "velcg/CGModel.hpp"
 #include "velcg/DataInterfaceRecord.hpp"
+#include "velcg/Features.hpp"
+#include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/Parameter.hpp"
+#include "velcg/Port.hpp"
+#include "velcg/State.hpp"
 
 namespace VelCG {
 
@@ -92,6 +100,72 @@ tuvArrayPtr GraphicalBlock::getDataInterfaceRecordsListAsTuvArray(
     tuvArrayPtr cells = tuvArray::cell(records.size(), 1);
     for (std::size_t i = 0; i < records.size(); ++i) cells->setCell(i, hostValueOf(records[i]));
     return cells;
+}
+
+coder::descriptor::GraphicalBlock GraphicalBlock::serialize(coder::Repository& repository) {
+    using vel::i18n::toUString;
+    coder::descriptor::GraphicalBlockCreator creator(repository);
+    creator.setGraphicalName(toUString(getVelName()));
+    creator.setName(toUString(getName()));
+    creator.setSID(toUString(getSID()));
+    creator.setType(toUString(getType()));
+    creator.setDescription(toUString(getDescription()));
+    creator.setReferencedModelName(toUString(getReferencedModelName()));
+    creator.setIsProtectedModelBlock(getIsProtectedModelBlock());
+    creator.setVirtual(toUString(getStringForBlockVirtuality(getVirtual())));
+    creator.setNumFcnCallOutputPorts(getNumFcnCallOutputPorts());
+    if (parentSubsystem_) creator.setParentSystemSID(toUString(parentSubsystem_->getSID()));
+
+    // Above level 2 only the blocks that the model records as actual sources
+    // of async-queue blocks keep the data interfaces of their ports.
+    const int level = VELFEAT_VelCGDirectEmitSerialize.value();
+    bool withDataInterfaces = level > 1;
+    if (level > 2) {
+        const CGModel* model = getCGModel();
+        if (model && !model->isTAQBlockActualSrc(getBlockPath())) withDataInterfaces = false;
+    }
+
+    coder::descriptor::GraphicalBlock block = creator.createGraphicalBlock();
+    const auto appendPorts = [&](const std::vector<Port*>& ports,
+                                 const coder::descriptor::Sequence<coder::descriptor::Port>& target,
+                                 const char* what) {
+        for (const Port* port : ports)
+            target.append(detail::nonNull(port, what).serialize(repository, withDataInterfaces));
+    };
+    appendPorts(getDataInputPorts(), block.getDataInputPorts(), "A data input port of a graphical block");
+    appendPorts(getDataOutputPorts(), block.getDataOutputPorts(), "A data output port of a graphical block");
+    appendPorts(getControlInputPorts(), block.getControlInputPorts(),
+                "A control input port of a graphical block");
+
+    const auto appendStates = [&](const std::vector<State*>& states,
+                                  const coder::descriptor::Sequence<coder::descriptor::State>& target,
+                                  const char* what) {
+        for (const State* state : states) target.append(detail::nonNull(state, what).serialize(repository));
+    };
+    appendStates(getContinuousStates(), block.getContinuousStates(),
+                 "A continuous state of a graphical block");
+    appendStates(getDerivatives(), block.getDerivatives(), "A derivative of a graphical block");
+
+    const auto appendDataInterfaces =
+        [&](const std::vector<DataInterfaceRecord*>& records,
+            const coder::descriptor::Sequence<coder::descriptor::DataInterface>& target, const char* what) {
+            for (const DataInterfaceRecord* record : records) {
+                if (!detail::nonNull(record, what).hasDataInterface()) continue;
+                const CG::DataInterface* dataInterface = record->getDataInterface();
+                target.append(detail::serializeDataInterface(
+                    repository,
+                    detail::nonNull(dataInterface, "The data interface of a record that reports one")));
+            }
+        };
+    appendDataInterfaces(getDWorks(), block.getDWorks(), "A work vector of a graphical block");
+    appendDataInterfaces(getDiscreteStates(), block.getDiscreteStates(),
+                         "A discrete state of a graphical block");
+
+    const auto parameters = block.getBlockParameters();
+    for (const Parameter* parameter : getParameters())
+        parameters.append(
+            detail::nonNull(parameter, "A parameter of a graphical block").serialize(repository));
+    return block;
 }
 
 } // namespace VelCG

@@ -1,6 +1,9 @@
 #include "velcg/GraphicalSubsystem.hpp"
 
 #include "OwnedList.hpp"
+#include "Serialization.hpp"
+#include "coder/descriptor/GraphicalSystem.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/ModelDiagnostics.hpp"
@@ -92,6 +95,21 @@ void GraphicalSubsystem::clearBlocks() {
     dataStoreBlocks_.clear();
     subsystemBlocks_.clear();
     childSubsystems_.clear();
+}
+
+coder::descriptor::GraphicalSystem GraphicalSubsystem::serialize(coder::Repository& repository) const {
+    coder::descriptor::GraphicalSystemCreator creator(repository);
+    creator.setName(vel::i18n::toUString(getName()));
+    creator.setGraphicalName(vel::i18n::toUString(getVelName()));
+    // A type without a name leaves the field absent rather than empty.
+    const char* type = getStringForSubsystemType(getType());
+    if (*type) creator.setSubsystemType(vel::i18n::toUString(type));
+    creator.setMaskType(vel::i18n::toUString(getMaskType()));
+    coder::descriptor::GraphicalSystem system = creator.createGraphicalSystem();
+    const auto blocks = system.getGraphicalBlocks();
+    for (GraphicalBlock* block : getBlocks())
+        blocks.append(detail::nonNull(block, "A block of a graphical subsystem").serialize(repository));
+    return system;
 }
 
 } // namespace VelCG

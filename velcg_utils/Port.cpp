@@ -1,8 +1,17 @@
 #include "velcg/Port.hpp"
 
+#include <algorithm>
+#include <string>
+#include <unordered_set>
+
 #include "OwnedList.hpp"
+#include "Serialization.hpp"
+#include "coder/descriptor/Port.hpp"
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
+#include "velcg/Features.hpp"
 #include "velcg/GraphicalBlock.hpp"
 #include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/ModelDiagnostics.hpp"
@@ -53,5 +62,49 @@ void Port::setConnected(bool) {}
 void Port::setGraphicalSource(const Port*) {}
 void Port::setRegions(const std::vector<Region*>&) {}
 void Port::setVelName(const std::wstring&) {}
+
+coder::descriptor::Port Port::createRecord(coder::Repository& repository) const {
+    coder::descriptor::PortCreator creator(repository);
+    creator.setGraphicalName(vel::i18n::toUString(getVelName()));
+    creator.setSignalLabel(vel::i18n::toUString(signalLabel_));
+    creator.setConnected(getConnected());
+    creator.setTestPoint(testPoint_);
+    return creator.createPort();
+}
+
+coder::descriptor::Port Port::serialize(coder::Repository& repository, bool withDataInterfaces) const {
+    // The chain of sources is walked in a loop rather than by recursion, so
+    // that neither a long chain nor a cyclic one (indices that lead back to a
+    // port already on it) can exhaust the stack.
+    std::vector<const Port*> chain{this};
+    std::unordered_set<const Port*> onChain{this};
+    for (const Port* source = getGraphicalSource(); source; source = source->getGraphicalSource()) {
+        if (!onChain.insert(source).second) {
+            const auto position = std::find(chain.begin(), chain.end(), source) - chain.begin();
+            vel::diag::throwErrorText(
+                kCyclicSourceId, "The graphical sources of a port form a cycle: after " +
+                                     std::to_string(chain.size()) + " port(s) the chain returns to port " +
+                                     std::to_string(position) + " of it.");
+        }
+        chain.push_back(source);
+    }
+
+    // The records are written in the order a recursive walk would write them:
+    // every port first, then from the last source back, each port's source
+    // and data interfaces.
+    std::vector<coder::descriptor::Port> records;
+    records.reserve(chain.size());
+    for (const Port* port : chain) records.push_back(port->createRecord(repository));
+    for (std::size_t i = chain.size(); i-- > 0;) {
+        if (i + 1 < chain.size()) records[i].setGraphicalSource(records[i + 1]);
+        if (VELFEAT_VelCGDirectEmitSerialize.value() >= 2 && withDataInterfaces) {
+            const auto dataInterfaces = records[i].getDataInterfaces();
+            for (const Region* region : chain[i]->regions_)
+                if (const CG::DataInterface* dataInterface = region->getDataInterface())
+                    dataInterfaces.append(detail::serializeDataInterface(repository, *dataInterface));
+        }
+    }
+    return records.front();
+}
 
 } // namespace VelCG

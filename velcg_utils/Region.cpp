@@ -1,5 +1,8 @@
 #include "velcg/Region.hpp"
 
+#include "coder/descriptor/Region.hpp"
+#include "vel/i18n/Text.hpp"
+
 namespace VelCG {
 
 Region::~Region() = default;
@@ -23,6 +26,16 @@ void Region::setDataInterface(const CG::DataInterface* dataInterface) { dataInte
 
 tuvArrayPtr Region::getDataInterfaceAsTuvArray() const {
     return CG::DataInterface::toTuvArray(dataInterface_.get());
+}
+
+coder::descriptor::Region Region::serialize(coder::Repository& repository) const {
+    coder::descriptor::RegionCreator creator(repository);
+    creator.setGroundLabel(vel::i18n::toUString(getGroundLabel()));
+    creator.setSource(vel::i18n::toUString(source_));
+    coder::descriptor::Region region = creator.createRegion();
+    const auto dimensions = region.getDimensions();
+    for (int dimension : dimensions_) dimensions.append(coder::descriptor::IntegerArrayElement(dimension));
+    return region;
 }
 
 } // namespace VelCG

@@ -5,6 +5,7 @@
 //
 // The generated files build into a program that steps the model:
 //   cc -o demo gain_model.c gain_model_main.c && ./demo
+// Beside them it writes the model's code descriptor, codedescriptor.strata.
 #include <cstdio>
 #include <exception>
 
@@ -13,6 +14,7 @@
 #include "ExampleModel.hpp"
 #include "Template.hpp"
 #include "vel/diag/Diagnostic.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/velcg.hpp"
 
 int main(int argc, char** argv) {
@@ -22,6 +24,10 @@ int main(int argc, char** argv) {
         PlexoInitialize_velcg();
 
         std::unique_ptr<VelCG::CGModel> model = example::buildGainModel();
+        // The model is complete: its description is written while the files
+        // are generated (on a background thread, with the switch's default).
+        const std::wstring buildDirectory = vel::i18n::toWide(directory);
+        model->serializeModel(buildDirectory);
         VelCG::VelCGFileRepository repository;
         repository.createModuleHeaderFile("gain_model.h", {0});
         repository.createModuleSourceFile("gain_model.c", {0});
@@ -30,6 +36,8 @@ int main(int argc, char** argv) {
 
         example::runTemplates(*model, repository);
         std::vector<example::WrittenFile> files = example::writeFiles(repository, directory);
+        // The scripts have run: add the coder data groups to the description.
+        model->serializeModelAfterScriv(buildDirectory);
 
         std::printf(
             "Model gain_model: %zu system(s), %zu code-generation types, %zu variable groups, "
@@ -37,6 +45,11 @@ int main(int argc, char** argv) {
             model->getSystems().size(), model->getVelCGTypes().size(), model->getVarGroups().size(),
             model->getBlockHierarchyMap()->getSubsystems().at(0)->getBlocks().size());
         for (const auto& f : files) std::printf("  wrote %-40s %6ld bytes\n", f.path.c_str(), f.bytes);
+        // Destroying the model waits for the last pass.
+        model.reset();
+        std::printf(
+            "  wrote %s\n",
+            (boost::filesystem::path(directory) / VelCG::CGModel::kCodeDescriptorFileName).string().c_str());
         PlexoTerminate_velcg();
         return 0;
     } catch (const vel::diag::Exception& e) {

@@ -7,6 +7,13 @@
 #include "vel/mi/Handle.hpp"
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class BlockHierarchyMap;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class GraphicalBlock;
@@ -47,6 +54,11 @@ public:
     // Every block whose isReduced() is true, subsystem by subsystem. Cached
     // while non-empty; adding a subsystem empties the cache.
     const std::vector<GraphicalBlock*>& getReducedBlocks() const;
+
+    // Writes the map and each of its subsystems, in order, into the store.
+    // REQUIRES: a transaction is open on repository. A null subsystem raises
+    // "VelCG:Model:NullArgument".
+    coder::descriptor::BlockHierarchyMap serialize(coder::Repository& repository) const;
 
 private:
     void clearSubsystems();

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <set>
 #include <string>
@@ -23,6 +24,10 @@ namespace CG {
 class Type;
 }
 
+namespace boost {
+class thread;
+}
+
 namespace VelCG {
 
 class BlockHierarchyMap;
@@ -42,7 +47,8 @@ class VelType;
 // once added. A base class: the name, version and "should" queries answer
 // neutral defaults here.
 //
-// Built and read on one thread; not synchronized.
+// Built and read on one thread; not synchronized. The only other thread is a
+// background serialization pass (see serializeModel), which reads the model.
 class VELCG_API CGModel : public vel::mi::Handle {
 public:
     using StringMap = std::vector<std::pair<std::string, std::string>>;
@@ -211,9 +217,75 @@ public:
     const ChildCoderGroupMgr& getChildCoderGroupManager() const { return childCoderGroupManager_; }
     ChildCoderGroupMgr& getChildCoderGroupManager() { return childCoderGroupManager_; }
 
+    // Serialization into the code descriptor store, the file
+    // kCodeDescriptorFileName in `directory` (an empty directory is the
+    // current one), in two passes. The switch VelCGDirectEmitSerialize,
+    // read when each call starts and again by the pass, decides:
+    //   0 or less  nothing is written;
+    //   1          each pass runs on a background thread;
+    //   2          each pass runs on the caller's thread;
+    //   3          as 2, and serializeModel first records the actual sources
+    //              of the async-queue blocks (see isTAQBlockActualSrc);
+    //   4 or more  as 2, and serializeModel also writes systems and root
+    //              inputs.
+    // Each pass is one transaction: a pass that fails leaves the file as it
+    // was at its last commit.
+    //
+    // Threads: at most one background pass runs per model. serializeModel,
+    // serializeModelAfterScriv and the destructor each first wait for the
+    // pass started before, whatever the switch value. (serializeModel waits
+    // too, so that two passes never write at once and a thread is never
+    // dropped while it runs; the later pass then replaces the earlier one's
+    // description.) While a pass runs the model must not be changed, nor
+    // its lazily cached answers asked for (graphical sources of ports, root
+    // group type names), which the pass fills.
+    //
+    // Errors: a pass on the caller's thread throws to the caller. An
+    // exception that escapes a background pass is kept and rethrown by the
+    // next serializeModelAfterScriv before it writes anything; if the model
+    // is destroyed first, the destructor reports it through
+    // reportDiagnostic as "VelCG:Model:SerializationFailed" and does not
+    // throw. When several background passes fail before that, the first
+    // failure is the one kept.
+
+    // The first pass, once the model is complete: the model's name, version
+    // and shared code manager path, the block hierarchy map, the async-queue
+    // blocks and the function-prototype I/O map (at 4 or more also systems
+    // and root inputs), replacing any description stored before.
+    void serializeModel(const std::wstring& directory);
+    // The second pass, after the template scripts have run: appends the
+    // coder data groups to the description the first pass stored. A store
+    // without a description raises "coder:descriptor:NoModel".
+    void serializeModelAfterScriv(const std::wstring& directory);
+    // The passes themselves, on the caller's thread; they still write
+    // nothing while the switch is below 1. REQUIRES: no background pass of
+    // this model runs.
+    void serializeModelImpl(const std::wstring& directory);
+    void serializeModelAfterScrivImpl(const std::wstring& directory);
+
+    static constexpr const char* kCodeDescriptorFileName = "codedescriptor.strata";
+
+protected:
+    // Waits for a background pass, if one runs; its failure stays kept as
+    // described above. The destructor of a class derived from CGModel whose
+    // overrides a pass calls (getName, getKordelVersion, isTAQBlockActualSrc)
+    // calls this first: by the time ~CGModel waits, the derived part is gone.
+    void waitForSerialization() noexcept;
+
 private:
     static const DataInterfaceRecord* getDataInterfaceRecordByIndex(
         unsigned int index, const std::vector<DataInterfaceRecord*>& list);
+
+    // Waits for the background pass, if one was started, and deletes its
+    // thread. Its failure, if any, stays in serializationError_. Throws only
+    // when called from the pass itself.
+    void joinSerializationThread();
+    // Starts pass on a background thread with its own copy of directory.
+    // REQUIRES: no background pass runs.
+    void startSerializationThread(void (CGModel::*pass)(const std::wstring&), const std::wstring& directory);
+    // Inserts the actual source path of every async-queue block and, for a
+    // virtual bus, of each of its leaves.
+    void recordTAQActualSources();
 
     std::vector<System*> systems_;
     std::vector<VelCGType*> velCGTypes_;
@@ -246,6 +318,10 @@ private:
     boost::shared_ptr<StringMap> stringMap_;
     std::wstring sharedCodeManagerPath_;
     CGModelCPPConfig cppConfig_;
+    std::unique_ptr<boost::thread> serializationThread_;
+    // The first failure of a background pass not yet raised or reported;
+    // written by the pass, read only once its thread is joined.
+    std::exception_ptr serializationError_;
     ChildCoderGroupMgr childCoderGroupManager_;
     std::set<std::wstring> taqActualSourcePaths_;
     std::vector<CoderDataGroup*> coderDataGroups_;

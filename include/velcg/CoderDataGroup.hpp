@@ -6,6 +6,13 @@
 #include "velcg/Export.hpp"
 #include "velcg/VarGroup.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class CoderGroup;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class CGModel;
@@ -103,6 +110,13 @@ public:
     // model. A variable group naming a type that does not exist raises
     // "VelCG:Model:IndexOutOfRange".
     const std::string& getRootGroupTypeName() const;
+
+    // Writes the group into the store: name, root type name, the naming
+    // rules except the parameter access macro rule, the group size (1 for a
+    // self group, else 0) and the as-structure string. REQUIRES: a
+    // transaction is open on repository. Failures of getRootGroupTypeName
+    // pass through.
+    coder::descriptor::CoderGroup serialize(coder::Repository& repository) const;
 
 private:
     std::string name_;

@@ -6,6 +6,13 @@
 #include "vel/mi/Handle.hpp"
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class ExternalInput;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class CGModel;
@@ -69,6 +76,12 @@ public:
     // type. A group, type or member position that does not exist raises
     // "VelCG:Model:IndexOutOfRange".
     std::string getRecordIdentifier() const;
+
+    // Writes the input into the store, its identifier being the record
+    // identifier. The storage class value, the signal identifier record and
+    // the structure alignment are not written. REQUIRES: a transaction is
+    // open on repository. Failures of getRecordIdentifier pass through.
+    coder::descriptor::ExternalInput serialize(coder::Repository& repository) const;
 
 private:
     int cgTypeIndex_ = -1;

@@ -4,6 +4,13 @@
 
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class IOMap;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 // For a function prototype: which input port may be overwritten by which
@@ -16,6 +23,12 @@ public:
     int getOverwritableOutputPort(int inputPort) const;
 
     const std::unordered_map<int, int>& getPairs() const { return pairs_; }
+
+    // Writes the pairs into the store as two parallel lists of input and
+    // output ports, in ascending order of input port so that the same map
+    // always gives the same record. REQUIRES: a transaction is open on
+    // repository.
+    coder::descriptor::IOMap serialize(coder::Repository& repository) const;
 
 private:
     std::unordered_map<int, int> pairs_;

@@ -8,6 +8,13 @@
 #include "velcg/Export.hpp"
 #include "velcg/GraphicalBlockIF.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class GraphicalBlock;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class GraphicalSubsystem;
@@ -69,6 +76,21 @@ public:
     tuvArrayPtr getParametersAsTuvArray() const;
     tuvArrayPtr getDiscreteStatesAsTuvArray() const;
     tuvArrayPtr getDWorksAsTuvArray() const;
+
+    // Writes the block into the store and returns the descriptor block: its
+    // names and flags, its parent's SID when it has a parent, its ports,
+    // states, the data interfaces of its work vectors and discrete states,
+    // and its parameters.
+    //
+    // Ports carry their data interfaces when the VelCGDirectEmitSerialize
+    // level is above 1, except that above 2 only the blocks whose path the
+    // model records as an actual source of an async-queue block keep them
+    // (blocks without a model keep them). The level is read once per block.
+    //
+    // REQUIRES: a transaction is open on repository. A null element in any
+    // list, or a record that reports a data interface and gives none, raises
+    // "VelCG:Model:NullArgument"; store failures pass through.
+    coder::descriptor::GraphicalBlock serialize(coder::Repository& repository);
 
 private:
     static tuvArrayPtr getDataInterfaceRecordsListAsTuvArray(

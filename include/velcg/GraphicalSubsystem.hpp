@@ -10,6 +10,13 @@
 #include "vel/mi/Handle.hpp"
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class GraphicalSystem;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class BlockHierarchyMap;
@@ -85,6 +92,12 @@ public:
     void setVelContextSysNum(int number) { velContextSysNum_ = number; }
     const BlockHierarchyMap* getBlockHierarchyMap() const { return map_; }
     void setBlockHierarchyMap(const BlockHierarchyMap* map) { map_ = map; }
+
+    // Writes the subsystem (names, type string when the type has one, mask
+    // type) and then each of its blocks, in order, into the store.
+    // REQUIRES: a transaction is open on repository. A null block raises
+    // "VelCG:Model:NullArgument".
+    coder::descriptor::GraphicalSystem serialize(coder::Repository& repository) const;
 
 private:
     void clearBlocks();

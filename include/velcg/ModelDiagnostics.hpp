@@ -7,9 +7,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "velcg/Export.hpp"
+
+namespace vel::diag {
+class Diagnostic;
+}
 
 namespace VelCG {
 
@@ -19,6 +24,8 @@ inline constexpr const char* kNullArgumentId = "VelCG:Model:NullArgument";
 inline constexpr const char* kInvalidOwnershipId = "VelCG:Model:InvalidOwnership";
 inline constexpr const char* kDuplicateNameId = "VelCG:Model:DuplicateName";
 inline constexpr const char* kCyclicTypeId = "VelCG:Model:CyclicType";
+inline constexpr const char* kCyclicSourceId = "VelCG:Model:CyclicSource";
+inline constexpr const char* kSerializationFailedId = "VelCG:Model:SerializationFailed";
 
 // "Index 5 is out of range for <what> (3 elements)."
 [[noreturn]] VELCG_API void throwIndexOutOfRange(const std::string& what, std::int64_t index,
@@ -28,5 +35,19 @@ inline constexpr const char* kCyclicTypeId = "VelCG:Model:CyclicType";
 // "<what> must not be null."
 [[noreturn]] VELCG_API void throwNullArgument(const std::string& what);
 [[noreturn]] VELCG_API void throwInvalidOwnership(const std::string& text);
+
+// Receives the diagnostics that cannot be thrown because they arise where
+// nothing may throw (a destructor). The default reporter writes
+// "warning: <identifier>: <message>" to standard error.
+using DiagnosticReporter = std::function<void(const vel::diag::Diagnostic&)>;
+
+// Installs reporter for the whole process (an empty one restores the
+// default) and returns the reporter it replaces. Thread-safe.
+VELCG_API DiagnosticReporter setDiagnosticReporter(DiagnosticReporter reporter);
+
+// Hands the diagnostic to the current reporter, on the calling thread and
+// outside any lock, so a reporter may itself call setDiagnosticReporter.
+// Never throws: an exception from the reporter is dropped.
+VELCG_API void reportDiagnostic(const vel::diag::Diagnostic& diagnostic) noexcept;
 
 } // namespace VelCG

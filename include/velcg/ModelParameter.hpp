@@ -11,6 +11,13 @@ namespace CG {
 class DataInterface;
 }
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class ModelParameter;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class GraphicalBlock;
@@ -61,6 +68,13 @@ public:
     const CG::DataInterface* getDataInterface() const { return impl_->getDataInterface(); }
     // The data interface as a host value; empty when there is none.
     tuvArrayPtr getDataInterfaceAsTuvArray() const;
+
+    // Writes the model parameter into the store: names and flags, the SID of
+    // its graphical source when it has one, and the SIDs of the blocks that
+    // use it, in order. isPseudoWorkspaceVar and the data interface are not
+    // written. REQUIRES: a transaction is open on repository. A null
+    // graphical reference raises "VelCG:Model:NullArgument".
+    coder::descriptor::ModelParameter serialize(coder::Repository& repository) const;
 
     ModelParameterImpl* getImpl() { return impl_; }
     const ModelParameterImpl* getImpl() const { return impl_; }

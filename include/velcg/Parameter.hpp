@@ -6,6 +6,13 @@
 #include "vel/mi/Handle.hpp"
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class BlockParameter;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class ModelParameter;
@@ -35,6 +42,12 @@ public:
 
     std::wstring getName() const { return impl_->getName(); }
     const std::vector<ModelParameter*>& getModelParameters() const { return impl_->getModelParameters(); }
+
+    // Writes the block parameter (its name) into the store; when the
+    // VelCGDirectEmitSerialize level is at least 2, also each model
+    // parameter it refers to, in order. REQUIRES: a transaction is open on
+    // repository. A null model parameter raises "VelCG:Model:NullArgument".
+    coder::descriptor::BlockParameter serialize(coder::Repository& repository) const;
 
     ParameterImpl* getImpl() { return impl_; }
     const ParameterImpl* getImpl() const { return impl_; }

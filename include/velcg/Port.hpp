@@ -7,6 +7,13 @@
 #include "vel/mi/Handle.hpp"
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class Port;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class CGModel;
@@ -60,7 +67,22 @@ public:
     void setRegions(const std::vector<Region*>& regions);
     void setVelName(const std::wstring& name);
 
+    // Writes the port (name, signal label, connection, test point) into the
+    // store, followed by its chain of graphical sources, each a port record
+    // of its own set as the previous one's source. When withDataInterfaces
+    // is true and the VelCGDirectEmitSerialize level is at least 2 (read
+    // once per port of the chain), each port also carries the data
+    // interfaces of its regions, in order.
+    //
+    // REQUIRES: a transaction is open on repository. A chain that leads back
+    // to one of its ports raises "VelCG:Model:CyclicSource" before anything
+    // is written; failures of getGraphicalSource pass through.
+    coder::descriptor::Port serialize(coder::Repository& repository, bool withDataInterfaces) const;
+
 private:
+    // The port's own record, without its source and data interfaces.
+    coder::descriptor::Port createRecord(coder::Repository& repository) const;
+
     std::wstring signalLabel_;
     bool testPoint_ = false;
     bool mdlRefSimLoggableTestPoint_ = false;

@@ -10,6 +10,13 @@
 #include "vel/tuvArray.hpp"
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class Region;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 // One contiguous piece of the signal at a port. Holds one reference to its
@@ -55,6 +62,10 @@ public:
     void setDataInterface(const CG::DataInterface* dataInterface);
     // Empty when there is no data interface.
     tuvArrayPtr getDataInterfaceAsTuvArray() const;
+
+    // Writes the region (ground label, source, dimensions in order) into the
+    // store. REQUIRES: a transaction is open on repository.
+    coder::descriptor::Region serialize(coder::Repository& repository) const;
 
 private:
     std::string source_;

@@ -6,6 +6,13 @@
 #include "vel/mi/Handle.hpp"
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class State;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 // A continuous state or state derivative of a block.
@@ -24,6 +31,13 @@ public:
     // Replaces one dimension; an index past the end raises
     // "VelCG:Model:IndexOutOfRange".
     void setDimensionValue(std::size_t index, int value);
+
+    // Writes a new descriptor state holding the dimensions, in order.
+    // REQUIRES: a transaction is open on repository.
+    coder::descriptor::State serialize(coder::Repository& repository) const;
+    // Appends the dimensions, in order, to the given descriptor state's.
+    // REQUIRES: a transaction is open on repository; state is not null.
+    void serialize(coder::Repository& repository, coder::descriptor::State state) const;
 
 private:
     std::vector<int> dimensions_;

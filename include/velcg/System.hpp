@@ -6,6 +6,13 @@
 #include "vel/mi/Handle.hpp"
 #include "velcg/Export.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class System;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 class GraphicalBlock;
@@ -54,6 +61,12 @@ public:
     bool isInlined() const { return systemCode_ == 0; }
     bool isNonReusable() const { return systemCode_ == 1; }
     bool isReusable() const { return systemCode_ == 2; }
+
+    // Writes the system (identifier, name) and then each call-site block, in
+    // order, into the store and returns the descriptor system. REQUIRES: a
+    // transaction is open on repository. A null call site raises
+    // "VelCG:Model:NullArgument".
+    coder::descriptor::System serialize(coder::Repository& repository) const;
 
 private:
     std::string identifier_;

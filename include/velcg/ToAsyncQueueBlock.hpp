@@ -8,6 +8,13 @@
 #include "velcg/Export.hpp"
 #include "velcg/GraphicalBlock.hpp"
 
+namespace coder {
+class Repository;
+namespace descriptor {
+class ToAsyncQueueBlock;
+} // namespace descriptor
+} // namespace coder
+
 namespace VelCG {
 
 // One signal that generated code sends to an asynchronous queue for
@@ -110,6 +117,12 @@ public:
     // twice, this record or a record holding it is refused with a
     // diagnostic before anything changes.
     void setLeafElements(const std::vector<ToAsyncQueueBlock*>& leaves);
+
+    // Writes the record into the store with its leaves nested, in order,
+    // then its enumeration labels, enumeration values and dimensions. The
+    // units and the graphical-block answers are not written. REQUIRES: a
+    // transaction is open on repository.
+    coder::descriptor::ToAsyncQueueBlock serializeAsync(coder::Repository& repository) const;
 
 private:
     // Whether record is one of the leaves, at any depth.

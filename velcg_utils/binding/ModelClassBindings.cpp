@@ -134,6 +134,8 @@ std::unique_ptr<ClassInfo> cgModelClass() {
         c.method("getKordelCoderVersion", method(&CGModel::getKordelCoderVersion));
         c.method("getKordelVersion", method(&CGModel::getKordelVersion));
         c.method("getSystemForFunction", method(&CGModel::getSystemForFunction));
+        c.method("serializeModel", method(&CGModel::serializeModel));
+        c.method("serializeModelAfterScriv", method(&CGModel::serializeModelAfterScriv));
     });
 }
 

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
+#include <sstream>
 
 #include "DiagnosticTesting.hpp"
+#include "TempDir.hpp"
+#include "coder/Repository.hpp"
+#include "coder/descriptor/CoderGroup.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/ChildCoderDataGroup.hpp"
@@ -116,6 +120,72 @@ TEST(CoderDataGroup, RootGroupTypeNameIsTheLastMatchOfTheRootSystem) {
     bad.setGroupIndex(5);
     EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { bad.getRootGroupTypeName(); }));
     EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { bad.getRootGroupTypeName(); }));
+}
+
+// Every field of a group, one per line.
+std::string fieldsOf(const CoderDataGroup& g) {
+    std::ostringstream os;
+    os << g.name() << "\n"
+       << g.getRootGroupTypeName() << "\n"
+       << g.getHeaderFileRule() << " " << g.getStructureTypeNameRule() << " "
+       << g.getStructureInstanceNameRule() << " " << g.getSelfStructureTypeNameRule() << " "
+       << g.getSelfStructureInstanceNameRule() << " " << g.getStructureReferenceNameRule() << " "
+       << g.getSelfStructureReferenceNameRule() << " " << g.getStructureArgumentNameRule() << " "
+       << g.getSelfStructureArgumentNameRule() << " " << g.getParameterAccessMacroNameRule() << "\n"
+       << "as-structure " << static_cast<int>(g.getAsStructure()) << ", self " << g.isSelfGroup() << "\n"
+       << g.getIdentification() << "|" << g.getMemorySection() << "|" << g.getDataScope() << "|"
+       << g.getDescription() << "\n"
+       << g.getGroupIndex() << " " << static_cast<int>(g.getDataInstantiation()) << " "
+       << static_cast<int>(g.getDataInit()) << " " << g.getEmbedIntoSelf() << g.getDefaultGroup()
+       << g.getSynthesized() << g.getIsMemorySectionConst() << g.getIsMemorySectionVolatile() << " "
+       << g.getCGModel() << "\n";
+    return os.str();
+}
+
+TEST(ChildCoderDataGroup, ReadBackFromTheStoreEqualsTheWrittenGroup) {
+    using AS = CoderDataGroup::AsStructure;
+    testing_support::TempDir dir;
+    coder::Repository repository(dir / "groups.strata");
+    coder::Transaction transaction(repository);
+    // Only the stored fields differ from their defaults.
+    for (AS as : {AS::InParent, AS::InSelf, AS::Standalone, AS::None}) {
+        ModelGroup written("Gr\xc3\xbcn", nullptr);
+        written.setRootGroupTypeName("root_type");
+        written.setHeaderFileRule("h_$R");
+        written.setStructureTypeNameRule("st_$N");
+        written.setStructureInstanceNameRule("si_$N");
+        written.setSelfStructureTypeNameRule("sst_$N");
+        written.setSelfStructureInstanceNameRule("ssi_$N");
+        written.setStructureReferenceNameRule("sr_$N");
+        written.setSelfStructureReferenceNameRule("ssr_$N");
+        written.setStructureArgumentNameRule("sa_$N");
+        written.setSelfStructureArgumentNameRule("ssa_$N");
+        written.setAsStructure(as);
+        written.setSelfGroup(as == AS::InSelf);
+        const ChildCoderDataGroup read(written.serialize(repository));
+        EXPECT_EQ(fieldsOf(written), fieldsOf(read)) << static_cast<int>(as);
+    }
+
+    // Only the exact strings name an as-structure value; any positive size
+    // is a self group.
+    const struct {
+        const char16_t* text;
+        int size;
+        AS as;
+        bool self;
+    } rows[] = {{u"Standalone", 3, AS::Standalone, true},
+                {u"inparent", 1, AS::None, true},
+                {u"InSelf ", 0, AS::None, false},
+                {u"", -1, AS::None, false}};
+    for (const auto& r : rows) {
+        coder::descriptor::CoderGroupCreator creator(repository);
+        creator.setName(u"G");
+        creator.setAsStructure(r.text);
+        creator.setGroupSize(r.size);
+        const ChildCoderDataGroup read(creator.createCoderGroup());
+        EXPECT_EQ(r.as, read.getAsStructure()) << vel::i18n::toUtf8(r.text);
+        EXPECT_EQ(r.self, read.isSelfGroup()) << r.size;
+    }
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include "velcg/CGModelFactory.hpp"
 #include "velcg/CGTypeMember.hpp"
 #include "velcg/ExternalInput.hpp"
+#include "velcg/Features.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/ModelParameter.hpp"
 #include "velcg/Parameter.hpp"
@@ -581,6 +582,9 @@ TEST_F(ModelClassBindings, WritablePropertiesRoundTripAndOthersAreReadOnly) {
 
 TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
     Scene s;
+    // The serialization methods are called with nothing to write; their
+    // effect is checked in CGModelSerialize_test.cpp.
+    vel::feature::ScopedValue noSerialization(VELFEAT_VelCGDirectEmitSerialize, 0);
     const struct {
         vel::mi::Handle* object;
         const char* name;
@@ -602,6 +606,8 @@ TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
         {&s.model, "getKordelCoderVersion", {}, "''"},
         {&s.model, "getKordelVersion", {}, "''"},
         {&s.model, "getSystemForFunction", {tuvArray::fromUtf8("f")}, "[]"},
+        {&s.model, "serializeModel", {tuvArray::fromUtf8("unused")}, "[]"},
+        {&s.model, "serializeModelAfterScriv", {tuvArray::fromUtf8("unused")}, "[]"},
         {s.velType, "getDTName", {}, "'int32'"},
         {s.velType, "isShared", {}, "logical false"},
         {s.velType, "isUserProvided", {}, "logical false"},
