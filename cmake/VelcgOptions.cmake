@@ -3,6 +3,11 @@ add_library(velcg_build_flags INTERFACE)
 target_compile_options(velcg_build_flags INTERFACE
   $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor>
   $<$<CXX_COMPILER_ID:MSVC>:/W4 /permissive->)
+if(VELCG_WARNINGS_AS_ERRORS)
+  target_compile_options(velcg_build_flags INTERFACE
+    $<$<CXX_COMPILER_ID:GNU,Clang>:-Werror>
+    $<$<CXX_COMPILER_ID:MSVC>:/WX>)
+endif()
 
 if(VELCG_SANITIZER)
   set(_san_flags "")

@@ -1,21 +1,35 @@
 #!/usr/bin/env bash
 # Builds and runs every test:
-#   1. an optimised build, installed into a prefix, and a separate consumer
+#   1. the layout of every C++ file of the tree against .clang-format;
+#   2. an optimised build, installed into a prefix, and a separate consumer
 #      project built against that install with find_package(velcg);
-#   2. the whole suite under ThreadSanitizer (the tests labelled "threads"
+#   3. the whole suite under ThreadSanitizer (the tests labelled "threads"
 #      start threads of their own; the rest check that nothing else races);
-#   3. the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer.
+#   4. the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer.
+# The presets of steps 2 to 4 treat compiler warnings as errors.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
 jobs=$(nproc)
 
+echo "== format check"
+mapfile -d '' sources < <(find . \( -path ./build -o -path ./install -o -path ./.git \) -prune -o \
+  -type f \( -name '*.cpp' -o -name '*.hpp' -o -name '*.c' -o -name '*.h' \) -print0 | sort -z)
+clang-format --dry-run --Werror "${sources[@]}"
+echo "format check: ${#sources[@]} files"
+
 echo "== install and consumer check"
 cmake --preset release >/dev/null
 cmake --build --preset release -j "$jobs"
 rm -rf build/install build/consumer
 cmake --install build/release --prefix "$PWD/build/install" >/dev/null
+# Every installed header lies under include/velcg.
+stray=$(find build/install/include -mindepth 1 -maxdepth 1 ! -name velcg)
+if [ -n "$stray" ]; then
+  echo "install: outside include/velcg: $stray" >&2
+  exit 1
+fi
 cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_PREFIX_PATH="$PWD/build/install" >/dev/null
 cmake --build build/consumer -j "$jobs"
 LD_LIBRARY_PATH="$PWD/build/install/lib:${LD_LIBRARY_PATH:-}" build/consumer/velcg_consumer

@@ -186,8 +186,13 @@ const std::shared_ptr<const void>& tuvArray::opaquePayload() const {
 std::string tuvArray::describe() const {
     std::ostringstream os;
     if (class_ == tuvClass::Char && rows_ <= 1) {
-        os << "'" << toUtf8() << "'";
-        return os.str();
+        // A message about a bad value must not fail on the value itself.
+        try {
+            return "'" + toUtf8() + "'";
+        } catch (const vel::diag::Exception&) {
+            os << rows_ << "x" << cols_ << " char array that is not valid Unicode";
+            return os.str();
+        }
     }
     if (isScalar() && (isNumeric() || class_ == tuvClass::Logical)) {
         os << className() << " " << numericAt(0);

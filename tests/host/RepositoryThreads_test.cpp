@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "StartLatch.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 
@@ -18,7 +19,7 @@ TEST(RepositoryThreads, WritersOnOneFileTakeTurns) {
     const auto path = dir / "codedescriptor.strata";
     { coder::Repository create(path); } // creates the schema once
     constexpr int kWriters = 3, kPasses = 5, kBlocks = 50;
-    std::atomic<int> waiting{kWriters};
+    testing_support::StartLatch start(kWriters);
     std::atomic<int> failures{0};
     std::vector<std::thread> writers;
     for (int w = 0; w < kWriters; ++w) {
@@ -28,8 +29,7 @@ TEST(RepositoryThreads, WritersOnOneFileTakeTurns) {
                 patient.busyTimeoutMs = 60000;
                 coder::Repository repository(path, patient);
                 // Start together so that the transactions really contend.
-                --waiting;
-                while (waiting.load() > 0) std::this_thread::yield();
+                start.arriveAndWait();
                 for (int pass = 0; pass < kPasses; ++pass) {
                     coder::Transaction transaction(repository);
                     ModelCreator model(repository);

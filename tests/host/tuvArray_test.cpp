@@ -24,6 +24,7 @@ TEST(tuvArray, FactoriesGiveClassShapeAndValue) {
         {tuvArray::float64(2.5), "double", 1, 1, "double 2.5"},
         {tuvArray::fromUtf8("ab"), "char", 1, 2, "'ab'"},
         {tuvArray::fromUtf8(""), "char", 0, 0, "''"},
+        {tuvArray::chars({u'a', char16_t(0xD800)}), "char", 1, 2, "1x2 char array that is not valid Unicode"},
         {tuvArray::int32Vector({1, 2, 3}), "int32", 1, 3, "1x3 int32 array"},
         {tuvArray::int32Vector({}), "int32", 0, 0, "0x0 int32 array"},
         {tuvArray::cell(0, 1), "cell", 0, 1, "0x1 cell array"},

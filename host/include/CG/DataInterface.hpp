@@ -20,7 +20,7 @@ public:
         std::string identifier;     // e.g. "model_State.delay_state"
         std::string implementation; // e.g. "StructElement", "Variable"
         std::string owner;          // e.g. "model_State"; empty for a standalone variable
-        std::string typeName;       // e.g. "real_T"
+        std::string typeName;       // e.g. "double"
         std::string graphicalName;  // the block or signal in the model
     };
 

@@ -4,12 +4,13 @@
 #include <memory>
 #include <string>
 
-#include "CG/Type.hpp"
 #include "vel/HostExport.hpp"
 
 class tuvArray;
 
 namespace CG {
+
+class Type;
 
 // An object of the code generator's type system, built from an IR type and
 // shared by reference count: whoever stores a pointer holds one reference
@@ -35,10 +36,10 @@ public:
     static long liveCount();
 
 private:
-    explicit EmbeddedType(Type::Ptr irType);
+    explicit EmbeddedType(std::shared_ptr<const Type> irType);
     ~EmbeddedType();
 
-    Type::Ptr irType_;
+    std::shared_ptr<const Type> irType_;
     mutable std::atomic<int> refs_{1};
 };
 

@@ -23,7 +23,7 @@ public:
     };
 
     static Ptr voidType();
-    static Ptr boolean(std::string name = "boolean_T");
+    static Ptr boolean(std::string name = "bool");
     static Ptr integer(std::string name, int bits, bool isSigned);
     static Ptr floating(std::string name, int bits);
     // Raise "CG:InvalidType" for a null part or a duplicate field name.
@@ -42,8 +42,8 @@ public:
     const std::vector<std::int32_t>& getDimensions() const { return dimensions_; }
     const std::vector<Field>& getFields() const { return fields_; }
 
-    // A C-like rendering: "int32_T", "struct Bus { int32_T a; double b; }",
-    // "double[2][3]", "complex<double>", "int32_T*".
+    // A C-like rendering: "int32_t", "struct Bus { int32_t a; double b; }",
+    // "double[2][3]", "complex<double>", "int32_t*".
     std::string toString() const;
 
     struct Private;

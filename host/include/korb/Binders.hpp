@@ -9,22 +9,30 @@
 #include <vector>
 
 #include "korb/HostTraits.hpp"
+#include "korb/Value.hpp"
 #include "vel/HostExport.hpp"
 #include "vel/mi/Handle.hpp"
 #include "vel/tuvArray.hpp"
 
 namespace korb {
 
-// A generic value of the object system: a host array with the host type name
-// under which the binder delivered it.
-struct Value {
-    std::string hostType;
-    tuvArrayPtr data;
-};
-
 namespace detail {
 [[noreturn]] VELHOST_API void wrongClass(const vel::mi::Handle& object, const char* nativeType);
 [[noreturn]] VELHOST_API void wrongArgumentCount(std::size_t expected, std::size_t given);
+// Called from a catch handler while argument `position` (0-based) was being
+// converted: a conversion failure (see isConversionFailure) becomes
+// "Korb:InvalidArgument"; any other exception propagates unchanged.
+[[noreturn]] VELHOST_API void invalidArgument(std::size_t position);
+
+// Argument i converted by HostTraits<V>, reporting a failure with its position.
+template <class V>
+decltype(auto) argumentAt(const std::vector<tuvArrayPtr>& args, std::size_t i) {
+    try {
+        return HostTraits<V>::fromArray(*args[i]);
+    } catch (...) {
+        invalidArgument(i);
+    }
+}
 } // namespace detail
 
 // Resolves a handle to the native class a binder is bound to. The dynamic
@@ -68,7 +76,12 @@ public:
     explicit MethodBinder(std::size_t arity) : arity_(arity) {}
     virtual ~MethodBinder();
     std::size_t arity() const { return arity_; }
-    // Raises "Korb:WrongNumberOfArguments" unless args has arity() elements.
+    // Raises "Korb:WrongNumberOfArguments" (arguments: expected, given)
+    // unless args has arity() elements, and "Korb:InvalidArgument"
+    // (arguments: 1-based position, the message of the conversion failure)
+    // when an argument is null or cannot be converted to its native type.
+    // Both are raised before the native function runs; what the native
+    // function raises propagates unchanged.
     tuvArrayPtr call(vel::mi::Handle& object, const std::vector<tuvArrayPtr>& args) const;
 
 protected:
@@ -120,7 +133,7 @@ private:
     tuvArrayPtr invokeWith(T& native, const std::vector<tuvArrayPtr>& args, std::index_sequence<I...>) const {
         // Convert every argument before the call so that a bad argument
         // leaves the object untouched.
-        std::tuple<std::decay_t<A>...> converted{HostTraits<std::decay_t<A>>::fromArray(*args[I])...};
+        std::tuple<std::decay_t<A>...> converted{detail::argumentAt<std::decay_t<A>>(args, I)...};
         if constexpr (std::is_void_v<R>) {
             fn_(native, std::get<I>(converted)...);
             return tuvArray::empty();

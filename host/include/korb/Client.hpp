@@ -3,11 +3,15 @@
 #include <string>
 #include <vector>
 
-#include "korb/Binders.hpp"
+#include "korb/Value.hpp"
 #include "vel/HostExport.hpp"
-#include "vel/mi/Handle.hpp"
-#include "vel/mi/HandleClass.hpp"
 #include "vel/tuvArray.hpp"
+
+namespace vel::mi {
+class Handle;
+class HandleClass;
+class HandleRef;
+} // namespace vel::mi
 
 namespace korb {
 
@@ -20,15 +24,36 @@ class ObjectSystem;
 // name.
 //
 // Objects are addressed by HandleRef or by a 1-by-1 host array of handles, as
-// scripts hold them. Every failure is a diagnostic:
-//   "Korb:InvalidHandle"           null reference or destroyed object
-//   "Korb:UnknownClass"            the object's class is not registered
-//   "Korb:UnknownProperty"         no such property (arguments: name, class)
-//   "Korb:UnknownMethod"           no such method (arguments: name, class)
-//   "Korb:ReadOnlyProperty"        write to a property without setter
-//   "Korb:ObjectLocked"            write to a locked object
-//   "Korb:InvalidPropertyValue"    value of the wrong type for the property
-//   "Korb:WrongNumberOfArguments"  method called with the wrong argument count
+// scripts hold them. Every failure is a diagnostic (arguments in brackets):
+//   "Korb:InvalidHandle"           a null reference, a destroyed object, or a
+//                                  host array that is not exactly one object
+//   "Korb:UnknownClass"            the object's class is not registered (class)
+//   "Korb:UnknownProperty"         no such property (name, class)
+//   "Korb:UnknownMethod"           no such method (name, class)
+//   "Korb:ReadOnlyProperty"        write to a property without setter (name, class)
+//   "Korb:ObjectLocked"            write to a locked object (name, class)
+//   "Korb:InvalidPropertyValue"    the value cannot become the property's
+//                                  native type (name, class, cause)
+//   "Korb:WrongNumberOfArguments"  method called with the wrong argument
+//                                  count (expected, given)
+//   "Korb:InvalidMethodArgument"   an argument cannot become the parameter's
+//                                  native type (name, class, 1-based
+//                                  position, cause)
+//   "Korb:WrongClass"              the object is not of the native class its
+//                                  class record binds to (class, native
+//                                  type): a fault of the package, not of the
+//                                  script
+//   "Korb:NotAHandle"              a getter or method returned a native
+//                                  object that is not a handle (native type)
+// The cause is the message of the conversion's diagnostic: "Korb:TypeMismatch"
+// (a value of the wrong class or shape), "Korb:InvalidHandle" (a destroyed
+// object in the value) or "i18n:InvalidText" (text that is not valid
+// Unicode). setProperty reports any of these three as InvalidPropertyValue,
+// whether the conversion or the native setter raised it; callMethod reports
+// them as InvalidMethodArgument when converting an argument raises them.
+// Other diagnostics of the native getter, setter or method pass through
+// unchanged, among them "i18n:InvalidText" from a getter whose native text is
+// not valid UTF-8.
 class VELHOST_API Client {
 public:
     explicit Client(ObjectSystem& system) : system_(system) {}
@@ -66,11 +91,6 @@ public:
     static vel::mi::HandleRef refFromArray(const tuvArray& object);
 
 private:
-    const vel::mi::HandleClass::Property& findProperty(const vel::mi::Handle& object,
-                                                       const std::string& name) const;
-    const vel::mi::HandleClass::Method& findMethod(const vel::mi::Handle& object,
-                                                   const std::string& name) const;
-
     ObjectSystem& system_;
 };
 

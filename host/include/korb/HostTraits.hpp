@@ -29,7 +29,9 @@ inline constexpr const char* kAny = "any";
 // provides `typeName`, `toArray(value)` and, where scripts may write the
 // type, `fromArray(array)`. A value of the wrong class or shape raises the
 // diagnostic "Korb:TypeMismatch" with the expected type name and a
-// description of the value given.
+// description of the value given; an array holding a destroyed object raises
+// "Korb:InvalidHandle"; text that is not valid Unicode (in either direction)
+// raises "i18n:InvalidText".
 //
 // Libraries add specializations for their own types (enumerations, lists
 // with a dedicated host type name).
@@ -37,6 +39,11 @@ template <class T, class Enable = void>
 struct HostTraits;
 
 namespace detail {
+// True for the identifiers that fromArray raises when a host value cannot
+// become the native type: "Korb:TypeMismatch", "Korb:InvalidHandle" and
+// "i18n:InvalidText".
+VELHOST_API bool isConversionFailure(const std::string& identifier);
+
 [[noreturn]] VELHOST_API void typeMismatch(const char* expected, const tuvArray& given);
 VELHOST_API bool toBool(const tuvArray& a);
 VELHOST_API std::int64_t toInteger(const tuvArray& a, std::int64_t lo, std::int64_t hi, const char* type);

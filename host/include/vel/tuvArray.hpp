@@ -86,7 +86,8 @@ public:
     const std::vector<vel::mi::HandleRef>& handles() const;
     const std::shared_ptr<const void>& opaquePayload() const;
 
-    // A short human-readable rendering, for messages and tools.
+    // A short human-readable rendering, for messages and tools. Never raises:
+    // text that is not valid Unicode is described, not quoted.
     std::string describe() const;
 
 private:

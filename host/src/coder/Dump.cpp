@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "coder/Repository.hpp"
+#include "coder/descriptor/Model.hpp"
 #include "coder/descriptor/RepositoryHelper.hpp"
 #include "vel/diag/Diagnostic.hpp"
 

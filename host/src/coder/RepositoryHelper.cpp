@@ -2,6 +2,7 @@
 
 #include "Store.hpp"
 #include "coder/Repository.hpp"
+#include "coder/descriptor/Model.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace coder::descriptor {

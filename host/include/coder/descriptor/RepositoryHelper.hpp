@@ -1,6 +1,5 @@
 #pragma once
 
-#include "coder/descriptor/Model.hpp"
 #include "vel/HostExport.hpp"
 
 namespace coder {
@@ -8,6 +7,8 @@ namespace coder {
 class Repository;
 
 namespace descriptor {
+
+class Model;
 
 class VELHOST_API RepositoryHelper {
 public:

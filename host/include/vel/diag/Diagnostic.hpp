@@ -1,11 +1,11 @@
 #pragma once
 
 #include <exception>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "vel/HostExport.hpp"
+#include "vel/diag/MessageCatalog.hpp"
 
 namespace vel::diag {
 
@@ -14,7 +14,7 @@ namespace vel::diag {
 //
 // Identifiers are "Catalog:Key", where the catalog part may itself contain
 // colons; the key is the text after the last colon. A diagnostic created from
-// arguments takes its message template from the message catalog; one created
+// arguments takes its message template from the MessageCatalog; one created
 // from a text carries that text and no arguments.
 class VELHOST_API Diagnostic {
 public:
@@ -53,25 +53,5 @@ private:
 // Shorthands for the common case of creating and throwing at once.
 [[noreturn]] VELHOST_API void throwError(std::string identifier, std::vector<std::string> arguments);
 [[noreturn]] VELHOST_API void throwErrorText(std::string identifier, std::string text);
-
-// The host's message catalog. Templates place arguments by number: "{1}" is
-// the first argument. A placeholder without an argument renders as "{n}";
-// "{{" renders a single brace. Thread-safe.
-class VELHOST_API MessageCatalog {
-public:
-    static MessageCatalog& instance();
-
-    // Adds or replaces the templates of one catalog, keyed by message key.
-    void addCatalog(const std::string& catalog, const std::map<std::string, std::string>& templates);
-    // The template for "Catalog:Key", or nullptr when none is known.
-    const std::string* lookup(const std::string& identifier) const;
-
-    static std::string format(const std::string& pattern, const std::vector<std::string>& arguments);
-
-private:
-    MessageCatalog();
-    struct Impl;
-    Impl* impl_;
-};
 
 } // namespace vel::diag

@@ -1,12 +1,8 @@
-// The code generator's IR types, embedded type objects and data interfaces.
-#include <atomic>
+#include "CG/Type.hpp"
+
 #include <set>
 
-#include "CG/DataInterface.hpp"
-#include "CG/EmbeddedType.hpp"
-#include "CG/Type.hpp"
 #include "vel/diag/Diagnostic.hpp"
-#include "vel/tuvArray.hpp"
 
 namespace CG {
 
@@ -98,65 +94,5 @@ std::string Type::toString() const {
             return name_;
     }
 }
-
-// ------------------------------------------------------------------ counted objects
-
-namespace {
-std::atomic<long> liveEmbeddedTypes{0};
-std::atomic<long> liveDataInterfaces{0};
-
-// Host values hold one reference for as long as the array lives.
-template <class T>
-std::shared_ptr<const void> holdReference(const T* object) {
-    object->addRef();
-    return std::shared_ptr<const void>(object, [](const void* p) { static_cast<const T*>(p)->release(); });
-}
-} // namespace
-
-EmbeddedType::EmbeddedType(Type::Ptr irType) : irType_(std::move(irType)) { ++liveEmbeddedTypes; }
-EmbeddedType::~EmbeddedType() { --liveEmbeddedTypes; }
-
-EmbeddedType* EmbeddedType::createFromIRType(const Type& irType) {
-    // The IR type is copied so that the embedded type does not depend on the
-    // lifetime of the caller's object.
-    return new EmbeddedType(std::make_shared<Type>(irType));
-}
-
-void EmbeddedType::addRef() const { refs_.fetch_add(1, std::memory_order_relaxed); }
-
-void EmbeddedType::release() const {
-    if (refs_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
-}
-
-std::string EmbeddedType::getName() const { return irType_->toString(); }
-
-std::shared_ptr<tuvArray> EmbeddedType::toTuvArray(const EmbeddedType* type) {
-    if (!type) return tuvArray::empty();
-    return tuvArray::opaque("embedded.type", holdReference(type));
-}
-
-long EmbeddedType::liveCount() { return liveEmbeddedTypes.load(); }
-
-DataInterface::DataInterface(Description description) : description_(std::move(description)) {
-    ++liveDataInterfaces;
-}
-DataInterface::~DataInterface() { --liveDataInterfaces; }
-
-DataInterface* DataInterface::create(Description description) {
-    return new DataInterface(std::move(description));
-}
-
-void DataInterface::addRef() const { refs_.fetch_add(1, std::memory_order_relaxed); }
-
-void DataInterface::release() const {
-    if (refs_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
-}
-
-std::shared_ptr<tuvArray> DataInterface::toTuvArray(const DataInterface* dataInterface) {
-    if (!dataInterface) return tuvArray::empty();
-    return tuvArray::opaque("coder.DataInterface", holdReference(dataInterface));
-}
-
-long DataInterface::liveCount() { return liveDataInterfaces.load(); }
 
 } // namespace CG

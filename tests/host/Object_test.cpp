@@ -1,3 +1,7 @@
+// The descriptor records of coder/descriptor/Object.hpp: the generic Object,
+// its Sequences and the Creator that writes records.
+#include "coder/descriptor/Object.hpp"
+
 #include <cmath>
 #include <gtest/gtest.h>
 #include <optional>
@@ -20,7 +24,7 @@ using testing_support::diagnosticOf;
 using testing_support::diagnosticWithArgumentsOf;
 using testing_support::TempDir;
 
-TEST(DescriptorObject, SequencesReadBackInOrderBySizePositionAndIteration) {
+TEST(Sequence, ReadsBackInOrderBySizePositionAndIteration) {
     TempDir dir;
     Repository repository(dir / "s.strata");
     Transaction transaction(repository);
@@ -48,7 +52,7 @@ TEST(DescriptorObject, SequencesReadBackInOrderBySizePositionAndIteration) {
     transaction.commit();
 }
 
-TEST(DescriptorObject, ReleasedAndClosedObjectsRaiseInsteadOfCrashing) {
+TEST(Object, ReleasedAndClosedObjectsRaiseInsteadOfCrashing) {
     TempDir dir;
     std::optional<Repository> repository(std::in_place, dir / "s.strata");
     repository->beginTransaction();
@@ -68,7 +72,7 @@ TEST(DescriptorObject, ReleasedAndClosedObjectsRaiseInsteadOfCrashing) {
     EXPECT_EQ("coder:descriptor:Closed", diagnosticOf([&] { systems.size(); }));
 }
 
-TEST(DescriptorObject, RecordsOfAnotherRepositoryOrKindAreRefused) {
+TEST(Object, RecordsOfAnotherRepositoryOrKindAreRefused) {
     TempDir dir;
     Repository first(dir / "a.strata");
     Repository second(dir / "b.strata");
@@ -87,7 +91,7 @@ TEST(DescriptorObject, RecordsOfAnotherRepositoryOrKindAreRefused) {
               diagnosticWithArgumentsOf([&] { objectAs<Port>(generic); }));
 }
 
-TEST(DescriptorObject, ValuesThatCannotBeStoredWriteNothing) {
+TEST(Creator, ValuesThatCannotBeStoredWriteNothing) {
     TempDir dir;
     Repository repository(dir / "s.strata");
     Transaction transaction(repository);
@@ -103,7 +107,7 @@ TEST(DescriptorObject, ValuesThatCannotBeStoredWriteNothing) {
 
 // A store edited by another program: values of the wrong type and missing
 // rows are reported when read.
-TEST(DescriptorObject, DamagedValuesAreReportedWhenRead) {
+TEST(Object, DamagedValuesAreReportedWhenRead) {
     TempDir dir;
     const auto path = dir / "s.strata";
     {

@@ -1,13 +1,26 @@
+#include "korb/Client.hpp"
+
+#include <functional>
 #include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "DiagnosticTesting.hpp"
 #include "korb/ClassInfo.hpp"
-#include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "korb/PackageInfo.hpp"
 #include "vel/diag/Diagnostic.hpp"
+#include "vel/mi/Handle.hpp"
+#include "vel/mi/HandleClass.hpp"
 
 namespace {
+
+// A polymorphic native class that is not a handle: scripts cannot hold it.
+class Plain {
+public:
+    virtual ~Plain() = default;
+};
 
 // A small class hierarchy covering every value kind the binders convert.
 class Widget : public vel::mi::Handle {
@@ -41,6 +54,9 @@ public:
         return s;
     }
     void bump() { ++count_; }
+    // Native code that raises a conversion diagnostic of its own.
+    void fail() { vel::diag::throwError("Korb:TypeMismatch", {"native", "native"}); }
+    Plain* getPlain() const { return &plain_; }
 
     void preSetPropFcn(const char* p) override { log_ += std::string("pre:") + p + ";"; }
     void postSetPropFcn(const char* p) override { log_ += std::string("post:") + p + ";"; }
@@ -58,6 +74,7 @@ private:
     std::vector<int> dims_{2, 3};
     std::vector<std::string> tags_{"a", "b"};
     std::vector<Widget*> children_;
+    mutable Plain plain_;
 };
 
 class Gadget : public Widget {
@@ -73,6 +90,12 @@ private:
 class Unregistered : public vel::mi::Handle {
 public:
     const char* getFullyQualifiedKorbTypeName() const override { return "KorbTest.Nobody"; }
+};
+
+// Claims a registered class without being of its native type.
+class Impostor : public vel::mi::Handle {
+public:
+    const char* getFullyQualifiedKorbTypeName() const override { return "KorbTest.Widget"; }
 };
 
 class TestPackage : public korb::PackageInfo {
@@ -93,8 +116,10 @@ public:
             c.property("Tags", getter(&Widget::getTags), setter(&Widget::setTags));
             c.property("Children", getter(&Widget::getChildren), setter(&Widget::setChildren));
             c.property("Peer", getter(&Widget::getPeer));
+            c.property("Plain", getter(&Widget::getPlain));
             c.method("greet", method(&Widget::greet));
             c.method("bump", method(&Widget::bump));
+            c.method("fail", method(&Widget::fail));
         }));
         system.registerClass(ClassInfo::make("Gadget", "A gadget", [](ClassInfo& c) {
             c.superclass("KorbTest.Widget");
@@ -104,7 +129,7 @@ public:
     }
 };
 
-class KorbTest : public ::testing::Test {
+class ClientTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         auto& sys = korb::ObjectSystem::instance();
@@ -114,8 +139,11 @@ protected:
 };
 
 using testing_support::diagnosticOf;
+using testing_support::diagnosticWithArgumentsOf;
 
-TEST_F(KorbTest, ReadsEveryValueKindWithItsHostType) {
+const std::u16string kLoneSurrogate = {u'a', char16_t(0xD800)};
+
+TEST_F(ClientTest, ReadsEveryValueKindWithItsHostType) {
     Widget w;
     auto ref = w.makeRef();
     struct Row {
@@ -138,6 +166,7 @@ TEST_F(KorbTest, ReadsEveryValueKindWithItsHostType) {
         korb::Value v = client.getPropertyValue(ref, r.prop);
         EXPECT_EQ(r.hostType, v.hostType) << r.prop;
         EXPECT_EQ(r.cls, v.data->classId()) << r.prop;
+        EXPECT_EQ(r.hostType, client.getPropertyType(w, r.prop)) << r.prop;
     }
     EXPECT_EQ(u"m/\u00e9", client.getProperty(ref, "Path")->charData());
     EXPECT_EQ((std::vector<int>{2, 3}), client.getProperty(ref, "Dims")->int32Data());
@@ -147,7 +176,7 @@ TEST_F(KorbTest, ReadsEveryValueKindWithItsHostType) {
     EXPECT_TRUE(client.getProperty(ref, "Peer")->isEmpty());
 }
 
-TEST_F(KorbTest, WritesRoundTripAndCallHooksInOrder) {
+TEST_F(ClientTest, WritesRoundTripAndCallHooksInOrder) {
     Widget w, child;
     auto ref = w.makeRef();
     client.setProperty(ref, "Enabled", *tuvArray::logical(true));
@@ -160,7 +189,7 @@ TEST_F(KorbTest, WritesRoundTripAndCallHooksInOrder) {
     tags->setCell(0, tuvArray::fromUtf8("p"));
     tags->setCell(1, tuvArray::fromUtf8("q"));
     client.setProperty(ref, "Tags", *tags);
-    client.setProperty(ref, "Children", *tuvArray::objects({child.makeRef()}));
+    client.setProperty(*client.wrap(w), "Children", *tuvArray::objects({child.makeRef()}));
 
     EXPECT_TRUE(w.getEnabled());
     EXPECT_EQ(42, w.getCount());
@@ -178,51 +207,127 @@ TEST_F(KorbTest, WritesRoundTripAndCallHooksInOrder) {
     EXPECT_EQ(&child, kids->handles().at(0).get());
 }
 
-TEST_F(KorbTest, RejectsBadNamesTypesAndObjectsWithDiagnostics) {
+TEST_F(ClientTest, UnknownNamesAndObjectsAreRefusedWithWhatWasAsked) {
     Widget w;
     auto ref = w.makeRef();
     struct Row {
         const char* what;
         std::function<void()> call;
-        const char* id;
+        const char* diagnostic;
     } rows[] = {
-        {"unknown property", [&] { client.getProperty(ref, "Nope"); }, "Korb:UnknownProperty"},
-        {"unknown method", [&] { client.callMethod(ref, "nope"); }, "Korb:UnknownMethod"},
-        {"read-only", [&] { client.setProperty(ref, "Id", *tuvArray::uint32(1)); }, "Korb:ReadOnlyProperty"},
-        {"string for bool", [&] { client.setProperty(ref, "Enabled", *tuvArray::fromUtf8("yes")); },
-         "Korb:InvalidPropertyValue"},
-        {"2 for bool", [&] { client.setProperty(ref, "Enabled", *tuvArray::float64(2)); },
-         "Korb:InvalidPropertyValue"},
-        {"fraction for int", [&] { client.setProperty(ref, "Count", *tuvArray::float64(1.5)); },
-         "Korb:InvalidPropertyValue"},
-        {"int out of range", [&] { client.setProperty(ref, "Count", *tuvArray::float64(3e9)); },
-         "Korb:InvalidPropertyValue"},
-        {"number for string", [&] { client.setProperty(ref, "Label", *tuvArray::int32(1)); },
-         "Korb:InvalidPropertyValue"},
-        {"string for list", [&] { client.setProperty(ref, "Tags", *tuvArray::fromUtf8("a")); },
-         "Korb:InvalidPropertyValue"},
-        {"wrong arg count", [&] { client.callMethod(ref, "greet", {tuvArray::fromUtf8("x")}); },
-         "Korb:WrongNumberOfArguments"},
-        {"wrong arg type",
+        {"unknown property", [&] { client.getProperty(ref, "Nope"); },
+         "Korb:UnknownProperty(Nope, KorbTest.Widget)"},
+        {"unknown method", [&] { client.callMethod(ref, "nope"); },
+         "Korb:UnknownMethod(nope, KorbTest.Widget)"},
+        {"read-only", [&] { client.setProperty(ref, "Id", *tuvArray::uint32(1)); },
+         "Korb:ReadOnlyProperty(Id, KorbTest.Widget)"},
+        {"wrong argument count", [&] { client.callMethod(ref, "greet", {tuvArray::fromUtf8("x")}); },
+         "Korb:WrongNumberOfArguments(2, 1)"},
+        {"null reference", [&] { client.getProperty(vel::mi::HandleRef(), "Count"); },
+         "Korb:InvalidHandle()"},
+        {"not an object", [&] { client.getProperty(*tuvArray::int32(1), "Count"); }, "Korb:InvalidHandle()"},
+        {"two objects",
          [&] {
-             client.callMethod(ref, "greet", {tuvArray::int32(1), tuvArray::int32(1)});
+             client.getProperty(*tuvArray::objects({ref, ref}), "Count");
          },
-         "Korb:TypeMismatch"},
-        {"null reference", [&] { client.getProperty(vel::mi::HandleRef(), "Count"); }, "Korb:InvalidHandle"},
-        {"not an object", [&] { client.getProperty(*tuvArray::int32(1), "Count"); }, "Korb:InvalidHandle"},
+         "Korb:InvalidHandle()"},
         {"unregistered class",
          [&] {
              Unregistered u;
              client.getProperty(u.makeRef(), "X");
          },
-         "Korb:UnknownClass"},
+         "Korb:UnknownClass(KorbTest.Nobody)"},
     };
-    for (const auto& r : rows) EXPECT_EQ(r.id, diagnosticOf(r.call)) << r.what;
-    EXPECT_EQ(0, w.getCount()) << "a rejected write must leave the object unchanged";
-    EXPECT_FALSE(w.getEnabled());
+    for (const auto& r : rows) EXPECT_EQ(r.diagnostic, diagnosticWithArgumentsOf(r.call)) << r.what;
 }
 
-TEST_F(KorbTest, DestroyedAndLockedObjectsAreRefused) {
+TEST_F(ClientTest, AValueThatCannotBeConvertedNamesThePropertyAndClass) {
+    tuvArrayPtr destroyed;
+    {
+        Widget gone;
+        destroyed = client.wrap(gone);
+    }
+    struct Row {
+        const char* property;
+        tuvArrayPtr value;
+        const char* diagnostic;
+    } rows[] = {
+        {"Enabled", tuvArray::fromUtf8("yes"),
+         "Korb:InvalidPropertyValue(Enabled, KorbTest.Widget, "
+         "Expected a value of type 'logical scalar', but got 'yes'.)"},
+        {"Label", tuvArray::int32(1),
+         "Korb:InvalidPropertyValue(Label, KorbTest.Widget, Expected a value of type 'char', but got int32 "
+         "1.)"},
+        {"Label", tuvArray::chars(kLoneSurrogate),
+         "Korb:InvalidPropertyValue(Label, KorbTest.Widget, The text is not valid UTF-16.)"},
+        {"Count", tuvArray::chars(kLoneSurrogate),
+         "Korb:InvalidPropertyValue(Count, KorbTest.Widget, "
+         "Expected a value of type 'int32 scalar', but got 1x2 char array that is not valid Unicode.)"},
+        {"Children", destroyed,
+         "Korb:InvalidPropertyValue(Children, KorbTest.Widget, Invalid or deleted object.)"},
+    };
+    for (const auto& r : rows) {
+        Widget w;
+        EXPECT_EQ(r.diagnostic,
+                  diagnosticWithArgumentsOf([&] { client.setProperty(w.makeRef(), r.property, *r.value); }))
+            << r.property;
+        EXPECT_EQ(0, w.getCount()) << "a rejected write leaves the object unchanged";
+        EXPECT_EQ("w", w.getLabel());
+        EXPECT_EQ(std::string("pre:") + r.property + ";", w.log_) << "no post-set hook after a failed write";
+    }
+}
+
+TEST_F(ClientTest, AnArgumentThatCannotBeConvertedNamesTheMethodClassAndPosition) {
+    struct Row {
+        const char* what;
+        std::vector<tuvArrayPtr> args;
+        const char* diagnostic;
+    } rows[] = {
+        {"first",
+         {tuvArray::int32(1), tuvArray::int32(1)},
+         "Korb:InvalidMethodArgument(greet, KorbTest.Gadget, 1, "
+         "Expected a value of type 'char', but got int32 1.)"},
+        {"second",
+         {tuvArray::fromUtf8("x"), tuvArray::float64(1.5)},
+         "Korb:InvalidMethodArgument(greet, KorbTest.Gadget, 2, "
+         "Expected a value of type 'int32 scalar', but got double 1.5.)"},
+        {"not valid Unicode",
+         {tuvArray::chars(kLoneSurrogate), tuvArray::int32(1)},
+         "Korb:InvalidMethodArgument(greet, KorbTest.Gadget, 1, The text is not valid UTF-16.)"},
+        {"null",
+         {tuvArray::fromUtf8("x"), nullptr},
+         "Korb:InvalidMethodArgument(greet, KorbTest.Gadget, 2, "
+         "Expected a value of type 'any', but got a null array.)"},
+    };
+    Gadget g; // the class named is the object's, not the one declaring the method
+    for (const auto& r : rows)
+        EXPECT_EQ(r.diagnostic,
+                  diagnosticWithArgumentsOf([&] { client.callMethod(g.makeRef(), "greet", r.args); }))
+            << r.what;
+}
+
+TEST_F(ClientTest, DiagnosticsOfTheNativeCodeAndOfTheBindingsPassUnchanged) {
+    Widget w;
+    Impostor impostor;
+    struct Row {
+        const char* what;
+        std::function<void()> call;
+        const char* diagnostic;
+    } rows[] = {
+        {"raised by the method", [&] { client.callMethod(w.makeRef(), "fail"); },
+         "Korb:TypeMismatch(native, native)"},
+        {"object of another native class", [&] { client.getProperty(impostor.makeRef(), "Count"); },
+         "Korb:WrongClass"},
+        {"native object that is not a handle", [&] { client.getProperty(w.makeRef(), "Plain"); },
+         "Korb:NotAHandle"},
+    };
+    for (const auto& r : rows) {
+        std::string raised = diagnosticWithArgumentsOf(r.call);
+        EXPECT_EQ(0u, raised.find(r.diagnostic)) << r.what << ": " << raised;
+    }
+}
+
+TEST_F(ClientTest, DestroyedAndLockedObjectsAreRefused) {
     vel::mi::HandleRef ref;
     tuvArrayPtr held;
     {
@@ -232,21 +337,20 @@ TEST_F(KorbTest, DestroyedAndLockedObjectsAreRefused) {
         w.lock();
         w.lock();
         w.unlock();
-        EXPECT_EQ("Korb:ObjectLocked",
-                  diagnosticOf([&] { client.setProperty(ref, "Count", *tuvArray::int32(1)); }));
+        EXPECT_EQ("Korb:ObjectLocked(Count, KorbTest.Widget)",
+                  diagnosticWithArgumentsOf([&] { client.setProperty(ref, "Count", *tuvArray::int32(1)); }));
         w.unlock();
         client.setProperty(ref, "Count", *tuvArray::int32(1));
+        EXPECT_EQ(1, w.getCount());
         EXPECT_EQ("MI:HandleNotLocked", diagnosticOf([&] { w.unlock(); }));
     }
     EXPECT_FALSE(ref);
     EXPECT_EQ("Korb:InvalidHandle", diagnosticOf([&] { client.getProperty(ref, "Count"); }));
     EXPECT_EQ("Korb:InvalidHandle", diagnosticOf([&] { client.getProperty(*held, "Count"); }));
-    Widget parent;
-    EXPECT_EQ("Korb:InvalidPropertyValue",
-              diagnosticOf([&] { client.setProperty(parent.makeRef(), "Children", *held); }));
+    EXPECT_EQ("Korb:InvalidHandle", diagnosticOf([&] { client.callMethod(*held, "bump"); }));
 }
 
-TEST_F(KorbTest, SubclassesAnswerInheritedMembersAndHideOverridden) {
+TEST_F(ClientTest, SubclassesAnswerInheritedMembersAndHideOverridden) {
     Gadget g;
     auto ref = g.makeRef();
     EXPECT_TRUE(client.isA(g, "KorbTest.Widget"));
@@ -255,55 +359,21 @@ TEST_F(KorbTest, SubclassesAnswerInheritedMembersAndHideOverridden) {
     EXPECT_EQ("gadget", client.getProperty(ref, "Kind")->toUtf8());
     EXPECT_EQ("G:gadget", client.getProperty(ref, "Label")->toUtf8());
     EXPECT_TRUE(client.isReadOnly(g, "Label"));
+    EXPECT_FALSE(client.isReadOnly(Widget(), "Label"));
     client.setProperty(ref, "Count", *tuvArray::int32(5));
     EXPECT_EQ(5, g.getCount());
     EXPECT_EQ("hi x;hi x;",
               client.callMethod(ref, "greet", {tuvArray::fromUtf8("x"), tuvArray::int32(2)})->toUtf8());
-    EXPECT_TRUE(client.callMethod(ref, "bump")->isEmpty());
+    EXPECT_TRUE(client.callMethod(*client.wrap(g), "bump")->isEmpty());
     EXPECT_EQ(6, g.getCount());
 
     auto names = client.getPropertyNames(g);
-    ASSERT_EQ(12u, names.size());
+    ASSERT_EQ(13u, names.size());
     EXPECT_EQ("Enabled", names.front());
     EXPECT_EQ("Kind", names.back());
-    EXPECT_EQ((std::vector<std::string>{"greet", "bump"}), client.getMethodNames(g));
-}
-
-TEST_F(KorbTest, RegistryKeepsOrderAndRefusesDuplicatesAndOrphans) {
-    auto& sys = korb::ObjectSystem::instance();
-    auto classes = sys.getPackageClasses("KorbTest");
-    ASSERT_EQ(2u, classes.size());
-    EXPECT_EQ("KorbTest.Widget", classes[0]->getQualifiedName());
-    EXPECT_EQ("A gadget", classes[1]->getDescription());
-    EXPECT_EQ("Korb:DuplicatePackage",
-              diagnosticOf([&] { sys.addPackage(std::make_unique<TestPackage>()); }));
-
-    struct Orphan : korb::PackageInfo {
-        const char* getName() const override { return "KorbOrphan"; }
-        void registerClasses(korb::ObjectSystem& s) override {
-            s.registerClass(korb::ClassInfo::make("A", "a", nullptr));
-            s.registerClass(
-                korb::ClassInfo::make("B", "b", [](korb::ClassInfo& c) { c.superclass("KorbOrphan.Z"); }));
-        }
-    };
-    EXPECT_EQ("Korb:UnknownSuperclass", diagnosticOf([&] { sys.addPackage(std::make_unique<Orphan>()); }));
-    EXPECT_EQ(nullptr, sys.findPackage("KorbOrphan")) << "a failed package is not half-registered";
-    EXPECT_EQ(nullptr, sys.findClass("KorbOrphan.A"));
-    EXPECT_EQ("Korb:NotRegistering",
-              diagnosticOf([&] { sys.registerClass(korb::ClassInfo::make("Late", "late", nullptr)); }));
-    EXPECT_EQ("Korb:DuplicateMember", diagnosticOf([&] {
-                  korb::ObjectSystem local;
-                  struct Dup : korb::PackageInfo {
-                      const char* getName() const override { return "Dup"; }
-                      void registerClasses(korb::ObjectSystem& s) override {
-                          s.registerClass(korb::ClassInfo::make("D", "d", [](korb::ClassInfo& c) {
-                              c.property("X", korb::getter(&Widget::getCount));
-                              c.method("X", korb::method(&Widget::bump));
-                          }));
-                      }
-                  };
-                  local.addPackage(std::make_unique<Dup>());
-              }));
+    EXPECT_TRUE(client.hasProperty(g, "Kind"));
+    EXPECT_FALSE(client.hasProperty(Widget(), "Kind"));
+    EXPECT_EQ((std::vector<std::string>{"greet", "bump", "fail"}), client.getMethodNames(g));
 }
 
 } // namespace

@@ -1,0 +1,45 @@
+#include "korb/Binders.hpp"
+
+#include "vel/diag/Diagnostic.hpp"
+
+namespace korb {
+
+GetterBinder::~GetterBinder() = default;
+SetterBinder::~SetterBinder() = default;
+MethodBinder::~MethodBinder() = default;
+
+tuvArrayPtr MethodBinder::call(vel::mi::Handle& object, const std::vector<tuvArrayPtr>& args) const {
+    if (args.size() != arity_) detail::wrongArgumentCount(arity_, args.size());
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (!args[i])
+            vel::diag::throwError(
+                "Korb:InvalidArgument",
+                {std::to_string(i + 1),
+                 vel::diag::Diagnostic::fromCatalog("Korb:TypeMismatch", {kAny, "a null array"}).message()});
+    }
+    return invoke(object, args);
+}
+
+namespace detail {
+
+void wrongClass(const vel::mi::Handle& object, const char* nativeType) {
+    vel::diag::throwError("Korb:WrongClass", {object.getFullyQualifiedKorbTypeName(), nativeType});
+}
+
+void wrongArgumentCount(std::size_t expected, std::size_t given) {
+    vel::diag::throwError("Korb:WrongNumberOfArguments", {std::to_string(expected), std::to_string(given)});
+}
+
+void invalidArgument(std::size_t position) {
+    try {
+        throw;
+    } catch (const vel::diag::Exception& e) {
+        if (!isConversionFailure(e.identifier())) throw;
+        vel::diag::throwError("Korb:InvalidArgument",
+                              {std::to_string(position + 1), e.diagnostic().message()});
+    }
+}
+
+} // namespace detail
+
+} // namespace korb

@@ -1,0 +1,174 @@
+#include "korb/Client.hpp"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "korb/Binders.hpp"
+#include "korb/ObjectSystem.hpp"
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/mi/Handle.hpp"
+#include "vel/mi/HandleClass.hpp"
+
+namespace korb {
+
+namespace {
+vel::mi::Handle& live(const vel::mi::HandleRef& ref) {
+    vel::mi::Handle* h = ref.get();
+    if (!h) vel::diag::throwError("Korb:InvalidHandle", {});
+    return *h;
+}
+
+// The class chain of a class, most derived first. Bounded so that a cycle
+// of superclass names cannot loop forever.
+std::vector<const vel::mi::HandleClass*> chainOf(const ObjectSystem& system,
+                                                 const vel::mi::HandleClass& cls) {
+    std::vector<const vel::mi::HandleClass*> chain{&cls};
+    while (chain.size() < 64 && !chain.back()->getSuperclassName().empty()) {
+        const auto* super = system.findClass(chain.back()->getSuperclassName());
+        if (!super) break;
+        chain.push_back(super);
+    }
+    return chain;
+}
+
+// The member along the class chain of the object, the most derived first.
+const vel::mi::HandleClass::Property& findProperty(const Client& client, const vel::mi::Handle& object,
+                                                   const std::string& name) {
+    const auto& cls = client.classOf(object);
+    for (const auto* c : chainOf(client.getObjectSystem(), cls))
+        if (const auto* p = c->findOwnProperty(name)) return *p;
+    vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
+}
+
+const vel::mi::HandleClass::Method& findMethod(const Client& client, const vel::mi::Handle& object,
+                                               const std::string& name) {
+    const auto& cls = client.classOf(object);
+    for (const auto* c : chainOf(client.getObjectSystem(), cls))
+        if (const auto* m = c->findOwnMethod(name)) return *m;
+    vel::diag::throwError("Korb:UnknownMethod", {name, cls.getQualifiedName()});
+}
+} // namespace
+
+const vel::mi::HandleClass* Client::findClass(const std::string& qualifiedName) const {
+    return system_.findClass(qualifiedName);
+}
+
+const vel::mi::HandleClass& Client::classOf(const vel::mi::Handle& object) const {
+    const char* name = object.getFullyQualifiedKorbTypeName();
+    const auto* cls = system_.findClass(name ? name : "");
+    if (!cls) vel::diag::throwError("Korb:UnknownClass", {name ? name : ""});
+    return *cls;
+}
+
+bool Client::isA(const vel::mi::Handle& object, const std::string& qualifiedName) const {
+    for (const auto* c : chainOf(system_, classOf(object)))
+        if (c->getQualifiedName() == qualifiedName) return true;
+    return false;
+}
+
+tuvArrayPtr Client::wrap(vel::mi::Handle& object) const {
+    classOf(object);
+    return tuvArray::objects({object.makeRef()});
+}
+
+namespace {
+// Member names along the chain, superclass members first, each name once.
+template <class Members>
+std::vector<std::string> memberNames(const std::vector<const vel::mi::HandleClass*>& chain, Members members) {
+    std::vector<std::string> names;
+    for (auto it = chain.rbegin(); it != chain.rend(); ++it)
+        for (const auto& m : members(**it))
+            if (std::find(names.begin(), names.end(), m.name) == names.end()) names.push_back(m.name);
+    return names;
+}
+} // namespace
+
+std::vector<std::string> Client::getPropertyNames(const vel::mi::Handle& object) const {
+    return memberNames(
+        chainOf(system_, classOf(object)),
+        [](const vel::mi::HandleClass& c) -> const auto& { return c.getProperties(); });
+}
+
+std::vector<std::string> Client::getMethodNames(const vel::mi::Handle& object) const {
+    return memberNames(
+        chainOf(system_, classOf(object)),
+        [](const vel::mi::HandleClass& c) -> const auto& { return c.getMethods(); });
+}
+
+bool Client::hasProperty(const vel::mi::Handle& object, const std::string& name) const {
+    for (const auto* c : chainOf(system_, classOf(object)))
+        if (c->findOwnProperty(name)) return true;
+    return false;
+}
+
+bool Client::isReadOnly(const vel::mi::Handle& object, const std::string& name) const {
+    return findProperty(*this, object, name).isReadOnly();
+}
+
+const std::string& Client::getPropertyType(const vel::mi::Handle& object, const std::string& name) const {
+    return findProperty(*this, object, name).getter->hostTypeName();
+}
+
+tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string& name) const {
+    vel::mi::Handle& object = live(ref);
+    return findProperty(*this, object, name).getter->getArray(object);
+}
+
+Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string& name) const {
+    vel::mi::Handle& object = live(ref);
+    return findProperty(*this, object, name).getter->getValue(object);
+}
+
+void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
+                         const tuvArray& value) const {
+    vel::mi::Handle& object = live(ref);
+    const auto& prop = findProperty(*this, object, name);
+    const std::string& cls = classOf(object).getQualifiedName();
+    if (prop.isReadOnly()) vel::diag::throwError("Korb:ReadOnlyProperty", {name, cls});
+    if (object.isLocked()) vel::diag::throwError("Korb:ObjectLocked", {name, cls});
+    object.preSetPropFcn(name.c_str());
+    try {
+        prop.setter->set(object, value);
+    } catch (const vel::diag::Exception& e) {
+        if (!detail::isConversionFailure(e.identifier())) throw;
+        vel::diag::throwError("Korb:InvalidPropertyValue", {name, cls, e.diagnostic().message()});
+    }
+    object.postSetPropFcn(name.c_str());
+}
+
+tuvArrayPtr Client::callMethod(const vel::mi::HandleRef& ref, const std::string& name,
+                               const std::vector<tuvArrayPtr>& args) const {
+    vel::mi::Handle& object = live(ref);
+    const auto& method = findMethod(*this, object, name);
+    try {
+        return method.binder->call(object, args);
+    } catch (const vel::diag::Exception& e) {
+        // The binder raises "Korb:InvalidArgument" before the native method
+        // runs; the caller also needs to know which method of which class.
+        if (e.identifier() != "Korb:InvalidArgument" || e.arguments().size() != 2) throw;
+        vel::diag::throwError("Korb:InvalidMethodArgument",
+                              {name, classOf(object).getQualifiedName(), e.arguments()[0], e.arguments()[1]});
+    }
+}
+
+vel::mi::HandleRef Client::refFromArray(const tuvArray& object) {
+    if (object.classId() != tuvClass::Object || !object.isScalar())
+        vel::diag::throwError("Korb:InvalidHandle", {});
+    return object.handles().front();
+}
+
+tuvArrayPtr Client::getProperty(const tuvArray& object, const std::string& name) const {
+    return getProperty(refFromArray(object), name);
+}
+
+void Client::setProperty(const tuvArray& object, const std::string& name, const tuvArray& value) const {
+    setProperty(refFromArray(object), name, value);
+}
+
+tuvArrayPtr Client::callMethod(const tuvArray& object, const std::string& name,
+                               const std::vector<tuvArrayPtr>& args) const {
+    return callMethod(refFromArray(object), name, args);
+}
+
+} // namespace korb
