@@ -1,5 +1,7 @@
 #include "velcg/BlockHierarchyMap.hpp"
 
+#include <cassert>
+
 #include "OwnedList.hpp"
 #include "Serialization.hpp"
 #include "coder/descriptor/BlockHierarchyMap.hpp"
@@ -42,6 +44,8 @@ void BlockHierarchyMap::finalize() {
                              subsystems_.size());
     std::size_t next = 1;
     for (GraphicalSubsystem* subsystem : subsystems_) {
+        assert(next + subsystem->getSubsystemBlocks().size() <= subsystems_.size() &&
+               "the children were counted before linking");
         subsystem->finalize(next);
         next += subsystem->getSubsystemBlocks().size();
     }
@@ -67,9 +71,8 @@ const std::vector<GraphicalBlock*>& BlockHierarchyMap::getReducedBlocks() const 
 }
 
 void BlockHierarchyMap::clearSubsystems() {
-    for (GraphicalSubsystem* subsystem : subsystems_) delete subsystem;
-    subsystems_.clear();
     reducedBlocks_.clear();
+    detail::deleteAll(subsystems_);
 }
 
 coder::descriptor::BlockHierarchyMap BlockHierarchyMap::serialize(coder::Repository& repository) const {

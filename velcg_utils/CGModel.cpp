@@ -1,5 +1,6 @@
 #include "velcg/CGModel.hpp"
 
+#include <cassert>
 #include <filesystem>
 #include <stdexcept>
 #include <utility>
@@ -32,19 +33,6 @@ namespace {
 template <class T>
 T* elementOrNull(const std::vector<T*>& list, unsigned int index) {
     return index < list.size() ? list[index] : nullptr;
-}
-
-// Deletes the elements of an owning list. A throwing destructor must not stop
-// the destruction of the rest of the model.
-template <class T>
-void deleteAll(std::vector<T*>& list) noexcept {
-    for (T* element : list) {
-        try {
-            delete element;
-        } catch (...) {
-        }
-    }
-    list.clear();
 }
 
 [[noreturn]] void throwSubscript() { throw std::out_of_range("invalid vector<T> subscript"); }
@@ -82,30 +70,31 @@ void reportBackgroundFailure(const std::exception_ptr& error) noexcept {
 
 } // namespace
 
-CGModel::CGModel() : blockHierarchyMap_(new BlockHierarchyMap()), fpcIOMap_(std::make_unique<FPCIOMap>()) {}
+CGModel::CGModel()
+    : blockHierarchyMap_(std::make_unique<BlockHierarchyMap>()), fpcIOMap_(std::make_unique<FPCIOMap>()) {}
 
+// Every step is noexcept, so each runs whatever the ones before it met:
+// waiting and reporting catch their own failures, and element destructors
+// cannot throw (see detail::deleteAll). The hierarchy map, a member, goes
+// after the lists.
 CGModel::~CGModel() {
     // A background pass may still be reading the elements deleted below.
     waitForSerialization();
     if (serializationError_) reportBackgroundFailure(std::exchange(serializationError_, nullptr));
-    deleteAll(systems_);
-    deleteAll(velCGTypes_);
-    deleteAll(varGroups_);
-    deleteAll(velTypes_);
-    deleteAll(externalInputs_);
-    deleteAll(taqBlocks_);
-    deleteAll(modelParameters_);
-    deleteAll(globalBlockOutputs_);
-    deleteAll(constantBlockOutputs_);
-    deleteAll(externalBlockOutputs_);
-    deleteAll(dWorks_);
-    deleteAll(externalInputInterfaces_);
-    deleteAll(externalOutputInterfaces_);
-    deleteAll(coderDataGroups_);
-    try {
-        delete blockHierarchyMap_;
-    } catch (...) {
-    }
+    detail::deleteAll(systems_);
+    detail::deleteAll(velCGTypes_);
+    detail::deleteAll(varGroups_);
+    detail::deleteAll(velTypes_);
+    detail::deleteAll(externalInputs_);
+    detail::deleteAll(taqBlocks_);
+    detail::deleteAll(modelParameters_);
+    detail::deleteAll(globalBlockOutputs_);
+    detail::deleteAll(constantBlockOutputs_);
+    detail::deleteAll(externalBlockOutputs_);
+    detail::deleteAll(dWorks_);
+    detail::deleteAll(externalInputInterfaces_);
+    detail::deleteAll(externalOutputInterfaces_);
+    detail::deleteAll(coderDataGroups_);
 }
 
 const char* CGModel::getFullyQualifiedKorbTypeName() const { return "VelCG.CGModel"; }
@@ -132,6 +121,7 @@ bool CGModel::isTAQBlockActualSrc(const std::wstring& blockPath) const {
 }
 
 void CGModel::addSystem(std::unique_ptr<System> system) {
+    if (system) system->setCGModel(this);
     detail::appendOwned(systems_, std::move(system), "A system");
 }
 
@@ -196,6 +186,7 @@ std::size_t CGModel::appendCoderDataGroup(std::unique_ptr<CoderDataGroup> group)
     coderDataGroups_.reserve(position + 1);
     coderDataGroupIndex_.emplace(group->name(), position);
     group->setGroupIndex(static_cast<int>(position));
+    assert(coderDataGroups_.capacity() > position && "the append after recording the name cannot reallocate");
     coderDataGroups_.push_back(group.release());
     return position;
 }
@@ -286,7 +277,7 @@ void CGModel::setBlockHierarchyMap(BlockHierarchyMap*) {}
 void CGModel::setModelParameters(const std::vector<ModelParameter*>& parameters) {
     detail::checkReplacement(modelParameters_, parameters, "A model parameter");
     std::vector<ModelParameter*> replacement(parameters);
-    deleteAll(modelParameters_);
+    detail::deleteAll(modelParameters_);
     modelParameters_.swap(replacement);
 }
 

@@ -11,7 +11,7 @@ DataInterfaceRecord::DataInterfaceRecord(DataInterfaceRecordImpl* impl) : impl_(
     if (!impl_) throwNullArgument("The implementation of a data-interface record");
 }
 
-DataInterfaceRecord::~DataInterfaceRecord() { delete impl_; }
+DataInterfaceRecord::~DataInterfaceRecord() = default;
 
 tuvArrayPtr DataInterfaceRecord::getDataInterfaceAsTuvArray() const {
     return CG::DataInterface::toTuvArray(getDataInterface());

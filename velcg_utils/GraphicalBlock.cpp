@@ -29,7 +29,7 @@ GraphicalBlock::GraphicalBlock(GraphicalBlockIF* impl) : impl_(impl) {
     if (!impl_) throwNullArgument("The implementation of a graphical block");
 }
 
-GraphicalBlock::~GraphicalBlock() { delete impl_; }
+GraphicalBlock::~GraphicalBlock() = default;
 
 const char* GraphicalBlock::getFullyQualifiedKorbTypeName() const { return "VelCG.GraphicalBlock"; }
 

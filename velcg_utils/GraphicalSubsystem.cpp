@@ -88,13 +88,12 @@ GraphicalBlock* GraphicalSubsystem::getSubsystemBlock() const {
 }
 
 void GraphicalSubsystem::clearBlocks() {
-    for (GraphicalBlock* block : blocks_) delete block;
-    blocks_.clear();
     inputPortBlocks_.clear();
     outputPortBlocks_.clear();
     dataStoreBlocks_.clear();
     subsystemBlocks_.clear();
     childSubsystems_.clear();
+    detail::deleteAll(blocks_);
 }
 
 coder::descriptor::GraphicalSystem GraphicalSubsystem::serialize(coder::Repository& repository) const {

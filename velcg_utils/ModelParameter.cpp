@@ -15,7 +15,7 @@ ModelParameter::ModelParameter(ModelParameterImpl* impl) : impl_(impl) {
     if (!impl_) throwNullArgument("The implementation of a model parameter");
 }
 
-ModelParameter::~ModelParameter() { delete impl_; }
+ModelParameter::~ModelParameter() = default;
 
 tuvArrayPtr ModelParameter::getDataInterfaceAsTuvArray() const {
     return CG::DataInterface::toTuvArray(getDataInterface());

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <unordered_set>
 #include <vector>
 
@@ -39,6 +40,16 @@ void checkReplacement(const std::vector<T*>& current, const std::vector<T*>& giv
             throwInvalidOwnership(what +
                                   " of the new list is a current one, which would be deleted before use.");
     }
+}
+
+// Deletes every element of the list, in list order, and empties it. An
+// element's destructor cannot stop the others: destructors are noexcept, and
+// one that throws ends the process before any caller could catch it.
+template <class T>
+void deleteAll(std::vector<T*>& list) noexcept {
+    static_assert(std::is_nothrow_destructible_v<T>, "owned elements must not throw from their destructor");
+    for (T* element : list) delete element;
+    list.clear();
 }
 
 // Deletes every element of `current` that is not in `given`, then takes the

@@ -15,7 +15,7 @@ Parameter::Parameter(ParameterImpl* impl) : impl_(impl) {
     if (!impl_) throwNullArgument("The implementation of a parameter");
 }
 
-Parameter::~Parameter() { delete impl_; }
+Parameter::~Parameter() = default;
 
 ParameterKorb::~ParameterKorb() = default;
 

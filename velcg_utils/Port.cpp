@@ -19,9 +19,7 @@
 
 namespace VelCG {
 
-Port::~Port() {
-    for (Region* region : regions_) delete region;
-}
+Port::~Port() { detail::deleteAll(regions_); }
 
 const char* Port::getFullyQualifiedKorbTypeName() const { return "VelCG.Port"; }
 

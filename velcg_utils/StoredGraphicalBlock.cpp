@@ -8,27 +8,17 @@
 
 namespace VelCG {
 
-namespace {
-
-template <class T>
-void deleteAll(std::vector<T*>& list) {
-    for (T* element : list) delete element;
-    list.clear();
-}
-
-} // namespace
-
 StoredGraphicalBlock::StoredGraphicalBlock(std::wstring name) : name_(name), velName_(std::move(name)) {}
 
 StoredGraphicalBlock::~StoredGraphicalBlock() {
-    deleteAll(dataInputPorts_);
-    deleteAll(dataOutputPorts_);
-    deleteAll(controlInputPorts_);
-    deleteAll(parameters_);
-    deleteAll(continuousStates_);
-    deleteAll(derivatives_);
-    deleteAll(discreteStates_);
-    deleteAll(dWorks_);
+    detail::deleteAll(dataInputPorts_);
+    detail::deleteAll(dataOutputPorts_);
+    detail::deleteAll(controlInputPorts_);
+    detail::deleteAll(parameters_);
+    detail::deleteAll(continuousStates_);
+    detail::deleteAll(derivatives_);
+    detail::deleteAll(discreteStates_);
+    detail::deleteAll(dWorks_);
 }
 
 Port* StoredGraphicalBlock::addDataInputPort(std::unique_ptr<Port> port) {

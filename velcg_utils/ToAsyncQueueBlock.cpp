@@ -11,9 +11,7 @@ namespace VelCG {
 
 ToAsyncQueueBlock::ToAsyncQueueBlock(GraphicalBlockIF* impl) : GraphicalBlock(impl) {}
 
-ToAsyncQueueBlock::~ToAsyncQueueBlock() {
-    for (ToAsyncQueueBlock* leaf : leafElements_) delete leaf;
-}
+ToAsyncQueueBlock::~ToAsyncQueueBlock() { detail::deleteAll(leafElements_); }
 
 const char* ToAsyncQueueBlock::getFullyQualifiedKorbTypeName() const { return "VelCG.ToAsyncQueueBlock"; }
 

@@ -25,9 +25,7 @@ const T* elementAt(const std::vector<T*>& list, int index, const char* what) {
 
 } // namespace
 
-VelCGType::~VelCGType() {
-    for (CGTypeMember* member : members_) delete member;
-}
+VelCGType::~VelCGType() { detail::deleteAll(members_); }
 
 const char* VelCGType::getFullyQualifiedKorbTypeName() const { return "VelCG.VelCGType"; }
 

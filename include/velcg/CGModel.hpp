@@ -79,8 +79,8 @@ public:
     // of an async-queue block; false until serialization records them.
     virtual bool isTAQBlockActualSrc(const std::wstring& blockPath) const;
 
-    // Each add takes ownership and appends. Types and inputs are first
-    // pointed at this model. A null element raises "VelCG:Model:NullArgument".
+    // Each add takes ownership and appends. Systems, types and inputs are
+    // first pointed at this model. A null element raises "VelCG:Model:NullArgument".
     void addSystem(std::unique_ptr<System> system);
     void addVelCGType(std::unique_ptr<VelCGType> type);
     void addVelType(std::unique_ptr<VelType> type);
@@ -156,9 +156,9 @@ public:
     CoderDataGroup* getCoderDataGroup(const std::string& name);
 
     // Never null.
-    const BlockHierarchyMap* getBlockHierarchyMap() const { return blockHierarchyMap_; }
-    BlockHierarchyMap* getBlockHierarchyMap() { return blockHierarchyMap_; }
-    BlockHierarchyMap* korb_getBlockHierarchyMap() const { return blockHierarchyMap_; }
+    const BlockHierarchyMap* getBlockHierarchyMap() const { return blockHierarchyMap_.get(); }
+    BlockHierarchyMap* getBlockHierarchyMap() { return blockHierarchyMap_.get(); }
+    BlockHierarchyMap* korb_getBlockHierarchyMap() const { return blockHierarchyMap_.get(); }
 
     // Whole-list setters for the binding layer. They do nothing: lists are
     // only built through the add operations.
@@ -289,7 +289,7 @@ private:
 
     std::vector<System*> systems_;
     std::vector<VelCGType*> velCGTypes_;
-    BlockHierarchyMap* blockHierarchyMap_;
+    std::unique_ptr<BlockHierarchyMap> blockHierarchyMap_;
     std::unordered_map<std::string, System*> functionSystemIndex_;
     std::vector<VarGroup*> varGroups_;
     std::vector<VelType*> velTypes_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "vel/mi/Handle.hpp"
 #include "vel/tuvArray.hpp"
 #include "velcg/Export.hpp"
@@ -39,11 +41,11 @@ public:
     // The data interface as a host value; empty when there is none.
     tuvArrayPtr getDataInterfaceAsTuvArray() const;
 
-    DataInterfaceRecordImpl* getImpl() { return impl_; }
-    const DataInterfaceRecordImpl* getImpl() const { return impl_; }
+    DataInterfaceRecordImpl* getImpl() { return impl_.get(); }
+    const DataInterfaceRecordImpl* getImpl() const { return impl_.get(); }
 
 private:
-    DataInterfaceRecordImpl* impl_;
+    std::unique_ptr<DataInterfaceRecordImpl> impl_;
 };
 
 // The script-visible record, "VelCG.DataInterfaceRecord".

@@ -60,7 +60,9 @@ public:
     FileRepScrivBridge& operator=(const FileRepScrivBridge&) = delete;
     virtual ~FileRepScrivBridge();
 
-    VelCGFile& getFileFromIndex(std::int32_t fileIndex) const;
+    // The file at fileIndex; through a const bridge, only to read.
+    VelCGFile& getFileFromIndex(std::int32_t fileIndex);
+    const VelCGFile& getFileFromIndex(std::int32_t fileIndex) const;
 
     bool isBooleanAttribute(const std::string& name) const;
     // True for every section name too.
@@ -85,8 +87,10 @@ public:
     // Appends the custom sections the template did not place to the section.
     void appendMissingTokens(std::int32_t fileIndex, const std::string& sectionName);
     // Writes the named section of the file to an open stream; the caller
-    // opens and closes it.
-    void writeSection(std::int32_t fileIndex, const std::string& sectionName, std::FILE* stream) const;
+    // opens and closes it. Not const: writing first places the custom
+    // sections the template declared but never placed, and marks them
+    // retrieved (see VelCGFile::writeSectionToFile).
+    void writeSection(std::int32_t fileIndex, const std::string& sectionName, std::FILE* stream);
 
 private:
     using BooleanSetter = boost::function<void(VelCGFile&, bool)>;
@@ -114,7 +118,7 @@ private:
     const std::string& getFileSectionContent(const VelCGFile& file, VelCGFileSectionKind kind) const;
     void addFileCustomSection(VelCGFile& file, const char* customSectionName, VelCGFileSectionKind kind);
     void appendFileSectionTokens(VelCGFile& file, VelCGFileSectionKind kind);
-    void writeFileSectionToDisk(VelCGFile& file, std::FILE* stream, VelCGFileSectionKind kind) const;
+    void writeFileSectionToDisk(VelCGFile& file, std::FILE* stream, VelCGFileSectionKind kind);
     void addFileSectionContent(VelCGFile& file, const boost::shared_ptr<FileSectionFragment>& fragment,
                                VelCGFileSectionKind kind);
 

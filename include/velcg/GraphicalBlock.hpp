@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -64,8 +65,8 @@ public:
     bool isDataStoreMemory() const override;
     const CGModel* getCGModel() const override;
 
-    GraphicalBlockIF* getImpl() { return impl_; }
-    const GraphicalBlockIF* getImpl() const { return impl_; }
+    GraphicalBlockIF* getImpl() { return impl_.get(); }
+    const GraphicalBlockIF* getImpl() const { return impl_.get(); }
 
     const GraphicalSubsystem* getParentSubsystem() const { return parentSubsystem_; }
     void setParentSubsystem(const GraphicalSubsystem* parent) { parentSubsystem_ = parent; }
@@ -96,7 +97,7 @@ private:
     static tuvArrayPtr getDataInterfaceRecordsListAsTuvArray(
         const std::vector<DataInterfaceRecord*>& records);
 
-    GraphicalBlockIF* impl_;
+    std::unique_ptr<GraphicalBlockIF> impl_;
     const GraphicalSubsystem* parentSubsystem_ = nullptr;
 };
 

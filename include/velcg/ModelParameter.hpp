@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -76,11 +77,11 @@ public:
     // graphical reference raises "VelCG:Model:NullArgument".
     coder::descriptor::ModelParameter serialize(coder::Repository& repository) const;
 
-    ModelParameterImpl* getImpl() { return impl_; }
-    const ModelParameterImpl* getImpl() const { return impl_; }
+    ModelParameterImpl* getImpl() { return impl_.get(); }
+    const ModelParameterImpl* getImpl() const { return impl_.get(); }
 
 private:
-    ModelParameterImpl* impl_;
+    std::unique_ptr<ModelParameterImpl> impl_;
 };
 
 // The script-visible model parameter, "VelCG.ModelParameter".

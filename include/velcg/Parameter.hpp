@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -49,11 +50,11 @@ public:
     // repository. A null model parameter raises "VelCG:Model:NullArgument".
     coder::descriptor::BlockParameter serialize(coder::Repository& repository) const;
 
-    ParameterImpl* getImpl() { return impl_; }
-    const ParameterImpl* getImpl() const { return impl_; }
+    ParameterImpl* getImpl() { return impl_.get(); }
+    const ParameterImpl* getImpl() const { return impl_.get(); }
 
 private:
-    ParameterImpl* impl_;
+    std::unique_ptr<ParameterImpl> impl_;
 };
 
 // The script-visible block parameter, "VelCG.Parameter".

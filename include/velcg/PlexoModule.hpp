@@ -18,15 +18,19 @@ struct PlexoFcnTable {
     void (*terminate)();      // PlexoTerminate_velcg
 };
 
-// Registers the package "VelCG" with the host object system. Only the first
-// call in a process does anything.
-VELCG_C_EXPORT void PlexoInitialize_velcg();
+// Registers the package "VelCG" with the host object system. Once a call
+// has succeeded, later calls in the process do nothing. A failure is not
+// thrown (nothing crosses the C boundary): it is reported through
+// reportDiagnostic (velcg/ModelDiagnostics.hpp), and the next call tries
+// again.
+VELCG_C_EXPORT void PlexoInitialize_velcg() noexcept;
 
 // Runs the package's termination (its classes leave the object system).
-// Only the first call in a process does anything; there is no
-// re-initialisation after it.
-VELCG_C_EXPORT void PlexoTerminate_velcg();
+// Once a call has succeeded, later calls do nothing; there is no
+// re-initialisation after it. Failures are reported as by
+// PlexoInitialize_velcg.
+VELCG_C_EXPORT void PlexoTerminate_velcg() noexcept;
 
 // The module's static function table.
-VELCG_C_EXPORT const PlexoFcnTable* QueryPlexoFcnTable_velcg();
+VELCG_C_EXPORT const PlexoFcnTable* QueryPlexoFcnTable_velcg() noexcept;
 }

@@ -15,6 +15,7 @@ class System;
 
 namespace VelCG {
 
+class CGModel;
 class GraphicalBlock;
 
 // One generated system: a unit of generated code with its entry functions.
@@ -22,6 +23,8 @@ class GraphicalBlock;
 // overridden by the code generator's own system class.
 //
 // The call-site blocks are not owned; they belong to the graphical model.
+// The model pointer is not owned either: CGModel::addSystem sets it to the
+// model that takes the system.
 class VELCG_API System : public vel::mi::Handle {
 public:
     System() = default;
@@ -51,6 +54,13 @@ public:
     bool isModelReferenceBaseSystem() const { return isModelReferenceBaseSystem_; }
     void setIsModelReferenceBaseSystem(bool value) { isModelReferenceBaseSystem_ = value; }
 
+    // The model that owns the system; null until a model takes it.
+    const CGModel* getCGModel() const { return model_; }
+    void setCGModel(const CGModel* model) { model_ = model; }
+
+    // REQUIRES: each call site outlives every read of it (serialize). Host
+    // scripts, which cannot ensure that, may set only blocks that the
+    // system's own model owns ("VelCG:Model:InvalidOwnership" otherwise).
     const std::vector<GraphicalBlock*>& getGraphicalCallsites() const { return graphicalCallsites_; }
     void setGraphicalCallsites(const std::vector<GraphicalBlock*>& blocks) { graphicalCallsites_ = blocks; }
     void addGraphicalCallsite(GraphicalBlock* block) { graphicalCallsites_.push_back(block); }
@@ -77,6 +87,7 @@ private:
     unsigned int systemCode_ = 3;
     bool isModelReferenceBaseSystem_ = false;
     std::vector<GraphicalBlock*> graphicalCallsites_;
+    const CGModel* model_ = nullptr;
 };
 
 } // namespace VelCG

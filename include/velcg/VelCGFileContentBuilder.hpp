@@ -10,6 +10,10 @@ namespace VelCG {
 class FileSection;
 class VelCGFileContent;
 
+namespace files_detail {
+enum class FileKind : int;
+} // namespace files_detail
+
 // Builds the section table of one kind of file, one step per section kind.
 // VelCGFileContentCreator::createFileContent drives a builder: buildContent,
 // then the 22 section steps in kind order, then getFileContent.
@@ -23,7 +27,7 @@ class VelCGFileContent;
 // leaves it alone.
 class VELCG_API VelCGFileContentBuilder {
 public:
-    VelCGFileContentBuilder() = default;
+    VelCGFileContentBuilder();
     VelCGFileContentBuilder(const VelCGFileContentBuilder&) = delete;
     VelCGFileContentBuilder& operator=(const VelCGFileContentBuilder&) = delete;
     virtual ~VelCGFileContentBuilder();
@@ -52,8 +56,9 @@ public:
     virtual void buildDocumentationSection();
     virtual void buildUserBottomSection();
 
-    // The table built so far (null if buildContent allocated none). The
-    // caller takes ownership of it.
+    // Hands out the table built so far, once: the caller takes ownership,
+    // and later calls answer null until buildContent starts a new table.
+    // Null as well when buildContent allocated none.
     virtual VelCGFileContent* getFileContent();
 
 protected:
@@ -64,34 +69,17 @@ protected:
     void placeSection(VelCGFileSectionKind kind, std::unique_ptr<FileSection> section);
 
 private:
-    VelCGFileContent* content_ = nullptr;
-    bool handedOut_ = false;
+    std::unique_ptr<VelCGFileContent> content_;
 };
 
-// Builds the module file's sections: Includes (IncludesSection), Defines,
-// Typedefs, ForwardDecls, ExternData, ExternFcns, FcnPrototypes,
-// Declarations, Functions (FunctionsSection) and Documentation.
-class VELCG_API VelCGModuleFileContentBuilder : public VelCGFileContentBuilder {
+// The builder of one file kind: buildContent allocates the table, and each
+// section step places the section of its kind when the library's table of
+// the file kinds' sections gives the file kind one (an IncludesSection, a
+// FunctionsSection or a plain FileSection, as the table says) and does
+// nothing otherwise. The three builders below differ only in their file kind.
+class VELCG_API VelCGFileKindContentBuilder : public VelCGFileContentBuilder {
 public:
-    ~VelCGModuleFileContentBuilder() override;
-    void buildContent() override;
-    void buildIncludesSection() override;
-    void buildDefinesSection() override;
-    void buildTypedefsSection() override;
-    void buildForwardDeclarationsSection() override;
-    void buildExternDataSection() override;
-    void buildExternFcnsSection() override;
-    void buildFcnPrototypesSection() override;
-    void buildDeclarationsSection() override;
-    void buildFunctionsSection() override;
-    void buildDocumentationSection() override;
-};
-
-// Builds all 22 sections of a generic file; Includes is an IncludesSection,
-// every other one (Functions included) a plain FileSection.
-class VELCG_API VelCGSGenericFileContentBuilder : public VelCGFileContentBuilder {
-public:
-    ~VelCGSGenericFileContentBuilder() override;
+    ~VelCGFileKindContentBuilder() override;
     void buildContent() override;
     void buildBannerSection() override;
     void buildIncludesSection() override;
@@ -115,17 +103,35 @@ public:
     void buildCompilerWarningsSection() override;
     void buildDocumentationSection() override;
     void buildUserBottomSection() override;
+
+protected:
+    explicit VelCGFileKindContentBuilder(files_detail::FileKind fileKind);
+
+private:
+    void buildSection(VelCGFileSectionKind kind);
+
+    files_detail::FileKind fileKind_;
 };
 
-// Builds the data-types file's sections: Includes (IncludesSection),
-// Defines and Typedefs.
-class VELCG_API VelCGSDataTypesFileContentBuilder : public VelCGFileContentBuilder {
+// Builds the sections of a module file (VelCGModuleFile).
+class VELCG_API VelCGModuleFileContentBuilder : public VelCGFileKindContentBuilder {
 public:
+    VelCGModuleFileContentBuilder();
+    ~VelCGModuleFileContentBuilder() override;
+};
+
+// Builds the sections of a generic file (VelCGGenericFile): all 22.
+class VELCG_API VelCGSGenericFileContentBuilder : public VelCGFileKindContentBuilder {
+public:
+    VelCGSGenericFileContentBuilder();
+    ~VelCGSGenericFileContentBuilder() override;
+};
+
+// Builds the sections of a data-types file (VelCGDataTypesFile).
+class VELCG_API VelCGSDataTypesFileContentBuilder : public VelCGFileKindContentBuilder {
+public:
+    VelCGSDataTypesFileContentBuilder();
     ~VelCGSDataTypesFileContentBuilder() override;
-    void buildContent() override;
-    void buildIncludesSection() override;
-    void buildDefinesSection() override;
-    void buildTypedefsSection() override;
 };
 
 } // namespace VelCG

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 
 #if defined(_WIN32)
@@ -9,6 +11,7 @@
 #endif
 
 #include "korb/ObjectSystem.hpp"
+#include "korb/PackageInfo.hpp"
 #include "vel/feature/Feature.hpp"
 #include "velcg/PlexoModule.hpp"
 
@@ -103,6 +106,32 @@ TEST(PlexoModule, EntryPointsResolveByPlainNamesAndEachRunsOnce) {
     init();
     EXPECT_EQ(1u, packagesNamed("VelCG"));
     EXPECT_TRUE(system.getPackageClasses("VelCG").empty()) << "no re-initialisation after termination";
+}
+
+// A package that holds the library's package name before the library registers its own.
+class NameSquatter final : public korb::PackageInfo {
+public:
+    const char* getName() const override { return "VelCG"; }
+    void registerClasses(korb::ObjectSystem&) override {}
+};
+
+// Runs in a fresh process: the package name is taken there before the first
+// initialisation, which must then fail without throwing and stay retryable.
+TEST(PlexoModuleDeathTest, AFailedInitializationIsReportedNotThrownAndTriedAgain) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            ASSERT_NE(nullptr, library()) << loadError();
+            auto init = entryPoint<void (*)()>("PlexoInitialize_velcg");
+            korb::ObjectSystem::instance().addPackage(std::make_unique<NameSquatter>());
+            init();
+            init();
+            std::exit(korb::ObjectSystem::instance().findClass("VelCG.CGModel") ? 3 : 0);
+        },
+        ::testing::ExitedWithCode(0),
+        // Reported by the default reporter on each call: the failure did not
+        // mark the entry point as done.
+        "warning: Korb:DuplicatePackage: .*\nwarning: Korb:DuplicatePackage: ");
 }
 
 } // namespace

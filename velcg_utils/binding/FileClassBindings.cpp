@@ -1,9 +1,10 @@
+#include <cassert>
 #include <string>
 #include <vector>
 
 #include "ClassBindings.hpp"
+#include "files/FileKindSections.hpp"
 #include "korb/ClassInfo.hpp"
-#include "korb/HostTraits.hpp"
 #include "velcg/FileSection.hpp"
 #include "velcg/FunctionsSection.hpp"
 #include "velcg/IncludesSection.hpp"
@@ -13,40 +14,6 @@
 #include "velcg/VelCGFileSectionKind.hpp"
 #include "velcg/VelCGGenericFile.hpp"
 #include "velcg/VelCGModuleFile.hpp"
-
-// Host value conversions of the generated-file classes. Only this file binds
-// these types, so the specializations live beside their single use.
-namespace korb {
-
-// A section kind from scripts: its enumerator name as a character vector
-// (unknown names answer BANNER_SECTION, see getSectionKindFromEnumName) or
-// its numeric value.
-template <>
-struct HostTraits<VelCG::VelCGFileSectionKind> {
-    static constexpr const char* typeName = kCharVector;
-    static tuvArrayPtr toArray(VelCG::VelCGFileSectionKind kind) {
-        return tuvArray::fromUtf8(VelCG::getSectionKindEnumName(kind));
-    }
-    static VelCG::VelCGFileSectionKind fromArray(const tuvArray& a) {
-        if (a.classId() == tuvClass::Char) return VelCG::getSectionKindFromEnumName(a.toUtf8());
-        return static_cast<VelCG::VelCGFileSectionKind>(
-            detail::toInteger(a, INT32_MIN, INT32_MAX, "section kind"));
-    }
-};
-
-// The repository's file list, delivered under its own host type name.
-template <>
-struct HostTraits<std::vector<VelCG::VelCGFile*>> {
-    static constexpr const char* typeName = "VelCG.VelCGFile vector";
-    static tuvArrayPtr toArray(const std::vector<VelCG::VelCGFile*>& files) {
-        std::vector<vel::mi::HandleRef> refs;
-        refs.reserve(files.size());
-        for (const VelCG::VelCGFile* f : files) refs.push_back(f->makeRef());
-        return tuvArray::objects(std::move(refs));
-    }
-};
-
-} // namespace korb
 
 namespace VelCG::binding {
 
@@ -107,46 +74,18 @@ void declareVelCGFile(ClassInfo& c) {
     c.method("hasSection", method(&VelCGFile::hasSection));
 }
 
-void declareModuleFile(ClassInfo& c) {
-    using F = VelCGModuleFile;
+// A file kind's class: the named section accessors that the table of the
+// file kinds' sections gives it, in the table's order.
+void declareFileKind(ClassInfo& c, files_detail::FileKind file) {
     c.superclass("VelCG.VelCGFile");
-    c.method("getIncludesSection", method(&F::korb_getIncludesSection));
-    c.method("getTypedefsSection", method(&F::korb_getTypedefsSection));
-    c.method("getExternFunctionsSection", method(&F::korb_getExternFunctionsSection));
-    c.method("getExternDataSection", method(&F::korb_getExternDataSection));
-    c.method("getFunctionPrototypesSection", method(&F::korb_getFunctionPrototypesSection));
-    c.method("getDeclarationsSection", method(&F::korb_getDeclarationsSection));
-    c.method("getDefinesSection", method(&F::korb_getDefinesSection));
-    c.method("getFunctionsSection", method(&F::korb_getFunctionsSection));
-    c.method("getForwardDeclarationsSection", method(&F::korb_getForwardDeclarationsSection));
-    c.method("getDocumentationSection", method(&F::korb_getDocumentationSection));
-}
-
-void declareDataTypesFile(ClassInfo& c) {
-    using F = VelCGDataTypesFile;
-    c.superclass("VelCG.VelCGFile");
-    c.method("getIncludesSection", method(&F::korb_getIncludesSection));
-    c.method("getTypedefsSection", method(&F::korb_getTypedefsSection));
-    c.method("getDefinesSection", method(&F::korb_getDefinesSection));
-}
-
-void declareGenericFile(ClassInfo& c) {
-    using F = VelCGGenericFile;
-    c.superclass("VelCG.VelCGFile");
-    c.method("getIncludesSection", method(&F::korb_getIncludesSection));
-    c.method("getDefinesSection", method(&F::korb_getDefinesSection));
-    c.method("getForwardDeclarationsSection", method(&F::korb_getForwardDeclarationsSection));
-    c.method("getTypedefsSection", method(&F::korb_getTypedefsSection));
-    c.method("getEnumsSection", method(&F::korb_getEnumsSection));
-    c.method("getDefinitionsSection", method(&F::korb_getDefinitionsSection));
-    c.method("getExternDataSection", method(&F::korb_getExternDataSection));
-    c.method("getExternFunctionsSection", method(&F::korb_getExternFunctionsSection));
-    c.method("getFunctionPrototypesSection", method(&F::korb_getFunctionPrototypesSection));
-    c.method("getDeclarationsSection", method(&F::korb_getDeclarationsSection));
-    c.method("getFunctionsSection", method(&F::korb_getFunctionsSection));
-    c.method("getCompilerErrorsSection", method(&F::korb_getCompilerErrorsSection));
-    c.method("getCompilerWarningsSection", method(&F::korb_getCompilerWarningsSection));
-    c.method("getDocumentationSection", method(&F::korb_getDocumentationSection));
+    for (int position = 1; position <= files_detail::numberOfAccessors(file); ++position) {
+        const int row = files_detail::rowOfAccessor(file, position);
+        assert(row >= 0 && "the section table numbers a file kind's accessors without gaps");
+        const files_detail::SectionRow& section = files_detail::kSectionRows[row];
+        const VelCGFileSectionKind kind = section.kind;
+        c.method(section.accessor, korb::methodFn<VelCGFile, FileSection*>(
+                                       [kind](VelCGFile& f) { return f.korb_getFileSection(kind); }));
+    }
 }
 
 void declareFileRepository(ClassInfo& c) {
@@ -170,9 +109,15 @@ void appendFileClasses(ClassList& classes) {
     classes.push_back(ClassInfo::make("IncludesSection", "Includes section", declareIncludesSection));
     classes.push_back(
         ClassInfo::make("VelCGFile", "Basic File Object", declareVelCGFile, /*isAbstract=*/true));
-    classes.push_back(ClassInfo::make("VelCGModuleFile", "File section object", declareModuleFile));
-    classes.push_back(ClassInfo::make("VelCGDataTypesFile", "Data types file object", declareDataTypesFile));
-    classes.push_back(ClassInfo::make("VelCGGenericFile", "Generic file object", declareGenericFile));
+    const auto fileKind = [](files_detail::FileKind file) {
+        return [file](ClassInfo& c) { declareFileKind(c, file); };
+    };
+    classes.push_back(
+        ClassInfo::make("VelCGModuleFile", "File section object", fileKind(files_detail::FileKind::Module)));
+    classes.push_back(ClassInfo::make("VelCGDataTypesFile", "Data types file object",
+                                      fileKind(files_detail::FileKind::DataTypes)));
+    classes.push_back(ClassInfo::make("VelCGGenericFile", "Generic file object",
+                                      fileKind(files_detail::FileKind::Generic)));
     classes.push_back(
         ClassInfo::make("VelCGFileRepository", "File Repository Object", declareFileRepository));
 }

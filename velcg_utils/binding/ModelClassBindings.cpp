@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <functional>
+#include <unordered_set>
 
 #include "ClassBindings.hpp"
 #include "korb/ClassInfo.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGTypeMember.hpp"
@@ -22,19 +24,6 @@
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
 
-// Enumerations reach scripts as their names.
-namespace korb {
-template <>
-struct HostTraits<VelCG::BlockVirtuality>
-    : EnumNameTraits<VelCG::BlockVirtuality, &VelCG::GraphicalBlock::getStringForBlockVirtuality> {};
-template <>
-struct HostTraits<VelCG::GraphicalSubsystemType>
-    : EnumNameTraits<VelCG::GraphicalSubsystemType, &VelCG::GraphicalSubsystem::getStringForSubsystemType> {};
-template <>
-struct HostTraits<VelCG::VarGroupEnum>
-    : EnumNameTraits<VelCG::VarGroupEnum, &VelCG::VarGroup::getStringforCategory> {};
-} // namespace korb
-
 namespace VelCG::binding {
 
 namespace {
@@ -47,12 +36,46 @@ using korb::method;
 using korb::setter;
 using korb::setterFn;
 
+// Every block that model owns: the blocks of its hierarchy map's subsystems,
+// its async-queue blocks and, recursively, their leaves.
+std::unordered_set<const GraphicalBlock*> blocksOwnedBy(const CGModel& model) {
+    std::unordered_set<const GraphicalBlock*> owned;
+    for (const GraphicalSubsystem* subsystem : model.getBlockHierarchyMap()->getSubsystems())
+        owned.insert(subsystem->getBlocks().begin(), subsystem->getBlocks().end());
+    std::vector<const ToAsyncQueueBlock*> queued(model.getTAQBlocks().begin(), model.getTAQBlocks().end());
+    while (!queued.empty()) {
+        const ToAsyncQueueBlock* block = queued.back();
+        queued.pop_back();
+        owned.insert(block);
+        queued.insert(queued.end(), block->getLeafElements().begin(), block->getLeafElements().end());
+    }
+    return owned;
+}
+
+// A system does not own its call sites, and a script could otherwise name a
+// block of another model that dies first, leaving the system pointing at freed
+// memory. Scripts may therefore only name blocks that the system's own model
+// owns, which live as long as the system.
+void setGraphicalCallsitesFromScript(System& system, const std::vector<GraphicalBlock*>& blocks) {
+    if (!blocks.empty()) {
+        const CGModel* model = system.getCGModel();
+        if (!model) throwNoModel("A system whose call sites a script sets");
+        const auto owned = blocksOwnedBy(*model);
+        for (GraphicalBlock* block : blocks)
+            if (!owned.count(block))
+                throwInvalidOwnership("The block '" + vel::i18n::toUtf8(block->getName()) +
+                                      "' cannot be a call site of the system: scripts can only give a "
+                                      "system blocks of its own model.");
+    }
+    system.setGraphicalCallsites(blocks);
+}
+
 std::unique_ptr<ClassInfo> systemClass() {
     return ClassInfo::make("System", "VelCG System object", [](ClassInfo& c) {
         c.superclass(kHeterogeneous);
         c.property("Identifier", getter(&System::getIdentifier), setter(&System::setIdentifier));
         c.property("GraphicalCallsites", getter(&System::getGraphicalCallsites),
-                   setter(&System::setGraphicalCallsites));
+                   setterFn<System, std::vector<GraphicalBlock*>>(&setGraphicalCallsitesFromScript));
         c.property("StartFcn", getter(&System::getStartFcn), setter(&System::setStartFcn));
         c.property("OutputFcn", getter(&System::getOutputFcn), setter(&System::setOutputFcn));
         c.property("UpdateFcn", getter(&System::getUpdateFcn), setter(&System::setUpdateFcn));

@@ -1,5 +1,8 @@
 #include "velcg/VelCGFileContentBuilder.hpp"
 
+#include <cassert>
+
+#include "FileKindSections.hpp"
 #include "velcg/FileSection.hpp"
 #include "velcg/FunctionsSection.hpp"
 #include "velcg/IncludesSection.hpp"
@@ -9,9 +12,8 @@ namespace VelCG {
 
 // Base builder: every step does nothing.
 
-VelCGFileContentBuilder::~VelCGFileContentBuilder() {
-    if (!handedOut_) delete content_;
-}
+VelCGFileContentBuilder::VelCGFileContentBuilder() = default;
+VelCGFileContentBuilder::~VelCGFileContentBuilder() = default;
 
 void VelCGFileContentBuilder::buildContent() {}
 void VelCGFileContentBuilder::buildBannerSection() {}
@@ -37,97 +39,87 @@ void VelCGFileContentBuilder::buildCompilerWarningsSection() {}
 void VelCGFileContentBuilder::buildDocumentationSection() {}
 void VelCGFileContentBuilder::buildUserBottomSection() {}
 
-VelCGFileContent* VelCGFileContentBuilder::getFileContent() {
-    if (content_) handedOut_ = true;
-    return content_;
-}
+VelCGFileContent* VelCGFileContentBuilder::getFileContent() { return content_.release(); }
 
-void VelCGFileContentBuilder::startContent() {
-    if (!handedOut_) delete content_;
-    content_ = new VelCGFileContent;
-    handedOut_ = false;
-}
+void VelCGFileContentBuilder::startContent() { content_ = std::make_unique<VelCGFileContent>(); }
 
 void VelCGFileContentBuilder::placeSection(VelCGFileSectionKind kind, std::unique_ptr<FileSection> section) {
     if (content_) content_->setSection(kind, std::move(section));
 }
 
+// Builders of the file kinds: each step looks its slot up in the table.
+
 namespace {
-template <class Section>
-std::unique_ptr<FileSection> make() {
-    return std::make_unique<Section>();
+std::unique_ptr<FileSection> makeSection(files_detail::SectionType type) {
+    switch (type) {
+        case files_detail::SectionType::Plain:
+            return std::make_unique<FileSection>();
+        case files_detail::SectionType::Includes:
+            return std::make_unique<IncludesSection>();
+        case files_detail::SectionType::Functions:
+            return std::make_unique<FunctionsSection>();
+    }
+    assert(false && "a section table row names no section type");
+    return std::make_unique<FileSection>();
 }
 } // namespace
 
-// Each step below checks for a table before allocating, so a builder whose
-// buildContent was skipped allocates nothing.
-#define VELCG_BUILD_STEP(Builder, Step, Kind, Section)         \
-    void Builder::Step() {                                     \
-        if (hasContent()) placeSection(Kind, make<Section>()); \
-    }
+VelCGFileKindContentBuilder::VelCGFileKindContentBuilder(files_detail::FileKind fileKind)
+    : fileKind_(fileKind) {}
 
-// Module files.
+VelCGFileKindContentBuilder::~VelCGFileKindContentBuilder() = default;
 
+void VelCGFileKindContentBuilder::buildContent() { startContent(); }
+
+// Checks for a table before allocating, so that a builder whose buildContent
+// was skipped allocates nothing.
+void VelCGFileKindContentBuilder::buildSection(VelCGFileSectionKind kind) {
+    if (!hasContent()) return;
+    const files_detail::Slot& slot = files_detail::slotOf(fileKind_, kind);
+    if (slot.present) placeSection(kind, makeSection(slot.type));
+}
+
+void VelCGFileKindContentBuilder::buildBannerSection() { buildSection(BANNER_SECTION); }
+void VelCGFileKindContentBuilder::buildIncludesSection() { buildSection(INCLUDES_SECTION); }
+void VelCGFileKindContentBuilder::buildModelTypesIncludesSection() {
+    buildSection(MODELTYPES_INCLUDES_SECTION);
+}
+void VelCGFileKindContentBuilder::buildModelTypesDefinesSection() {
+    buildSection(MODELTYPES_DEFINES_SECTION);
+}
+void VelCGFileKindContentBuilder::buildDefinesSection() { buildSection(DEFINES_SECTION); }
+void VelCGFileKindContentBuilder::buildModelTypesTypedefsSection() {
+    buildSection(MODELTYPES_TYPEDEFS_SECTION);
+}
+void VelCGFileKindContentBuilder::buildIntrinsicTypesSection() { buildSection(INTRINSIC_TYPES_SECTION); }
+void VelCGFileKindContentBuilder::buildPrimitiveTypedefsSection() {
+    buildSection(PRIMITIVE_TYPEDEFS_SECTION);
+}
+void VelCGFileKindContentBuilder::buildUserTopSection() { buildSection(USERTOP_SECTION); }
+void VelCGFileKindContentBuilder::buildTypedefsSection() { buildSection(TYPEDEFS_SECTION); }
+void VelCGFileKindContentBuilder::buildForwardDeclarationsSection() { buildSection(FORWARD_DECLS_SECTION); }
+void VelCGFileKindContentBuilder::buildEnumsSection() { buildSection(ENUMERATIONS_SECTION); }
+void VelCGFileKindContentBuilder::buildDefinitionsSection() { buildSection(DEFINITIONS_SECTION); }
+void VelCGFileKindContentBuilder::buildExternDataSection() { buildSection(EXTERN_DATA_SECTION); }
+void VelCGFileKindContentBuilder::buildExternFcnsSection() { buildSection(EXTERN_FCNS_SECTION); }
+void VelCGFileKindContentBuilder::buildFcnPrototypesSection() { buildSection(FCN_PROTOTYPES_SECTION); }
+void VelCGFileKindContentBuilder::buildDeclarationsSection() { buildSection(DECLARATIONS_SECTION); }
+void VelCGFileKindContentBuilder::buildFunctionsSection() { buildSection(FUNCTIONS_SECTION); }
+void VelCGFileKindContentBuilder::buildCompilerErrorsSection() { buildSection(COMPILER_ERRORS_SECTION); }
+void VelCGFileKindContentBuilder::buildCompilerWarningsSection() { buildSection(COMPILER_WARNINGS_SECTION); }
+void VelCGFileKindContentBuilder::buildDocumentationSection() { buildSection(DOCUMENTATION_SECTION); }
+void VelCGFileKindContentBuilder::buildUserBottomSection() { buildSection(USERBOTTOM_SECTION); }
+
+VelCGModuleFileContentBuilder::VelCGModuleFileContentBuilder()
+    : VelCGFileKindContentBuilder(files_detail::FileKind::Module) {}
 VelCGModuleFileContentBuilder::~VelCGModuleFileContentBuilder() = default;
-void VelCGModuleFileContentBuilder::buildContent() { startContent(); }
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildIncludesSection, INCLUDES_SECTION, IncludesSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildDefinesSection, DEFINES_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildTypedefsSection, TYPEDEFS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildForwardDeclarationsSection, FORWARD_DECLS_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildExternDataSection, EXTERN_DATA_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildExternFcnsSection, EXTERN_FCNS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildFcnPrototypesSection, FCN_PROTOTYPES_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildDeclarationsSection, DECLARATIONS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildFunctionsSection, FUNCTIONS_SECTION, FunctionsSection)
-VELCG_BUILD_STEP(VelCGModuleFileContentBuilder, buildDocumentationSection, DOCUMENTATION_SECTION, FileSection)
 
-// Generic files.
-
+VelCGSGenericFileContentBuilder::VelCGSGenericFileContentBuilder()
+    : VelCGFileKindContentBuilder(files_detail::FileKind::Generic) {}
 VelCGSGenericFileContentBuilder::~VelCGSGenericFileContentBuilder() = default;
-void VelCGSGenericFileContentBuilder::buildContent() { startContent(); }
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildBannerSection, BANNER_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildIncludesSection, INCLUDES_SECTION, IncludesSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesIncludesSection, MODELTYPES_INCLUDES_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesDefinesSection, MODELTYPES_DEFINES_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDefinesSection, DEFINES_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildModelTypesTypedefsSection, MODELTYPES_TYPEDEFS_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildIntrinsicTypesSection, INTRINSIC_TYPES_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildPrimitiveTypedefsSection, PRIMITIVE_TYPEDEFS_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildUserTopSection, USERTOP_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildTypedefsSection, TYPEDEFS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildForwardDeclarationsSection, FORWARD_DECLS_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildEnumsSection, ENUMERATIONS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDefinitionsSection, DEFINITIONS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildExternDataSection, EXTERN_DATA_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildExternFcnsSection, EXTERN_FCNS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildFcnPrototypesSection, FCN_PROTOTYPES_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDeclarationsSection, DECLARATIONS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildFunctionsSection, FUNCTIONS_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildCompilerErrorsSection, COMPILER_ERRORS_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildCompilerWarningsSection, COMPILER_WARNINGS_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildDocumentationSection, DOCUMENTATION_SECTION,
-                 FileSection)
-VELCG_BUILD_STEP(VelCGSGenericFileContentBuilder, buildUserBottomSection, USERBOTTOM_SECTION, FileSection)
 
-// Data-types files.
-
+VelCGSDataTypesFileContentBuilder::VelCGSDataTypesFileContentBuilder()
+    : VelCGFileKindContentBuilder(files_detail::FileKind::DataTypes) {}
 VelCGSDataTypesFileContentBuilder::~VelCGSDataTypesFileContentBuilder() = default;
-void VelCGSDataTypesFileContentBuilder::buildContent() { startContent(); }
-VELCG_BUILD_STEP(VelCGSDataTypesFileContentBuilder, buildIncludesSection, INCLUDES_SECTION, IncludesSection)
-VELCG_BUILD_STEP(VelCGSDataTypesFileContentBuilder, buildDefinesSection, DEFINES_SECTION, FileSection)
-VELCG_BUILD_STEP(VelCGSDataTypesFileContentBuilder, buildTypedefsSection, TYPEDEFS_SECTION, FileSection)
-
-#undef VELCG_BUILD_STEP
 
 } // namespace VelCG

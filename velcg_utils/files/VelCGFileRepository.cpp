@@ -1,5 +1,6 @@
 #include "velcg/VelCGFileRepository.hpp"
 
+#include "OwnedList.hpp"
 #include "velcg/FileRepScrivBridge.hpp"
 #include "velcg/VelCGDataTypesFile.hpp"
 #include "velcg/VelCGGenericFile.hpp"
@@ -17,8 +18,7 @@ VelCGModuleFile* lookup(const boost::unordered_map<std::int32_t, VelCGModuleFile
 VelCGFileRepository::VelCGFileRepository() : bridge_(std::make_unique<FileRepScrivBridge>(*this)) {}
 
 VelCGFileRepository::~VelCGFileRepository() {
-    for (VelCGFile* file : files_) delete file;
-    files_.clear();
+    detail::deleteAll(files_);
     bridge_.reset();
 }
 

@@ -46,6 +46,15 @@ const IncludesSection* includesOf(const VelCGFile& file) {
 }
 const std::vector<std::string> kNoIncludes;
 
+// The file at fileIndex of the repository's live list: a bridge call must not
+// cost more as the repository grows.
+VelCGFile& fileAt(const std::vector<VelCGFile*>& files, std::int32_t fileIndex) {
+    if (fileIndex < 0 || static_cast<std::size_t>(fileIndex) >= files.size())
+        vel::diag::throwError("VelCG:FileRepScrivBridge:InvalidFileIndex",
+                              {std::to_string(fileIndex), std::to_string(files.size())});
+    return *files[static_cast<std::size_t>(fileIndex)];
+}
+
 // The handler a table holds for name; raises through fail when it holds none.
 template <class Table, class Fail>
 const typename Table::mapped_type& handlerFor(const Table& table, const std::string& name, Fail fail) {
@@ -163,13 +172,12 @@ void FileRepScrivBridge::fillSectionTables() {
     };
 }
 
-VelCGFile& FileRepScrivBridge::getFileFromIndex(std::int32_t fileIndex) const {
-    // The live list: a bridge call must not cost more as the repository grows.
-    const std::vector<VelCGFile*>& files = repository_.getFileList();
-    if (fileIndex < 0 || static_cast<std::size_t>(fileIndex) >= files.size())
-        vel::diag::throwError("VelCG:FileRepScrivBridge:InvalidFileIndex",
-                              {std::to_string(fileIndex), std::to_string(files.size())});
-    return *files[static_cast<std::size_t>(fileIndex)];
+VelCGFile& FileRepScrivBridge::getFileFromIndex(std::int32_t fileIndex) {
+    return fileAt(repository_.getFileList(), fileIndex);
+}
+
+const VelCGFile& FileRepScrivBridge::getFileFromIndex(std::int32_t fileIndex) const {
+    return fileAt(repository_.getFileList(), fileIndex);
 }
 
 bool FileRepScrivBridge::isBooleanAttribute(const std::string& name) const {
@@ -263,7 +271,7 @@ void FileRepScrivBridge::appendMissingTokens(std::int32_t fileIndex, const std::
 }
 
 void FileRepScrivBridge::writeSection(std::int32_t fileIndex, const std::string& sectionName,
-                                      std::FILE* stream) const {
+                                      std::FILE* stream) {
     VelCGFile& file = getFileFromIndex(fileIndex);
     const SectionWriter& write = handlerFor(sectionWriters_, sectionName, unknownSection);
     requireNonNull(stream, "output stream");
@@ -285,7 +293,7 @@ void FileRepScrivBridge::appendFileSectionTokens(VelCGFile& file, VelCGFileSecti
 }
 
 void FileRepScrivBridge::writeFileSectionToDisk(VelCGFile& file, std::FILE* stream,
-                                                VelCGFileSectionKind kind) const {
+                                                VelCGFileSectionKind kind) {
     file.writeSectionToFile(kind, stream);
 }
 

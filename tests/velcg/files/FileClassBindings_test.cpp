@@ -2,8 +2,10 @@
 #include <string>
 
 #include "DiagnosticTesting.hpp"
+#include "korb/Binders.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
+#include "vel/mi/HandleClass.hpp"
 #include "velcg/FileSection.hpp"
 #include "velcg/PlexoModule.hpp"
 #include "velcg/VelCGDataTypesFile.hpp"
@@ -146,7 +148,7 @@ TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAcce
     EXPECT_TRUE(call(module, "hasSection", {str("FUNCTIONS_SECTION")})->logicalValue());
     EXPECT_FALSE(call(module, "hasSection", {tuvArray::float64(23)})->logicalValue());
     EXPECT_FALSE(call(module, "hasSection", {tuvArray::float64(-1)})->logicalValue());
-    EXPECT_EQ("Korb:TypeMismatch",
+    EXPECT_EQ("Korb:InvalidMethodArgument",
               diagnosticOf([&] { call(module, "hasSection", {tuvArray::float64(1.5)}); }));
 
     // FileSection methods.

@@ -1,8 +1,10 @@
 #include "velcg/VelCGFileContentBuilder.hpp"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 
+#include "velcg/FileSection.hpp"
 #include "velcg/VelCGFileContent.hpp"
 #include "velcg/VelCGFileContentCreator.hpp"
 
@@ -24,26 +26,33 @@ public:
     void Step() override {                     \
         calls += label ";";                    \
         VelCGModuleFileContentBuilder::Step(); \
-    }
-    VELCG_RECORD(buildBannerSection, "0")
-    VELCG_RECORD(buildIncludesSection, "1") VELCG_RECORD(buildModelTypesIncludesSection,
-                                                         "2") VELCG_RECORD(buildModelTypesDefinesSection, "3")
-        VELCG_RECORD(buildDefinesSection, "4") VELCG_RECORD(buildModelTypesTypedefsSection, "5")
-            VELCG_RECORD(buildIntrinsicTypesSection, "6") VELCG_RECORD(buildPrimitiveTypedefsSection, "7")
-                VELCG_RECORD(buildUserTopSection, "8") VELCG_RECORD(buildTypedefsSection, "9")
-                    VELCG_RECORD(buildForwardDeclarationsSection, "10") VELCG_RECORD(buildEnumsSection, "11")
-                        VELCG_RECORD(buildDefinitionsSection, "12") VELCG_RECORD(buildExternDataSection, "13")
-                            VELCG_RECORD(buildExternFcnsSection, "14")
-                                VELCG_RECORD(buildFcnPrototypesSection, "15")
-                                    VELCG_RECORD(buildDeclarationsSection, "16")
-                                        VELCG_RECORD(buildFunctionsSection, "17")
-                                            VELCG_RECORD(buildCompilerErrorsSection, "18")
-                                                VELCG_RECORD(buildCompilerWarningsSection, "19")
-                                                    VELCG_RECORD(buildDocumentationSection, "20")
-                                                        VELCG_RECORD(buildUserBottomSection, "21")
+    }                                          \
+    static_assert(true, "") /* takes the semicolon after each use */
+    VELCG_RECORD(buildBannerSection, "0");
+    VELCG_RECORD(buildIncludesSection, "1");
+    VELCG_RECORD(buildModelTypesIncludesSection, "2");
+    VELCG_RECORD(buildModelTypesDefinesSection, "3");
+    VELCG_RECORD(buildDefinesSection, "4");
+    VELCG_RECORD(buildModelTypesTypedefsSection, "5");
+    VELCG_RECORD(buildIntrinsicTypesSection, "6");
+    VELCG_RECORD(buildPrimitiveTypedefsSection, "7");
+    VELCG_RECORD(buildUserTopSection, "8");
+    VELCG_RECORD(buildTypedefsSection, "9");
+    VELCG_RECORD(buildForwardDeclarationsSection, "10");
+    VELCG_RECORD(buildEnumsSection, "11");
+    VELCG_RECORD(buildDefinitionsSection, "12");
+    VELCG_RECORD(buildExternDataSection, "13");
+    VELCG_RECORD(buildExternFcnsSection, "14");
+    VELCG_RECORD(buildFcnPrototypesSection, "15");
+    VELCG_RECORD(buildDeclarationsSection, "16");
+    VELCG_RECORD(buildFunctionsSection, "17");
+    VELCG_RECORD(buildCompilerErrorsSection, "18");
+    VELCG_RECORD(buildCompilerWarningsSection, "19");
+    VELCG_RECORD(buildDocumentationSection, "20");
+    VELCG_RECORD(buildUserBottomSection, "21");
 #undef VELCG_RECORD
 
-                                                            VelCGFileContent* getFileContent() override {
+    VelCGFileContent* getFileContent() override {
         calls += "get;";
         return VelCGModuleFileContentBuilder::getFileContent();
     }
@@ -66,4 +75,20 @@ TEST(VelCGFileContentBuilder, WithoutATableNoStepBuildsAnything) {
     RecordingBuilder withoutTable;
     withoutTable.skipContent = true;
     EXPECT_EQ(nullptr, VelCGFileContentCreator::createFileContent(withoutTable));
+}
+
+TEST(VelCGFileContentBuilder, HandsItsTableOutOnceAndLeavesItAloneAfterwards) {
+    VelCGModuleFileContentBuilder builder;
+    std::unique_ptr<VelCGFileContent> content = VelCGFileContentCreator::createFileContent(builder);
+    ASSERT_NE(nullptr, content);
+    const FileSection* includes = &content->getSection(INCLUDES_SECTION);
+    EXPECT_EQ(nullptr, builder.getFileContent()) << "a second owner would delete the table twice";
+    builder.buildIncludesSection();
+    EXPECT_EQ(includes, &content->getSection(INCLUDES_SECTION))
+        << "a later step replaced a handed-out section";
+
+    builder.buildContent();
+    std::unique_ptr<VelCGFileContent> next(builder.getFileContent());
+    ASSERT_NE(nullptr, next);
+    EXPECT_NE(content.get(), next.get());
 }

@@ -221,6 +221,32 @@ protected:
     korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
 };
 
+// A model with one system, one block in its root subsystem and one
+// async-queue block with one leaf: the blocks a script may name as the
+// system's call sites.
+struct CallSiteModel {
+    std::unique_ptr<CGModel> model = std::make_unique<CGModel>();
+    System* system = nullptr;
+    GraphicalBlock* block = nullptr;
+    ToAsyncQueueBlock* taq = nullptr;
+    ToAsyncQueueBlock* leaf = nullptr;
+
+    CallSiteModel() {
+        auto sys = std::make_unique<System>();
+        system = sys.get();
+        model->addSystem(std::move(sys));
+        auto root = std::make_unique<StoredGraphicalSubsystem>(L"root", GraphicalSubsystemType::Root);
+        block =
+            root->addGraphicalBlock(std::make_unique<GraphicalBlock>(new StoredGraphicalBlock(L"caller")));
+        model->getBlockHierarchyMap()->addGraphicalSubsystem(std::move(root));
+        auto t = std::make_unique<ToAsyncQueueBlock>(new StoredGraphicalBlock(L"queue"));
+        taq = t.get();
+        leaf = new ToAsyncQueueBlock(new StoredGraphicalBlock(L"leaf"));
+        taq->addLeafElement(leaf);
+        model->addTAQBlock(std::move(t));
+    }
+};
+
 TEST_F(ModelClassBindings, RegistersModelClassesInOrderAfterFileClasses) {
     const std::vector<std::array<const char*, 3>> expected = {
         {"System", "VelCG System object", korb::kHeterogeneous},
@@ -643,6 +669,57 @@ TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
               client.callMethod(s.model.makeRef(), "getSystemForFunction", {tuvArray::fromUtf8("f")})
                   ->handles()[0]
                   .get());
+}
+
+TEST_F(ModelClassBindings, ScriptsGiveASystemOnlyCallSitesItsOwnModelOwns) {
+    CallSiteModel own, other;
+    GraphicalBlock loose(new StoredGraphicalBlock(L"loose"));
+    System alone;
+    const struct {
+        const char* what;
+        System* system;
+        std::vector<vel::mi::Handle*> blocks;
+        const char* id;
+        const char* after;
+    } rows[] = {
+        {"a block, an async-queue block and its leaf of the own model",
+         own.system,
+         {own.block, own.taq, own.leaf},
+         "no diagnostic",
+         "<VelCG.GraphicalBlock,VelCG.ToAsyncQueueBlock,VelCG.ToAsyncQueueBlock>"},
+        {"an own block beside a block of another model",
+         own.system,
+         {own.block, other.block},
+         kInvalidOwnershipId,
+         "<>"},
+        {"an async-queue block of another model", own.system, {other.taq}, kInvalidOwnershipId, "<>"},
+        {"a leaf of another model", own.system, {other.leaf}, kInvalidOwnershipId, "<>"},
+        {"a block of no model", own.system, {&loose}, kInvalidOwnershipId, "<>"},
+        {"a block, for a system of no model", &alone, {own.block}, kNoModelId, "<>"},
+        {"no block, for a system of no model", &alone, {}, "no diagnostic", "<>"},
+    };
+    for (const auto& r : rows) {
+        r.system->setGraphicalCallsites({});
+        std::vector<vel::mi::HandleRef> refs;
+        for (vel::mi::Handle* b : r.blocks) refs.push_back(b->makeRef());
+        EXPECT_EQ(r.id, diagnosticOf([&] {
+                      client.setProperty(r.system->makeRef(), "GraphicalCallsites", *tuvArray::objects(refs));
+                  }))
+            << r.what;
+        EXPECT_EQ(r.after, render(*client.getProperty(r.system->makeRef(), "GraphicalCallsites"))) << r.what;
+    }
+}
+
+TEST_F(ModelClassBindings, CallSitesSetByAScriptNeverOutliveTheirBlocks) {
+    CallSiteModel own;
+    auto other = std::make_unique<CallSiteModel>();
+    const auto foreign = tuvArray::objects({other->block->makeRef()});
+    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] {
+                  client.setProperty(own.system->makeRef(), "GraphicalCallsites", *foreign);
+              }));
+    other.reset();
+    // Reading the list again must not reach the destroyed block.
+    EXPECT_EQ("<>", render(*client.getProperty(own.system->makeRef(), "GraphicalCallsites")));
 }
 
 TEST_F(ModelClassBindings, BadIndicesAndOwnershipFromScriptsAreDiagnostics) {
