@@ -63,7 +63,8 @@ TEST(CGModelFactory, ElementsOwnTheirImplementation) {
 }
 
 TEST(CGModelFactory, DataInterfacesAreHeldByReference) {
-    CG::DataInterface* di = CG::DataInterface::create({"model_Params.K", "StructElement", "model_Params", "real_T", "K"});
+    CG::DataInterface* di =
+        CG::DataInterface::create({"model_Params.K", "StructElement", "model_Params", "real_T", "K"});
     {
         auto* impl = new StoredModelParameter(L"K");
         impl->setDataInterface(di);

@@ -246,8 +246,8 @@ TEST(CGModel, BuildsQueriesAndDestroysAWholeModel) {
     {
         CGModel m;
         std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
-        CG::DataInterface* di =
-            CG::DataInterface::create({"model_Signals.y", "StructElement", "model_Signals", "real_T", "Gain"});
+        CG::DataInterface* di = CG::DataInterface::create(
+            {"model_Signals.y", "StructElement", "model_Signals", "real_T", "Gain"});
 
         for (const char* id : {"root", "sub"}) {
             auto s = std::make_unique<System>();
