@@ -110,10 +110,10 @@ std::unique_ptr<CGModel> buildGainModel() {
     }
 
     // ... and as generated code sees them.
-    auto real = CG::Type::floating("real_T", 64);
-    addCGType(*model, "real_T", 0, {}, *real);
-    addCGType(*model, "int32_T", 1, {}, *CG::Type::integer("int32_T", 32, true));
-    addCGType(*model, "boolean_T", 2, {}, *CG::Type::boolean());
+    auto real = CG::Type::floating("double", 64);
+    addCGType(*model, "double", 0, {}, *real);
+    addCGType(*model, "int32_t", 1, {}, *CG::Type::integer("int32_t", 32, true));
+    addCGType(*model, "bool", 2, {}, *CG::Type::boolean());
     addCGType(*model, "gain_model_Inputs", -1, {{"In1", kReal}},
               *CG::Type::structure("gain_model_Inputs", {{"In1", real}}));
     addCGType(*model, "gain_model_Outputs", -1, {{"Out1", kReal}},
@@ -163,7 +163,7 @@ std::unique_ptr<CGModel> buildGainModel() {
     k->setIsWorkspaceVar(true);
     k->setWorkspaceVarName(L"K");
     CG::DataInterface* kInterface =
-        CG::DataInterface::create({"gain_model_Prm.K", "StructElement", "gain_model_Prm", "real_T", "Gain"});
+        CG::DataInterface::create({"gain_model_Prm.K", "StructElement", "gain_model_Prm", "double", "Gain"});
     k->setDataInterface(kInterface);
     kInterface->release();
     std::unique_ptr<ModelParameter> kParameter(factory->createModelParameter(k.release()));
@@ -175,7 +175,7 @@ std::unique_ptr<CGModel> buildGainModel() {
     delay->addDataInputPort(port(*model, "sig_sum"));
     delay->addDataOutputPort(port(*model, "gain_model_X.delay_state"));
     CG::DataInterface* state = CG::DataInterface::create(
-        {"gain_model_X.delay_state", "StructElement", "gain_model_X", "real_T", "Unit Delay"});
+        {"gain_model_X.delay_state", "StructElement", "gain_model_X", "double", "Unit Delay"});
     delay->addDiscreteState(std::unique_ptr<DataInterfaceRecord>(
         factory->createDataInterfaceRecord(new StoredDataInterfaceRecord(state))));
     state->release();

@@ -92,9 +92,10 @@ private:
     VelCG::FileRepScrivBridge& bridge_;
 };
 
-// C types behind the primitive code-generation types.
-const std::map<std::string, std::string> kPrimitives = {
-    {"real_T", "double"}, {"int32_T", "int"}, {"boolean_T", "unsigned char"}};
+// The C99 headers that declare the primitive code-generation types; a
+// type built into C needs none.
+const std::map<std::string, std::string> kPrimitiveHeaders = {
+    {"double", ""}, {"int32_t", "stdint.h"}, {"bool", "stdbool.h"}};
 
 } // namespace
 
@@ -122,13 +123,14 @@ void runTemplates(VelCG::CGModel& model, VelCG::VelCGFileRepository& repository)
         bridge.setAttribute(i, "IsEmpty", false);
     }
 
-    // Data types: primitive typedefs, then one structure per composite type.
+    // Data types: the headers of the primitive types, then one structure per
+    // composite type.
     auto types = m.list("CGTypes");
     out.add(kTypes, "Includes", "#ifndef " + guard + "_TYPES_H\n#define " + guard + "_TYPES_H\n\n");
     for (const auto& t : types) {
-        auto primitive = kPrimitives.find(t.str("Name"));
-        if (primitive != kPrimitives.end())
-            out.add(kTypes, "Typedefs", "typedef " + primitive->second + " " + t.str("Name") + ";\n");
+        auto primitive = kPrimitiveHeaders.find(t.str("Name"));
+        if (primitive != kPrimitiveHeaders.end() && !primitive->second.empty())
+            out.add(kTypes, "Includes", "#include <" + primitive->second + ">\n");
     }
     for (const auto& t : types) {
         auto members = t.list("Members");
@@ -144,7 +146,7 @@ void runTemplates(VelCG::CGModel& model, VelCG::VelCGFileRepository& repository)
     VelCG::CustomContents& typeExtras = repository.getFileList()[kTypes]->getCustomContent();
     bridge.addCustomSection(kTypes, "Types", "SignalTypes");
     typeExtras.addContentToSection("SignalTypes",
-                                   "\n/* Signal types */\ntypedef real_T " + name + "_signal_T;\n");
+                                   "\n/* Signal types */\ntypedef double " + name + "_signal;\n");
     out.add(kTypes, "Typedefs", typeExtras.getCustomSectionContent("SignalTypes", "the data types header"));
     out.add(kTypes, "Typedefs", "\n#endif\n");
 
@@ -168,12 +170,12 @@ void runTemplates(VelCG::CGModel& model, VelCG::VelCGFileRepository& repository)
         if (type == "Gain") {
             Object k = block.list("Parameters").at(0).list("ModelParameters").at(0);
             std::string y = source(block, "DataOutputPorts", 0);
-            locals += "    real_T " + y + ";\n";
+            locals += "    double " + y + ";\n";
             outputs += "    " + y + " = " + k.dataInterfaceIdentifier("DataInterface") + " * " +
                        source(block, "DataInputPorts", 0) + ";\n";
         } else if (type == "Sum") {
             std::string y = source(block, "DataOutputPorts", 0);
-            locals += "    real_T " + y + ";\n";
+            locals += "    double " + y + ";\n";
             outputs += "    " + y + " = " + source(block, "DataInputPorts", 0) + " + " +
                        source(block, "DataInputPorts", 1) + ";\n";
         } else if (type == "Outport") {

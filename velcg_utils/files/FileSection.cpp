@@ -9,21 +9,6 @@
 
 namespace VelCG {
 
-namespace {
-[[maybe_unused]] const bool kCatalogRegistered = [] {
-    vel::diag::MessageCatalog::instance().addCatalog(
-        "VelCG:FileSection",
-        {
-            {"NullContent", "Section content must be a character string, not a null pointer."},
-            {"NullFragment", "A null fragment cannot be added to a file section."},
-            {"NullStream", "Cannot write a file section: the output stream is null."},
-            {"WriteFailed", "Writing {1} byte(s) of a file section to the output stream failed."},
-            {"InvalidFragmentIndex", "Fragment index {1} is out of range for a section of {2} fragment(s)."},
-        });
-    return true;
-}();
-} // namespace
-
 namespace files_detail {
 void writeBytes(std::FILE* stream, const std::string& text) {
     if (!stream) vel::diag::throwError("VelCG:FileSection:NullStream", {});

@@ -5,13 +5,6 @@
 namespace VelCG {
 
 namespace {
-[[maybe_unused]] const bool kCatalogRegistered = [] {
-    vel::diag::MessageCatalog::instance().addCatalog(
-        "VelCG:FunctionsSection",
-        {{"InvalidFunctionIndex", "{1} index {2} is out of range: the section has {3} of them."}});
-    return true;
-}();
-
 [[noreturn]] void invalidIndex(const char* what, std::int64_t index, std::size_t count) {
     vel::diag::throwError("VelCG:FunctionsSection:InvalidFunctionIndex",
                           {what, std::to_string(index), std::to_string(count)});

@@ -13,16 +13,6 @@
 namespace VelCG {
 
 namespace {
-[[maybe_unused]] const bool kCatalogRegistered = [] {
-    vel::diag::MessageCatalog::instance().addCatalog(
-        "VelCG:VelCGFile",
-        {
-            {"NullBuilder", "Cannot create the file '{1}' without a content builder."},
-            {"NullStream", "Cannot write section '{2}' of file '{1}': the output stream is null."},
-        });
-    return true;
-}();
-
 std::unique_ptr<VelCGFileContent> buildContent(const std::string& name,
                                                std::unique_ptr<VelCGFileContentBuilder> builder) {
     if (!builder) vel::diag::throwError("VelCG:VelCGFile:NullBuilder", {name});

@@ -5,13 +5,6 @@
 namespace VelCG {
 
 namespace {
-[[maybe_unused]] const bool kCatalogRegistered = [] {
-    vel::diag::MessageCatalog::instance().addCatalog(
-        "VelCG:VelCGFileContent",
-        {{"InvalidSlot", "Cannot place a section in slot {1} of a file's section table: {2}."}});
-    return true;
-}();
-
 bool isSlot(VelCGFileSectionKind kind) {
     return static_cast<unsigned>(kind) < static_cast<unsigned>(kNumberOfSectionSlots);
 }

@@ -6,13 +6,6 @@
 namespace VelCG {
 
 namespace {
-[[maybe_unused]] const bool kCatalogRegistered = [] {
-    vel::diag::MessageCatalog::instance().addCatalog(
-        "VelCG:CustomContents",
-        {{"NullContent", "Cannot add a null string to custom section '{2}' of file '{1}'."}});
-    return true;
-}();
-
 // The registry's containers start with 16 buckets and a maximum load factor
 // of 1.
 constexpr std::size_t kInitialBuckets = 16;

@@ -10,18 +10,6 @@
 namespace VelCG {
 
 namespace {
-[[maybe_unused]] const bool kCatalogRegistered = [] {
-    vel::diag::MessageCatalog::instance().addCatalog(
-        "VelCG:FileRepScrivBridge",
-        {
-            {"InvalidFileIndex", "File index {1} is out of range: the repository holds {2} file(s)."},
-            {"UnknownAttribute", "'{1}' is not the name of a {2} file attribute."},
-            {"UnknownSection", "'{1}' is not the name of a file section."},
-            {"NullArgument", "The {1} passed to the file bridge is null."},
-        });
-    return true;
-}();
-
 [[noreturn]] void unknownAttribute(const std::string& name, const char* kind) {
     vel::diag::throwError("VelCG:FileRepScrivBridge:UnknownAttribute", {name, kind});
 }
