@@ -49,8 +49,8 @@ TEST(CustomContents, DeclarationsAreUniqueByNameAndMisuseIsDiagnosed) {
 
     // An undeclared name has no content and raises nothing; a declared one is taken out once.
     EXPECT_EQ("", cc.getCustomSectionContent("B", "ctx"));
-    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(A, template.tlc, A)",
-              diagnosticWithArgumentsOf([&] { cc.getCustomSectionContent("A", "template.tlc"); }));
+    EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(A, template.tmpl, A)",
+              diagnosticWithArgumentsOf([&] { cc.getCustomSectionContent("A", "template.tmpl"); }));
     cc.addCustomSection("C", DEFINES_SECTION);
     cc.addContentToSection("C", "c");
     EXPECT_EQ("c", cc.getCustomSectionContent("C", "first"));

@@ -97,7 +97,7 @@ TEST_F(FileClassBindingsTest, FilePropertiesReadAndWriteByName) {
     VelCGGenericFile file("dir/out.c");
     auto ref = file.makeRef();
     for (const auto& [name, value] :
-         {std::pair{"Type", "source"}, std::pair{"Creator", "me"}, std::pair{"CodeTemplate", "t.cgt"},
+         {std::pair{"Type", "source"}, std::pair{"Creator", "me"}, std::pair{"CodeTemplate", "t.tmpl"},
           std::pair{"OutputDirectory", "build"}, std::pair{"Group", "g"}})
         client.setProperty(ref, name, *str(value));
     auto systems = tuvArray::cell(1, 2);
@@ -121,7 +121,7 @@ TEST_F(FileClassBindingsTest, FilePropertiesReadAndWriteByName) {
         got += client.getProperty(ref, "IsEmpty")->logicalValue() ? "e;" : ";";
     }
     EXPECT_EQ(
-        "dir/out.c;out;dir/out;source;me;t.cgt;build;g;OUT_H;s1,s1;"
+        "dir/out.c;out;dir/out;source;me;t.tmpl;build;g;OUT_H;s1,s1;"
         "100000e;110000e;111000e;111100e;111110e;111111e;",
         got);
 
@@ -162,11 +162,11 @@ TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAcce
     EXPECT_STREQ("VelCG.IncludesSection", includes->getFullyQualifiedKorbTypeName());
     call(*includes, "addInclude", {str("math.h"), tuvArray::logical(true)});
     auto required = tuvArray::cell(1, 1);
-    required->setCell(0, str("rt.h"));
+    required->setCell(0, str("common.h"));
     client.setProperty(includes->makeRef(), "RequiredIncludes", *required);
     client.setProperty(includes->makeRef(), "UtilityIncludes", *required);
-    EXPECT_EQ("rt.h", client.getProperty(includes->makeRef(), "UtilityIncludes")->getCell(0)->toUtf8());
-    EXPECT_EQ("\n#include \"rt.h\"\n#include <math.h>\n\n#include \"rt.h\"\n",
+    EXPECT_EQ("common.h", client.getProperty(includes->makeRef(), "UtilityIncludes")->getCell(0)->toUtf8());
+    EXPECT_EQ("\n#include \"common.h\"\n#include <math.h>\n\n#include \"common.h\"\n",
               call(*includes, "getContent")->toUtf8());
 
     // FunctionsSection members, counted from 1.

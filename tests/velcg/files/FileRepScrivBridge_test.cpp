@@ -1,15 +1,13 @@
 #include "velcg/FileRepScrivBridge.hpp"
 
 #include <cstdio>
-#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
 
-#include <boost/filesystem.hpp>
-
 #include "DiagnosticTesting.hpp"
+#include "TempDir.hpp"
 #include "files/FileTesting.hpp"
 #include "velcg/FunctionsSection.hpp"
 #include "velcg/VelCGDataTypesFile.hpp"
@@ -25,7 +23,7 @@ namespace {
 boost::shared_ptr<FileSectionFragment> text(const std::string& s) { return files_testing::fragment(s); }
 
 class FileRepScrivBridgeTest : public ::testing::Test {
-protected:
+public:
     VelCGFileRepository repo;
     FileRepScrivBridge& bridge = repo.scrivBridge();
     VelCGModuleFile& module = repo.createModuleSourceFile("src/model.c", {0});
@@ -61,9 +59,9 @@ TEST_F(FileRepScrivBridgeTest, ClassifiesNamesByTheTablesThatHoldThem) {
 TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
     const std::pair<const char*, const char*> settings[] = {
         {"Type", "source"},
-        {"Creator", "ert"},
+        {"Creator", "velcg"},
         {"BaseName", "renamed"},
-        {"CodeTemplate", "t.cgt"},
+        {"CodeTemplate", "t.tmpl"},
         {"OutputDirectory", "out"},
         {"DefinedMacro", "MODEL_H_"},
         {"Group", "G1"},
@@ -72,7 +70,7 @@ TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
         {"SystemsInFile", "s1"},
         {"SystemsInFile", "s2"},
         {"RequiredIncludes", "<stdio.h>"},
-        {"RequiredIncludes", "rt.h"},
+        {"RequiredIncludes", "common.h"},
         {"UtilityIncludes", "util.h"},
     };
     for (const auto& [name, value] : settings) bridge.setAttribute(0, name, value);
@@ -95,9 +93,9 @@ TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
         got << ";";
     }
     EXPECT_EQ(
-        "Name=src/model.c;BaseName=renamed;NameWithoutExtension=src/model;Type=source;Creator=ert;"
-        "CodeTemplate=t.cgt;OutputDirectory=out;Group=G1;DefinedMacro=MODEL_H_;"
-        "SystemsInFile=s1,s2,;RequiredIncludes=<stdio.h>,rt.h,;UtilityIncludes=util.h,;"
+        "Name=src/model.c;BaseName=renamed;NameWithoutExtension=src/model;Type=source;Creator=velcg;"
+        "CodeTemplate=t.tmpl;OutputDirectory=out;Group=G1;DefinedMacro=MODEL_H_;"
+        "SystemsInFile=s1,s2,;RequiredIncludes=<stdio.h>,common.h,;UtilityIncludes=util.h,;"
         "1100000;1100000;1110000;1111000;1111100;1111110;1111111;",
         got.str());
 
@@ -109,8 +107,9 @@ TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
 
     // Sections read as string attributes give their current text.
     bridge.addSectionContent(0, "Includes", text("#include \"model.h\"\n"));
-    EXPECT_STREQ("\n#include <stdio.h>\n\n#include \"rt.h\"\n#include \"model.h\"\n\n#include \"util.h\"\n",
-                 bridge.getStringAttribute(0, "Includes"));
+    EXPECT_STREQ(
+        "\n#include <stdio.h>\n\n#include \"common.h\"\n#include \"model.h\"\n\n#include \"util.h\"\n",
+        bridge.getStringAttribute(0, "Includes"));
 }
 
 TEST_F(FileRepScrivBridgeTest, RejectsBadIndicesNamesAndNullArgumentsWithoutChangingAnything) {
@@ -152,59 +151,73 @@ TEST_F(FileRepScrivBridgeTest, RejectsBadIndicesNamesAndNullArgumentsWithoutChan
     EXPECT_FALSE(module.getCustomContent().isCustomSection("Mine"));
 }
 
-// A repository with the three kinds of file, driven the way a template does
-// it, written to real files on disk section by section in kind order.
-TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
-    namespace fs = boost::filesystem;
-    const fs::path dir = fs::temp_directory_path() / fs::unique_path("velcg-files-%%%%-%%%%");
-    fs::create_directories(dir);
+// The repository of the fixture driven the way a template does it:
+// attributes, custom sections (under "Types" too) and content.
+namespace {
 
-    // Attributes.
+void fillLikeATemplate(FileRepScrivBridgeTest& f) {
+    FileRepScrivBridge& bridge = f.bridge;
     bridge.setAttribute(0, "Type", "source");
     bridge.setAttribute(0, "SystemsInFile", "root");
     bridge.setAttribute(0, "RequiredIncludes", "model.h");
     bridge.setAttribute(0, "UtilityIncludes", "<math.h>");
-    bridge.setAttribute(0, "UtilityIncludes", "rt_util.h");
+    bridge.setAttribute(0, "UtilityIncludes", "model_util.h");
     bridge.setAttribute(1, "Group", "docs");
     bridge.setAttribute(2, "RequiredIncludes", "<stdint.h>");
 
-    // Custom sections, under "Types" too.
     bridge.addCustomSection(0, "Declarations", "ExtraDecls");
     bridge.addCustomSection(0, "Declarations", "PlacedDecls");
     bridge.addCustomSection(0, "Banner", "Copyright"); // a module file has no banner
     bridge.addCustomSection(1, "UserTop", "Top");
     bridge.addCustomSection(2, "Types", "MyTypes");
-    bridge.addCustomSection(2, "Typedefs", "MyTypes"); // the same kind again: silent
-    EXPECT_EQ("Brisk:codeGen:CustomContentPreviousAssociation(MyTypes, Defines, Typedefs)",
-              diagnosticWithArgumentsOf([&] { bridge.addCustomSection(2, "Defines", "MyTypes"); }));
+    bridge.addCustomSection(2, "Typedefs", "MyTypes");    // the same kind again: silent
     bridge.addCustomSection(1, "Documentation", "Notes"); // never appended
-    module.getCustomContent().addContentToSection("ExtraDecls", "static int extra;\n");
-    module.getCustomContent().addContentToSection("PlacedDecls", "static int placed;\n");
-    module.getCustomContent().setCustomTokenInUse("PlacedDecls");
-    module.getCustomContent().addContentToSection("Copyright", "/* (c) */\n");
-    generic.getCustomContent().addContentToSection("Top", "top text\n");
-    generic.getCustomContent().addContentToSection("Notes", "notes are not appended\n");
-    types.getCustomContent().addContentToSection("MyTypes", "typedef double real_T;\n");
+    f.module.getCustomContent().addContentToSection("ExtraDecls", "static int extra;\n");
+    f.module.getCustomContent().addContentToSection("PlacedDecls", "static int placed;\n");
+    f.module.getCustomContent().setCustomTokenInUse("PlacedDecls");
+    f.module.getCustomContent().addContentToSection("Copyright", "/* (c) */\n");
+    f.generic.getCustomContent().addContentToSection("Top", "top text\n");
+    f.generic.getCustomContent().addContentToSection("Notes", "notes are not appended\n");
+    f.types.getCustomContent().addContentToSection("MyTypes", "typedef double model_real;\n");
 
-    // Content.
     bridge.addSectionContent(0, "Includes", text("#include \"model_types.h\"\n"));
     bridge.addSectionContent(0, "Declarations", text("int counter;\n"));
-    dynamic_cast<FunctionsSection&>(module.getFunctionsSection())
+    dynamic_cast<FunctionsSection&>(f.module.getFunctionsSection())
         .addFunction("step", "void step(void)\r\n{\r\n}\r\n");
     bridge.addSectionContent(0, "Functions", text(std::string("/* bytes: \x01\xfe\t */\n")));
     bridge.addSectionContent(0, "Banner", text("dropped: no banner in a module file\n"));
     bridge.addSectionContent(1, "Banner", text("== notes ==\n"));
     bridge.addSectionContent(1, "Documentation", text("/* docs */\n"));
     bridge.addSectionContent(1, "UserBottom", text("bottom\n"));
-    bridge.addSectionContent(2, "Typedefs", text("typedef int int_T;\n"));
+    bridge.addSectionContent(2, "Typedefs", text("typedef int model_int;\n"));
     bridge.addSectionContent(2, "Defines", text("#define TYPES_H\n"));
+}
 
-    // Write each file in kind order through the bridge; the caller owns the stream.
+// Appends the missing custom-section tokens of every section of file i, as
+// a writer does before writing it.
+void appendMissingTokens(FileRepScrivBridge& bridge, std::int32_t i) {
+    for (int k = 0; k < kNumberOfSectionKinds; ++k) {
+        std::string name = getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(k));
+        if (bridge.isFileSectionAttribute(name)) bridge.appendMissingTokens(i, name);
+    }
+}
+
+} // namespace
+
+TEST_F(FileRepScrivBridgeTest, CustomSectionKeepsTheKindItWasFirstDeclaredUnder) {
+    bridge.addCustomSection(2, "Types", "MyTypes");
+    bridge.addCustomSection(2, "Typedefs", "MyTypes"); // the same kind again: silent
+    EXPECT_EQ("Brisk:codeGen:CustomContentPreviousAssociation(MyTypes, Defines, Typedefs)",
+              diagnosticWithArgumentsOf([&] { bridge.addCustomSection(2, "Defines", "MyTypes"); }));
+}
+
+// Each file written through the bridge to a real file on disk, section by
+// section in kind order; the caller owns the stream.
+TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
+    fillLikeATemplate(*this);
+    testing_support::TempDir dir;
     for (std::int32_t i = 0; i < 3; ++i) {
-        for (int k = 0; k < kNumberOfSectionKinds; ++k) {
-            std::string name = getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(k));
-            if (bridge.isFileSectionAttribute(name)) bridge.appendMissingTokens(i, name);
-        }
+        appendMissingTokens(bridge, i);
         std::FILE* out = std::fopen((dir / bridge.getStringAttribute(i, "BaseName")).string().c_str(), "wb");
         ASSERT_NE(nullptr, out);
         for (int k = 0; k < kNumberOfSectionKinds; ++k) {
@@ -212,32 +225,29 @@ TEST_F(FileRepScrivBridgeTest, EndToEndWritesEveryFileByteForByte) {
             if (bridge.isFileSectionAttribute(name)) bridge.writeSection(i, name, out);
         }
         std::fclose(out);
-        bridge.setAttribute(i, "WrittenToDisk", true);
     }
 
-    auto bytesOf = [&](const char* baseName) {
-        std::ifstream in((dir / baseName).string(), std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    };
     EXPECT_EQ(
         "\n#include \"model.h\"\n"
         "\n#include <math.h>\n"
         "#include \"model_types.h\"\n"
-        "\n#include \"rt_util.h\"\n"
+        "\n#include \"model_util.h\"\n"
         "int counter;\n"
         "static int extra;\n"
         "void step(void)\r\n{\r\n}\r\n"
         "/* bytes: \x01\xfe\t */\n",
-        bytesOf("model"));
-    EXPECT_EQ("== notes ==\ntop text\n/* docs */\nbottom\n", bytesOf("notes"));
-    EXPECT_EQ("\n#include <stdint.h>\n#define TYPES_H\ntypedef int int_T;\ntypedef double real_T;\n",
-              bytesOf("model_types"));
-    EXPECT_TRUE(bridge.getBooleanAttribute(2, "WrittenToDisk"));
-    // Appending the banner tokens of a module file consumed its banner custom
-    // section into the empty section: the text is gone and cannot be placed.
+        testing_support::fileBytes(dir / "model"));
+    EXPECT_EQ("== notes ==\ntop text\n/* docs */\nbottom\n", testing_support::fileBytes(dir / "notes"));
+    EXPECT_EQ("\n#include <stdint.h>\n#define TYPES_H\ntypedef int model_int;\ntypedef double model_real;\n",
+              testing_support::fileBytes(dir / "model_types"));
+}
+
+// Appending the banner tokens of a module file consumes its banner custom
+// section into the empty section: the text is gone and cannot be placed.
+TEST_F(FileRepScrivBridgeTest, BannerCustomSectionOfAFileWithoutBannerIsConsumedByTheTokens) {
+    fillLikeATemplate(*this);
+    appendMissingTokens(bridge, 0);
     EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(Copyright, end, Copyright)",
               diagnosticWithArgumentsOf(
                   [&] { module.getCustomContent().getCustomSectionContent("Copyright", "end"); }));
-
-    fs::remove_all(dir);
 }

@@ -10,6 +10,7 @@
 #include <boost/filesystem.hpp>
 
 #include "DiagnosticTesting.hpp"
+#include "StartLatch.hpp"
 #include "files/FileTesting.hpp"
 #include "velcg/IncludesSection.hpp"
 #include "velcg/VelCGFileContent.hpp"
@@ -94,10 +95,13 @@ TEST(VelCGFileSectionKind, NamesEveryKindAndConvertsEnumeratorNames) {
 }
 
 TEST(VelCGFileSectionKind, EnumeratorNameConversionIsSafeFromManyThreads) {
+    constexpr int kThreads = 4;
+    testing_support::StartLatch start(kThreads);
     std::vector<std::thread> threads;
-    std::vector<int> wrong(4, 0);
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([t, &wrong] {
+    std::vector<int> wrong(kThreads, 0);
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([t, &wrong, &start] {
+            start.arriveAndWait();
             // Unknown names grow the shared table while known ones are read.
             for (int i = 0; i < 500; ++i) {
                 if (getSectionKindFromEnumName("UNKNOWN_" + std::to_string(t) + "_" + std::to_string(i)) != 0)

@@ -26,14 +26,14 @@ TEST(IncludesSection, MergesRequiredAndUtilityIncludesAroundTheScriptText) {
     } cases[] = {
         {"lists only",
          {},
-         {"<stdio.h>", "rt.h"},
+         {"<stdio.h>", "common.h"},
          {"<math.h>", "util.h"},
-         "\n#include <stdio.h>\n\n#include \"rt.h\"\n\n#include <math.h>\n\n#include \"util.h\"\n"},
+         "\n#include <stdio.h>\n\n#include \"common.h\"\n\n#include <math.h>\n\n#include \"util.h\"\n"},
         {"script text between",
          {"/* mine */\n"},
-         {"rt.h"},
+         {"common.h"},
          {"util.h", "<math.h>"},
-         "\n#include \"rt.h\"\n\n#include <math.h>\n/* mine */\n\n#include \"util.h\"\n"},
+         "\n#include \"common.h\"\n\n#include <math.h>\n/* mine */\n\n#include \"util.h\"\n"},
         {"already present after a newline",
          {"x\n#include <stdio.h>\n"},
          {"<stdio.h>"},
@@ -51,10 +51,10 @@ TEST(IncludesSection, MergesRequiredAndUtilityIncludesAroundTheScriptText) {
          "\n#include <a.h>\n\n#include <a.h>\n"},
         {"empty entries add nothing", {"t\n"}, {""}, {""}, "t\n"},
         {"prefix of another header is not a match",
-         {"\n#include \"rt.h.in\"\n"},
-         {"rt.h"},
+         {"\n#include \"common.h.in\"\n"},
+         {"common.h"},
          {},
-         "\n#include \"rt.h\"\n\n#include \"rt.h.in\"\n"},
+         "\n#include \"common.h\"\n\n#include \"common.h.in\"\n"},
     };
     for (const Case& c : cases) {
         IncludesSection s;

@@ -64,7 +64,7 @@ TEST(CGModelFactory, ElementsOwnTheirImplementation) {
 
 TEST(CGModelFactory, DataInterfacesAreHeldByReference) {
     CG::DataInterface* di =
-        CG::DataInterface::create({"model_Params.K", "StructElement", "model_Params", "real_T", "K"});
+        CG::DataInterface::create({"model_Params.K", "StructElement", "model_Params", "double", "K"});
     {
         auto* impl = new StoredModelParameter(L"K");
         impl->setDataInterface(di);

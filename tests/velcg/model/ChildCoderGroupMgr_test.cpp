@@ -44,8 +44,8 @@ TEST(ChildCoderGroupMgr, SelfGroupName) {
 
 TEST(ChildCoderGroupMgr, VariablesPerBlockAndPerGroup) {
     ChildCoderGroupMgr mgr;
-    mgr.setChildCoderGroup(u"M", group("G", "G_T"));
-    mgr.setChildCoderGroup(u"M", group("H", "H_T"));
+    mgr.setChildCoderGroup(u"M", group("G", "G_Type"));
+    mgr.setChildCoderGroup(u"M", group("H", "H_Type"));
     mgr.addVariableForChildGroup(u"M", "G", "g1", 1);
     mgr.addVariableForChildGroup(u"M", "G", "g2", 2);
     mgr.addVariableForChildGroup(u"M", "G", "g1b", 1); // same block: first name kept
@@ -53,7 +53,7 @@ TEST(ChildCoderGroupMgr, VariablesPerBlockAndPerGroup) {
     const auto* infos = mgr.getVarInfoForGroup("G");
     ASSERT_NE(nullptr, infos);
     ASSERT_EQ(3u, infos->size());
-    EXPECT_EQ("G_T", (*infos)[0].getTypeName());
+    EXPECT_EQ("G_Type", (*infos)[0].getTypeName());
     EXPECT_EQ("g2", (*infos)[1].getVarName());
     EXPECT_EQ(1, (*infos)[2].getCompiledModelBlockIndex());
     EXPECT_EQ(nullptr, mgr.getVarInfoForGroup("H"));

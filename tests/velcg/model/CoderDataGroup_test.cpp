@@ -82,7 +82,7 @@ TEST(CoderDataGroup, StringFormsAndExportedScope) {
 TEST(CoderDataGroup, RootGroupTypeNameIsTheLastMatchOfTheRootSystem) {
     CGModel m;
     for (int i = 0; i < 3; ++i) m.addSystem(std::make_unique<System>());
-    for (const char* name : {"A_T", "B_T", "C_T"}) m.addVelCGType(std::make_unique<VelCGType>(name));
+    for (const char* name : {"A_Type", "B_Type", "C_Type"}) m.addVelCGType(std::make_unique<VelCGType>(name));
     auto group = [&](int system, int coderGroup, int type) {
         auto g = std::make_unique<VarGroup>();
         g->setSystemIndex(system);
@@ -98,14 +98,14 @@ TEST(CoderDataGroup, RootGroupTypeNameIsTheLastMatchOfTheRootSystem) {
     ModelGroup g("G", &m);
     EXPECT_EQ("", g.getRootGroupTypeName()) << "an unplaced group matches nothing";
     g.setGroupIndex(0);
-    EXPECT_EQ("C_T", g.getRootGroupTypeName());
+    EXPECT_EQ("C_Type", g.getRootGroupTypeName());
     group(2, 0, 0);
-    EXPECT_EQ("C_T", g.getRootGroupTypeName()) << "cached once found";
+    EXPECT_EQ("C_Type", g.getRootGroupTypeName()) << "cached once found";
 
     m.setIsModelReferenceTarget(true); // the root system is then the one before the last
     ModelGroup ref("R", &m);
     ref.setGroupIndex(0);
-    EXPECT_EQ("B_T", ref.getRootGroupTypeName());
+    EXPECT_EQ("B_Type", ref.getRootGroupTypeName());
 
     ModelGroup none("N", &m);
     none.setGroupIndex(0);

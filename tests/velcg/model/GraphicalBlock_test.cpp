@@ -200,8 +200,8 @@ TEST(Region, DefaultsAndDataInterfaceReferences) {
     EXPECT_FALSE(r.getGroundIsComplex());
     EXPECT_TRUE(r.getDataInterfaceAsTuvArray()->isEmpty());
 
-    CG::DataInterface* a = CG::DataInterface::create({"a", "Variable", "", "real_T", "a"});
-    CG::DataInterface* b = CG::DataInterface::create({"b", "Variable", "", "real_T", "b"});
+    CG::DataInterface* a = CG::DataInterface::create({"a", "Variable", "", "double", "a"});
+    CG::DataInterface* b = CG::DataInterface::create({"b", "Variable", "", "double", "b"});
     r.setDataInterface(a);
     EXPECT_EQ(2, a->getRefCount());
     {

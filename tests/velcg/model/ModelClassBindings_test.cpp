@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include "CG/DataInterface.hpp"
 #include "CG/Type.hpp"
 #include "DiagnosticTesting.hpp"
+#include "RenderValue.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -38,38 +38,10 @@
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
+using testing_support::render;
+using testing_support::renderProperties;
 
 namespace {
-
-// A compact, exact rendering of a host value: 'text', "int32 5",
-// "int32[2,3]", {cells}, <class names of handles>, or an opaque class name.
-std::string render(const tuvArray& a) {
-    std::ostringstream os;
-    switch (a.classId()) {
-        case tuvClass::Char:
-            return "'" + a.toUtf8() + "'";
-        case tuvClass::Opaque:
-            return a.className();
-        case tuvClass::Cell:
-            os << "{";
-            for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << render(*a.getCell(i));
-            os << "}";
-            return os.str();
-        case tuvClass::Object:
-            os << "<";
-            for (std::size_t i = 0; i < a.numel(); ++i)
-                os << (i ? "," : "") << a.handles()[i].get()->getFullyQualifiedKorbTypeName();
-            os << ">";
-            return os.str();
-        default:
-            if (a.isScalar()) return a.describe();
-            if (a.isEmpty() && a.classId() == tuvClass::Double) return "[]";
-            os << a.className() << "[";
-            for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << a.numericAt(i);
-            os << "]";
-            return os.str();
-    }
-}
 
 // One object of every script-visible model class, wired together in one model.
 struct Scene {
@@ -94,7 +66,7 @@ struct Scene {
     Scene() {
         std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
         CG::DataInterface* di =
-            CG::DataInterface::create({"model_State.x", "StructElement", "model_State", "real_T", "Gain"});
+            CG::DataInterface::create({"model_State.x", "StructElement", "model_State", "double", "Gain"});
 
         auto sys = std::make_unique<System>();
         system = sys.get();
@@ -105,7 +77,7 @@ struct Scene {
         system->setOutputUpdateFcn("outupd");
         model.addSystem(std::move(sys));
 
-        auto type = std::make_unique<VelCGType>("int32_T");
+        auto type = std::make_unique<VelCGType>("int32_t");
         cgType = type.get();
         cgType->setVelTypeIndex(0);
         cgType->setDimensions({2, 3});
@@ -113,16 +85,16 @@ struct Scene {
         cgType->setSlope(1.5);
         cgType->setNBits(32);
         cgType->setIsSigned(true);
-        cgType->setEmbeddedTypeFromCGType(*CG::Type::integer("int32_T", 32, true));
+        cgType->setEmbeddedTypeFromCGType(*CG::Type::integer("int32_t", 32, true));
         cgType->addMember(std::make_unique<CGTypeMember>("u1", 0, 4));
         member = cgType->getMembers()[0];
         model.addVelCGType(std::move(type));
 
         auto vg = std::make_unique<VarGroup>();
         group = vg.get();
-        group->setName("DW_T");
+        group->setName("model_State");
         group->setCategory(VarGroupEnum::DWork);
-        group->setLocalName("localDW");
+        group->setLocalName("localState");
         group->setNonReusedName("model_State");
         group->setSystemIndex(0);
         group->setHasElement("yes");
@@ -302,7 +274,7 @@ TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
           {"OutputUpdateFcn", "char", "'outupd'"},
           {"IsModelReferenceBaseSystem", "logical scalar", "logical false"}}},
         {s.cgType,
-         {{"Name", "char", "'int32_T'"},
+         {{"Name", "char", "'int32_t'"},
           {"VelTypeIndex", "int32 scalar", "int32 0"},
           {"Width", "int32 scalar", "int32 1"},
           {"SymbolicWidth", "char", "'1'"},
@@ -344,9 +316,9 @@ TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
           {"IsHostBasedSimulationTarget", "logical scalar", "logical false"},
           {"SharedCodeManagerPath", "char", "'/shared'"}}},
         {s.group,
-         {{"Name", "char", "'DW_T'"},
+         {{"Name", "char", "'model_State'"},
           {"Category", "char vector", "'DWork'"},
-          {"LocalName", "char", "'localDW'"},
+          {"LocalName", "char", "'localState'"},
           {"NonreusedName", "char", "'model_State'"},
           {"SystemIndex", "int32 scalar", "int32 0"},
           {"HasElement", "char", "'yes'"},
@@ -508,6 +480,90 @@ TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
     EXPECT_EQ(s.outPort, client.getProperty(s.inPort->makeRef(), "GraphicalSource")->handles()[0].get());
 }
 
+// A fresh object of each class reads, property by property, as the defaults
+// its class documents.
+TEST_F(ModelClassBindings, FreshObjectsReadAsTheirDefaults) {
+    System system;
+    VarGroup group;
+    ExternalInput input;
+    VelType velType;
+    VelCGType cgType;
+    CGTypeMember member;
+    const struct {
+        vel::mi::Handle* object;
+        const char* expected;
+    } rows[] = {
+        {&system,
+         "Identifier=''\n"
+         "GraphicalCallsites=<>\n"
+         "StartFcn=''\n"
+         "OutputFcn=''\n"
+         "UpdateFcn=''\n"
+         "OutputUpdateFcn=''\n"
+         "IsModelReferenceBaseSystem=logical false\n"},
+        {&group,
+         "Name=''\n"
+         "Category='BlockIO'\n"
+         "LocalName='localB'\n"
+         "NonreusedName=''\n"
+         "SystemIndex=int32 -1\n"
+         "HasElement=''\n"
+         "InstanceIndex=int32 0\n"
+         "IsPointer=logical false\n"
+         "ParentVarGroupIndex=int32 -1\n"
+         "MemberIndexInParent=int32 -1\n"
+         "CGTypeIndex=int32 -1\n"
+         "TypeTag=''\n"
+         "GlobalOffset=int32 0\n"
+         "Elements={}\n"
+         "SubstructNames={}\n"
+         "SubstructIndices=int32[]\n"
+         "DataGroupIndex=int32 -1\n"},
+        {&input,
+         "CGTypeIndex=int32 -1\n"
+         "StorageClass=''\n"
+         "RequiresGlobalAccess=logical true\n"
+         "Identifier=''\n"
+         "VarGroupIndex=int32 -1\n"
+         "VarGroupMemberIndex=int32 -1\n"
+         "HasVarDims=logical false\n"
+         "CanonicalDimSizeDWorkIndex=int32 -1\n"
+         "HasCanonicalDimSizeDWorkIndex=logical false\n"
+         "SizeVarGroupIdx=int32 -1\n"
+         "SizeVarGroupMemberIndex=int32 -1\n"
+         "DimSizeDWork=int32 -1\n"
+         "Padding=int32 0\n"},
+        {&velType,
+         "ID=int32 -10\n"
+         "CGTypeIdx=int32 0\n"
+         "ContainerCGTypeIdx=int32 -1\n"
+         "ContainerVelTypeIdx=int32 -1\n"},
+        {&cgType,
+         "Name=''\n"
+         "VelTypeIndex=int32 -1\n"
+         "Width=int32 1\n"
+         "SymbolicWidth='1'\n"
+         "Constructor=''\n"
+         "BaseIndex=int32 0\n"
+         "Dimensions=int32[]\n"
+         "SymbolicDimensions={}\n"
+         "Bias=double 0\n"
+         "Slope=double 0\n"
+         "NBits=int32 0\n"
+         "IsSigned=logical false\n"
+         "Exponent=int32 0\n"
+         "IsLoweredMultiword=logical false\n"
+         "StructAlignment=int32 -1\n"
+         "Members=<>\n"
+         "EmbeddedType=[]\n"},
+        {&member,
+         "Name=''\n"
+         "CGTypeIndex=int32 0\n"
+         "Alignment=int32 -1\n"},
+    };
+    for (const auto& r : rows) EXPECT_EQ(r.expected, renderProperties(client, *r.object));
+}
+
 TEST_F(ModelClassBindings, WritablePropertiesRoundTripAndOthersAreReadOnly) {
     Scene s;
     auto labels = tuvArray::cell(1, 2);
@@ -626,7 +682,7 @@ TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
         {s.system, "isInlined", {}, "logical false"},
         {s.system, "isNonReusable", {}, "logical false"},
         {s.system, "isReusable", {}, "logical false"},
-        {s.cgType, "getContainerTypeName", {}, "'int32_T'"},
+        {s.cgType, "getContainerTypeName", {}, "'int32_t'"},
         {&s.model, "getName", {}, "''"},
         {&s.model, "getVersion", {}, "''"},
         {&s.model, "getKordelCoderVersion", {}, "''"},
@@ -645,8 +701,8 @@ TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
         {s.velType, "isStructType", {}, "logical false"},
         {s.velType, "isBus", {}, "logical false"},
         {s.velType, "isAliasType", {}, "logical true"},
-        {s.velType, "getName", {}, "'int32_T'"},
-        {s.velType, "getComplexName", {}, "'cint32_T'"},
+        {s.velType, "getName", {}, "'int32_t'"},
+        {s.velType, "getComplexName", {}, "'cint32_t'"},
         {s.input, "getRecordIdentifier", {}, "'In1'"},
         {dynamic_cast<vel::mi::Handle*>(s.modelParameter), "getOriginalName", {}, "'Korig'"},
         {dynamic_cast<vel::mi::Handle*>(s.modelParameter), "getWorkspaceVarName", {}, "'Kws'"},

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "velcg/GraphicalBlock.hpp"
-#include "velcg/StoredGraphicalBlock.hpp"
-
 using namespace VelCG;
 
 namespace {
@@ -25,17 +22,6 @@ TEST(System, SystemCodeSelectsExactlyOneReuseAnswer) {
         EXPECT_EQ(r.nonReusable, s.isNonReusable()) << r.code;
         EXPECT_EQ(r.reusable, s.isReusable()) << r.code;
     }
-}
-
-TEST(System, CallSitesAreNotOwned) {
-    GraphicalBlock caller(new StoredGraphicalBlock(L"caller"));
-    {
-        System s;
-        s.addGraphicalCallsite(&caller);
-        s.setGraphicalCallsites({&caller, &caller});
-        EXPECT_EQ(2u, s.getGraphicalCallsites().size());
-    }
-    EXPECT_EQ(L"caller", caller.getName()) << "the block outlives the system";
 }
 
 } // namespace

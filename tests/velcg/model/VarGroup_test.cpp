@@ -6,16 +6,6 @@ using namespace VelCG;
 
 namespace {
 
-TEST(VarGroup, NewGroupDefaults) {
-    VarGroup g;
-    EXPECT_EQ(VarGroupEnum::BlockIO, g.getCategory());
-    EXPECT_STREQ("BlockIO", g.getCategoryString());
-    EXPECT_EQ("localB", g.getLocalName());
-    for (int index : {g.getSystemIndex(), g.getParentVarGroupIndex(), g.getMemberIndexInParent(),
-                      g.getCGTypeIndex(), g.getCoderGroupIndex()})
-        EXPECT_EQ(-1, index);
-}
-
 TEST(VarGroup, CategoryNamesKeepTheGapBefore103) {
     const struct {
         int value;
@@ -32,18 +22,6 @@ TEST(VarGroup, CategoryNamesKeepTheGapBefore103) {
                 {-1, ""}};
     for (const auto& r : rows)
         EXPECT_STREQ(r.name, VarGroup::getStringforCategory(static_cast<VarGroupEnum>(r.value))) << r.value;
-}
-
-TEST(VarGroup, AppendersExtendTheLists) {
-    VarGroup g;
-    g.setElements({"a"});
-    g.addElement("b");
-    g.addSubStructName("S");
-    g.addSubStructIndex(4);
-    g.addSubStructIndex(2);
-    EXPECT_EQ((std::vector<std::string>{"a", "b"}), g.getElements());
-    EXPECT_EQ((std::vector<std::string>{"S"}), g.getSubStructNames());
-    EXPECT_EQ((std::vector<int>{4, 2}), g.getSubStructIndices());
 }
 
 TEST(VarGroup, GetSysNameSplitsOnFirstOccurrences) {

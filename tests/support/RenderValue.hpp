@@ -1,0 +1,62 @@
+#pragma once
+
+// Renders host values and whole objects as short exact texts, so that a test
+// compares one text instead of poking at fields one by one.
+
+#include <sstream>
+#include <string>
+
+#include "korb/Client.hpp"
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/mi/Handle.hpp"
+#include "vel/tuvArray.hpp"
+
+namespace testing_support {
+
+// A compact, exact rendering of a host value: 'text', "int32 5",
+// "int32[2,3]", {cells}, <class names of handles>, or an opaque class name.
+inline std::string render(const tuvArray& a) {
+    std::ostringstream os;
+    switch (a.classId()) {
+        case tuvClass::Char:
+            return "'" + a.toUtf8() + "'";
+        case tuvClass::Opaque:
+            return a.className();
+        case tuvClass::Cell:
+            os << "{";
+            for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << render(*a.getCell(i));
+            os << "}";
+            return os.str();
+        case tuvClass::Object:
+            os << "<";
+            for (std::size_t i = 0; i < a.numel(); ++i)
+                os << (i ? "," : "") << a.handles()[i].get()->getFullyQualifiedKorbTypeName();
+            os << ">";
+            return os.str();
+        default:
+            if (a.isScalar()) return a.describe();
+            if (a.isEmpty() && a.classId() == tuvClass::Double) return "[]";
+            os << a.className() << "[";
+            for (std::size_t i = 0; i < a.numel(); ++i) os << (i ? "," : "") << a.numericAt(i);
+            os << "]";
+            return os.str();
+    }
+}
+
+// Every property of the object as a script reads it, one "Name=value" line
+// each in lookup order; a property whose getter raises renders as
+// "Name!identifier".
+// REQUIRES: the object's class is registered with the client's object system.
+inline std::string renderProperties(korb::Client& client, vel::mi::Handle& object) {
+    std::string out;
+    for (const std::string& name : client.getPropertyNames(object)) {
+        try {
+            out += name + "=" + render(*client.getProperty(object.makeRef(), name)) + "\n";
+        } catch (const vel::diag::Exception& e) {
+            out += name + "!" + e.identifier() + "\n";
+        }
+    }
+    return out;
+}
+
+} // namespace testing_support
