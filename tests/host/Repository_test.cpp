@@ -44,6 +44,14 @@ void writeModel(Repository& repository, const std::u16string& name, int blocks =
     }
 }
 
+// Opens the file, stores a model in one committed transaction and closes it.
+void storeModel(const std::filesystem::path& path, const std::u16string& name, int blocks = 1) {
+    Repository repository(path);
+    Transaction transaction(repository);
+    writeModel(repository, name, blocks);
+    transaction.commit();
+}
+
 std::u16string storedModelName(const std::filesystem::path& path) {
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
     return RepositoryHelper::getModel(repository).getModelName();
@@ -64,12 +72,7 @@ void execSql(const std::filesystem::path& path, const std::string& sql) {
 TEST(Repository, CommittedWorkIsVisibleToALaterReaderAndUncommittedWorkIsNot) {
     TempDir dir;
     const auto path = dir / "codedescriptor.strata";
-    {
-        Repository repository(path);
-        Transaction transaction(repository);
-        writeModel(repository, u"first");
-        transaction.commit();
-    }
+    storeModel(path, u"first");
     EXPECT_EQ(u"first", storedModelName(path));
 
     {
@@ -96,12 +99,7 @@ TEST(Repository, CommittedWorkIsVisibleToALaterReaderAndUncommittedWorkIsNot) {
 TEST(Repository, ANewModelReplacesTheStoredOne) {
     TempDir dir;
     const auto path = dir / "codedescriptor.strata";
-    for (const char16_t* name : {u"one", u"two"}) {
-        Repository repository(path);
-        Transaction transaction(repository);
-        writeModel(repository, name, 3);
-        transaction.commit();
-    }
+    for (const char16_t* name : {u"one", u"two"}) storeModel(path, name, 3);
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
     const std::string dump = dumpText(repository);
     EXPECT_NE(std::string::npos, dump.find("ModelName: \"two\""));
@@ -141,12 +139,7 @@ TEST(Repository, TransactionMisuseIsADiagnostic) {
 TEST(Repository, ReadOnlyAccessNeverWrites) {
     TempDir dir;
     const auto path = dir / "s.strata";
-    {
-        Repository repository(path);
-        Transaction transaction(repository);
-        writeModel(repository, u"m");
-        transaction.commit();
-    }
+    storeModel(path, u"m");
     const std::string before = fileBytes(path);
     Repository reader(path, {RepositoryOptions::Access::ReadOnly});
     EXPECT_TRUE(reader.isReadOnly());
@@ -166,12 +159,7 @@ TEST(Repository, BadFilesAreRefusedAndLeftUnchanged) {
         std::function<void(const std::filesystem::path&)> make;
         const char* identifier;
     };
-    auto goodStore = [](const std::filesystem::path& path) {
-        Repository repository(path);
-        Transaction transaction(repository);
-        writeModel(repository, u"m", 400);
-        transaction.commit();
-    };
+    auto goodStore = [](const std::filesystem::path& path) { storeModel(path, u"m", 400); };
     const std::vector<Case> cases = {
         {"random bytes",
          [](const std::filesystem::path& path) {
@@ -230,12 +218,7 @@ TEST(Repository, AWriteProtectedFileIsRefusedForWriting) {
     if (geteuid() == 0) GTEST_SKIP() << "permissions do not bind the superuser";
     TempDir dir;
     const auto path = dir / "s.strata";
-    {
-        Repository repository(path);
-        Transaction transaction(repository);
-        writeModel(repository, u"m");
-        transaction.commit();
-    }
+    storeModel(path, u"m");
     std::filesystem::permissions(path, std::filesystem::perms::owner_read);
     const std::string before = fileBytes(path);
     EXPECT_EQ("coder:Repository:ReadOnly", diagnosticOf([&] {
@@ -249,12 +232,7 @@ TEST(Repository, AWriteProtectedFileIsRefusedForWriting) {
 TEST(Repository, AFullDiskRollsBackToTheLastCommit) {
     TempDir dir;
     const auto path = dir / "s.strata";
-    {
-        Repository repository(path);
-        Transaction transaction(repository);
-        writeModel(repository, u"small");
-        transaction.commit();
-    }
+    storeModel(path, u"small");
     const std::string before = fileBytes(path);
     RepositoryOptions limited;
     limited.maxPageCount = 40;
