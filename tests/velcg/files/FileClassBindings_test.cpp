@@ -130,7 +130,7 @@ TEST_F(FileClassBindingsTest, FilePropertiesReadAndWriteByName) {
             << ro;
 }
 
-TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAccessor) {
+TEST_F(FileClassBindingsTest, FileSectionIsOneObjectByKindNameNumberAndNamedAccessor) {
     VelCGModuleFile module("m.c");
     // By enumerator name, by number, and through the named accessor: one section.
     auto* byName = objectIn<FileSection>(call(module, "getFileSection", {str("DEFINES_SECTION")}));
@@ -138,25 +138,39 @@ TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAcce
     EXPECT_EQ(&module.getDefinesSection(), byName);
     EXPECT_EQ(byName, byNumber);
     EXPECT_EQ(byName, objectIn<FileSection>(call(module, "getDefinesSection")));
+}
+
+TEST_F(FileClassBindingsTest, MisspeltSectionKindIsABannerSectionThatDropsContent) {
+    VelCGModuleFile module("m.c");
     // A misspelt kind is the banner kind, which a module file lacks: what a
     // script adds there is dropped.
     auto* missing = objectIn<FileSection>(call(module, "getFileSection", {str("DEFINE_SECTION")}));
     ASSERT_NE(nullptr, missing);
     call(*missing, "addContent", {str("dropped")});
     EXPECT_TRUE(call(*missing, "isEmpty")->logicalValue());
+}
+
+TEST_F(FileClassBindingsTest, HasSectionAnswersByNameAndByWholeNumberOnly) {
+    VelCGModuleFile module("m.c");
     EXPECT_FALSE(call(module, "hasSection", {str("DEFINE_SECTION")})->logicalValue());
     EXPECT_TRUE(call(module, "hasSection", {str("FUNCTIONS_SECTION")})->logicalValue());
     EXPECT_FALSE(call(module, "hasSection", {tuvArray::float64(23)})->logicalValue());
     EXPECT_FALSE(call(module, "hasSection", {tuvArray::float64(-1)})->logicalValue());
     EXPECT_EQ("Korb:InvalidMethodArgument",
               diagnosticOf([&] { call(module, "hasSection", {tuvArray::float64(1.5)}); }));
+}
 
-    // FileSection methods.
+TEST_F(FileClassBindingsTest, FileSectionMethodsAddAndReadContent) {
+    VelCGModuleFile module("m.c");
+    auto* byName = objectIn<FileSection>(call(module, "getFileSection", {str("DEFINES_SECTION")}));
+    ASSERT_NE(nullptr, byName);
     call(*byName, "addContent", {str("#define A\n")});
     EXPECT_FALSE(call(*byName, "isEmpty")->logicalValue());
     EXPECT_EQ("#define A\n", call(*byName, "getContent")->toUtf8());
+}
 
-    // IncludesSection members.
+TEST_F(FileClassBindingsTest, IncludesSectionMembersAddAndListIncludes) {
+    VelCGModuleFile module("m.c");
     auto* includes = objectIn<FileSection>(call(module, "getIncludesSection"));
     ASSERT_NE(nullptr, includes);
     EXPECT_STREQ("VelCG.IncludesSection", includes->getFullyQualifiedKorbTypeName());
@@ -168,8 +182,10 @@ TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAcce
     EXPECT_EQ("common.h", client.getProperty(includes->makeRef(), "UtilityIncludes")->getCell(0)->toUtf8());
     EXPECT_EQ("\n#include \"common.h\"\n#include <math.h>\n\n#include \"common.h\"\n",
               call(*includes, "getContent")->toUtf8());
+}
 
-    // FunctionsSection members, counted from 1.
+TEST_F(FileClassBindingsTest, FunctionsSectionMembersCountFromOne) {
+    VelCGModuleFile module("m.c");
     auto* functions = objectIn<FileSection>(call(module, "getFunctionsSection"));
     ASSERT_NE(nullptr, functions);
     call(*functions, "addFunction", {str("f"), str("void f(void) {}\n")});
@@ -179,8 +195,10 @@ TEST_F(FileClassBindingsTest, FileSectionsAreReachedByKindNameNumberAndNamedAcce
     EXPECT_EQ("g", call(*functions, "getFunctionName", {tuvArray::float64(2)})->toUtf8());
     EXPECT_EQ("VelCG:FunctionsSection:InvalidFunctionIndex",
               diagnosticOf([&] { call(*functions, "getFunction", {tuvArray::float64(0)}); }));
+}
 
-    // Every named accessor answers the section of its kind.
+TEST_F(FileClassBindingsTest, EveryNamedAccessorAnswersTheSectionOfItsKind) {
+    VelCGModuleFile module("m.c");
     VelCGGenericFile generic("g.c");
     VelCGDataTypesFile types("t.h");
     const std::pair<const char*, VelCGFileSectionKind> accessors[] = {

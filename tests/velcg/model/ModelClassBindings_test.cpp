@@ -187,9 +187,36 @@ struct Scene {
     }
 };
 
+struct Prop {
+    const char* key;
+    const char* hostType;
+    std::string rendered;
+};
+
+const std::string kBlockClass = "VelCG.GraphicalBlock";
+const std::string kQueueClass = "VelCG.ToAsyncQueueBlock";
+
 class ModelClassBindings : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { PlexoInitialize_velcg(); }
+
+    // The class of object registers exactly props, in order, and each reads
+    // by key with its host type and rendering.
+    void expectPropertiesInOrder(vel::mi::Handle* object, const std::vector<Prop>& props) {
+        ASSERT_NE(nullptr, object);
+        const auto& cls = client.classOf(*object);
+        SCOPED_TRACE(cls.getQualifiedName());
+        std::vector<std::string> registered, expected;
+        for (const auto& p : cls.getProperties()) registered.push_back(p.name);
+        for (const auto& p : props) expected.push_back(p.key);
+        EXPECT_EQ(expected, registered);
+        for (const auto& p : props) {
+            korb::Value v = client.getPropertyValue(object->makeRef(), p.key);
+            EXPECT_EQ(p.hostType, v.hostType) << p.key;
+            EXPECT_EQ(p.rendered, render(*v.data)) << p.key;
+        }
+    }
+
     korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
 };
 
@@ -252,329 +279,379 @@ TEST_F(ModelClassBindings, RegistersModelClassesInOrderAfterFileClasses) {
     }
 }
 
-struct Prop {
-    const char* key;
-    const char* hostType;
-    std::string rendered;
-};
-
-TEST_F(ModelClassBindings, EveryPropertyReadsByKeyInRegistrationOrder) {
+TEST_F(ModelClassBindings, SystemPropertiesReadByKeyInRegistrationOrder) {
     Scene s;
-    const std::string B = "VelCG.GraphicalBlock", T = "VelCG.ToAsyncQueueBlock";
-    const struct {
-        vel::mi::Handle* object;
-        std::vector<Prop> props;
-    } classes[] = {
-        {s.system,
-         {{"Identifier", "char", "'sysId'"},
-          {"GraphicalCallsites", "any", "<" + B + ">"},
-          {"StartFcn", "char", "'start'"},
-          {"OutputFcn", "char", "'out'"},
-          {"UpdateFcn", "char", "'upd'"},
-          {"OutputUpdateFcn", "char", "'outupd'"},
-          {"IsModelReferenceBaseSystem", "logical scalar", "logical false"}}},
-        {s.cgType,
-         {{"Name", "char", "'int32_t'"},
-          {"VelTypeIndex", "int32 scalar", "int32 0"},
-          {"Width", "int32 scalar", "int32 1"},
-          {"SymbolicWidth", "char", "'1'"},
-          {"Constructor", "char", "''"},
-          {"BaseIndex", "int32 scalar", "int32 0"},
-          {"Dimensions", "int32 vector", "int32[2,3]"},
-          {"SymbolicDimensions", "cell", "{'N','M'}"},
-          {"Bias", "double scalar", "double 0"},
-          {"Slope", "double scalar", "double 1.5"},
-          {"NBits", "int32 scalar", "int32 32"},
-          {"IsSigned", "logical scalar", "logical true"},
-          {"Exponent", "int32 scalar", "int32 0"},
-          {"IsLoweredMultiword", "logical scalar", "logical false"},
-          {"StructAlignment", "int32 scalar", "int32 -1"},
-          {"Members", "any", "<VelCG.CGTypeMember>"},
-          {"EmbeddedType", "any", "embedded.type"}}},
-        {s.member,
-         {{"Name", "char", "'u1'"},
-          {"CGTypeIndex", "int32 scalar", "int32 0"},
-          {"Alignment", "int32 scalar", "int32 4"}}},
-        {&s.model,
-         {{"Systems", "any", "<VelCG.System>"},
-          {"BlockHierarchyMap", "any", "<VelCG.BlockHierarchyMap>"},
-          {"CGTypes", "any", "<VelCG.VelCGType>"},
-          {"VarGroups", "any", "<VelCG.VarGroup>"},
-          {"VelTypes", "any", "<VelCG.VelType>"},
-          {"ExternalInputs", "any", "<VelCG.ExternalInput>"},
-          {"TAQBlocks", "any", "<" + T + ">"},
-          {"SubsystemPathForRightClickBuild", "char", "'m/Sub'"},
-          {"SubsystemNameForRightClickBuild", "char", "'Sub'"},
-          {"ModelReferenceTargetType", "char", "'SIM'"},
-          {"NumChildSFunctions", "uint32 scalar", "uint32 2"},
-          {"IsQuayTarget", "logical scalar", "logical true"},
-          {"IsGeneratingToSharedLocation", "logical scalar", "logical true"},
-          {"IsCompactFilePackaging", "logical scalar", "logical true"},
-          {"MaxMultiWordBits", "int32 scalar", "int32 128"},
-          {"IsModelReferenceTarget", "logical scalar", "logical false"},
-          {"NumModelReferenceBlocks", "int32 scalar", "int32 3"},
-          {"IsHostBasedSimulationTarget", "logical scalar", "logical false"},
-          {"SharedCodeManagerPath", "char", "'/shared'"}}},
-        {s.group,
-         {{"Name", "char", "'model_State'"},
-          {"Category", "char vector", "'DWork'"},
-          {"LocalName", "char", "'localState'"},
-          {"NonreusedName", "char", "'model_State'"},
-          {"SystemIndex", "int32 scalar", "int32 0"},
-          {"HasElement", "char", "'yes'"},
-          {"InstanceIndex", "int32 scalar", "int32 0"},
-          {"IsPointer", "logical scalar", "logical false"},
-          {"ParentVarGroupIndex", "int32 scalar", "int32 -1"},
-          {"MemberIndexInParent", "int32 scalar", "int32 -1"},
-          {"CGTypeIndex", "int32 scalar", "int32 0"},
-          {"TypeTag", "char", "'tag'"},
-          {"GlobalOffset", "int32 scalar", "int32 8"},
-          {"Elements", "cell", "{'a','b'}"},
-          {"SubstructNames", "cell", "{'S'}"},
-          {"SubstructIndices", "int32 vector", "int32 1"},
-          {"DataGroupIndex", "int32 scalar", "int32 -1"}}},
-        {s.velType,
-         {{"ID", "int32 scalar", "int32 7"},
-          {"CGTypeIdx", "int32 scalar", "int32 0"},
-          {"ContainerCGTypeIdx", "int32 scalar", "int32 -1"},
-          {"ContainerVelTypeIdx", "int32 scalar", "int32 -1"}}},
-        {s.input,
-         {{"CGTypeIndex", "int32 scalar", "int32 0"},
-          {"StorageClass", "char", "'Auto'"},
-          {"RequiresGlobalAccess", "logical scalar", "logical true"},
-          {"Identifier", "char", "'In1'"},
-          {"VarGroupIndex", "int32 scalar", "int32 -1"},
-          {"VarGroupMemberIndex", "int32 scalar", "int32 -1"},
-          {"HasVarDims", "logical scalar", "logical false"},
-          {"CanonicalDimSizeDWorkIndex", "int32 scalar", "int32 -1"},
-          {"HasCanonicalDimSizeDWorkIndex", "logical scalar", "logical false"},
-          {"SizeVarGroupIdx", "int32 scalar", "int32 2"},
-          {"SizeVarGroupMemberIndex", "int32 scalar", "int32 -1"},
-          {"DimSizeDWork", "int32 scalar", "int32 -1"},
-          {"Padding", "int32 scalar", "int32 4"}}},
-        {s.model.getBlockHierarchyMap(),
-         {{"Subsystems", "any", "<VelCG.GraphicalSubsystem>"}, {"ReducedBlocks", "any", "<>"}}},
-        {s.root,
-         {{"Name", "char", "'root'"},
-          {"VelName", "char", "'root'"},
-          {"SubsystemBlock", "any", "<" + B + ">"},
-          {"Type", "char vector", "'root'"},
-          {"MaskType", "char", "''"},
-          {"InputPortBlocks", "any", "<>"},
-          {"OutputPortBlocks", "any", "<>"},
-          {"DataStoreBlocks", "any", "<>"},
-          {"SubsystemBlocks", "any", "<>"},
-          {"ChildSubsystems", "any", "<>"},
-          {"Blocks", "any", "<" + B + ">"}}},
-        {s.block,
-         {{"Name", "char", "'Gain'"},
-          {"VelName", "char", "'Gain1'"},
-          {"SID", "char", "'m:5'"},
-          {"Type", "char", "'Gain'"},
-          {"Description", "char", "'desc'"},
-          {"ReferencedModelName", "char", "''"},
-          {"Virtual", "char vector", "'Virtual'"},
-          {"DataInputPorts", "any", "<VelCG.Port>"},
-          {"DataOutputPorts", "any", "<VelCG.Port>"},
-          {"ControlInputPorts", "any", "<>"},
-          {"NumFcnCallOutputPorts", "int32 scalar", "int32 0"},
-          {"Parameters", "any", "{<VelCG.Parameter>}"},
-          {"ContinuousStates", "any", "<VelCG.State>"},
-          {"Derivatives", "any", "<VelCG.State>"},
-          {"DiscreteStates", "any", "{<VelCG.DataInterfaceRecord>}"},
-          {"DWorks", "any", "{<VelCG.DataInterfaceRecord>}"},
-          {"RLSCommentName", "char", "'rls'"},
-          {"IsProtectedModelBlock", "logical scalar", "logical false"}}},
-        {s.inPort,
-         {{"VelName", "char", "''"},
-          {"SignalLabel", "char", "''"},
-          {"Connected", "logical scalar", "logical false"},
-          {"TestPoint", "logical scalar", "logical false"},
-          {"MdlRefSimLoggableTestPoint", "logical scalar", "logical false"},
-          {"GraphicalSource", "any", "<VelCG.Port>"},
-          {"Regions", "any", "<>"}}},
-        {s.region,
-         {{"Source", "char", "'model_Signals.x'"},
-          {"BusSelElIdx", "char", "''"},
-          {"BusSelElCGTypeId", "char", "''"},
-          {"Offset", "int32 scalar", "int32 2"},
-          {"GroundDataTypeIdx", "int32 scalar", "int32 -1"},
-          {"GroundLabel", "char", "''"},
-          {"GroundIsComplex", "logical scalar", "logical false"},
-          {"GroundIsSynthesized", "logical scalar", "logical false"},
-          {"Dimensions", "int32 vector", "int32 1"},
-          {"FunctionArgumentIdx", "int32 scalar", "int32 -1"},
-          {"DataInterface", "any", "coder.DataInterface"}}},
-        {dynamic_cast<vel::mi::Handle*>(s.parameter),
-         {{"Name", "char", "'K'"}, {"ModelParameters", "any", "<VelCG.ModelParameter>"}}},
-        {s.state, {{"Dimensions", "int32 vector", "int32 3"}}},
-        {dynamic_cast<vel::mi::Handle*>(s.modelParameter),
-         {{"Name", "char", "'K'"},
-          {"IsAlias", "logical scalar", "logical false"},
-          {"IsWorkspaceVar", "logical scalar", "logical true"},
-          {"IsPseudoWorkspaceVar", "logical scalar", "logical false"},
-          {"IsTunable", "logical scalar", "logical true"},
-          {"GraphicalSource", "any", "<" + B + ">"},
-          {"GraphicalReferences", "any", "<" + B + ">"},
-          {"DataInterface", "any", "coder.DataInterface"}}},
-        {s.taq,
-         {{"isFixedPoint", "logical scalar", "logical false"},
-          {"isEnum", "logical scalar", "logical false"},
-          {"dataTypeId", "int32 scalar", "int32 0"},
-          {"dataTypeSize", "int32 scalar", "int32 0"},
-          {"fxpNumericType", "int32 scalar", "int32 0"},
-          {"fxpSignedness", "uint32 scalar", "uint32 0"},
-          {"fxpWordLength", "int32 scalar", "int32 0"},
-          {"fxpFractionLength", "int32 scalar", "int32 0"},
-          {"fxpSlopeAdjFactor", "double scalar", "double 0"},
-          {"fxpFixedExponent", "int32 scalar", "int32 0"},
-          {"fxpBias", "double scalar", "double 0"},
-          {"enumClassName", "char", "''"},
-          {"enumClassification", "char", "''"},
-          {"enumLabels", "cell", "{}"},
-          {"enumValues", "int32 vector", "int32[]"},
-          {"isComplex", "logical scalar", "logical false"},
-          {"isDiscete", "logical scalar", "logical false"},
-          {"isVirtualBus", "logical scalar", "logical false"},
-          {"isNVBus", "logical scalar", "logical false"},
-          {"isVarDims", "logical scalar", "logical false"},
-          {"dimensions", "int32 vector", "int32[]"},
-          {"blockPath", "char", "''"},
-          {"blockSID", "char", "''"},
-          {"portNumber", "int32 scalar", "int32 0"},
-          {"signalName", "char", "''"},
-          {"actSrcBlockPath", "char", "''"},
-          {"actSrcBlockSID", "char", "''"},
-          {"actSrcPortNumber", "int32 scalar", "int32 0"},
-          {"actSrcDWorkName", "char", "''"},
-          {"actSrcStartElement", "int32 scalar", "int32 0"},
-          {"signalSourceUUID", "char", "''"},
-          {"signalSourceUUIDasInteger", "int64 scalar", "int64 0"},
-          {"units", "char", "''"},
-          {"uniqueId", "uint32 scalar", "uint32 0"},
-          {"tid", "int32 scalar", "int32 0"},
-          {"leafElements", "any", "<" + T + "," + T + ">"},
-          {"nvBusOffset", "int64 scalar", "int64 0"},
-          {"isLiveStreaming", "logical scalar", "logical false"},
-          {"isDeferredStreaming", "logical scalar", "logical false"}}},
-        {dynamic_cast<vel::mi::Handle*>(s.dWork), {{"DataInterface", "any", "coder.DataInterface"}}},
-    };
-    for (const auto& c : classes) {
-        ASSERT_NE(nullptr, c.object);
-        const auto& cls = client.classOf(*c.object);
-        SCOPED_TRACE(cls.getQualifiedName());
-        std::vector<std::string> registered, expected;
-        for (const auto& p : cls.getProperties()) registered.push_back(p.name);
-        for (const auto& p : c.props) expected.push_back(p.key);
-        EXPECT_EQ(expected, registered);
-        for (const auto& p : c.props) {
-            korb::Value v = client.getPropertyValue(c.object->makeRef(), p.key);
-            EXPECT_EQ(p.hostType, v.hostType) << p.key;
-            EXPECT_EQ(p.rendered, render(*v.data)) << p.key;
-        }
-    }
-    // The async-queue block also answers the graphical block's properties.
-    EXPECT_EQ("'TAQ'", render(*client.getProperty(s.taq->makeRef(), "Name")));
+    expectPropertiesInOrder(s.system, {{"Identifier", "char", "'sysId'"},
+                                       {"GraphicalCallsites", "any", "<" + kBlockClass + ">"},
+                                       {"StartFcn", "char", "'start'"},
+                                       {"OutputFcn", "char", "'out'"},
+                                       {"UpdateFcn", "char", "'upd'"},
+                                       {"OutputUpdateFcn", "char", "'outupd'"},
+                                       {"IsModelReferenceBaseSystem", "logical scalar", "logical false"}});
     // Handles refer to the very objects of the model.
     EXPECT_EQ(s.block, client.getProperty(s.system->makeRef(), "GraphicalCallsites")->handles()[0].get());
+}
+
+TEST_F(ModelClassBindings, VelCGTypePropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.cgType, {{"Name", "char", "'int32_t'"},
+                                       {"VelTypeIndex", "int32 scalar", "int32 0"},
+                                       {"Width", "int32 scalar", "int32 1"},
+                                       {"SymbolicWidth", "char", "'1'"},
+                                       {"Constructor", "char", "''"},
+                                       {"BaseIndex", "int32 scalar", "int32 0"},
+                                       {"Dimensions", "int32 vector", "int32[2,3]"},
+                                       {"SymbolicDimensions", "cell", "{'N','M'}"},
+                                       {"Bias", "double scalar", "double 0"},
+                                       {"Slope", "double scalar", "double 1.5"},
+                                       {"NBits", "int32 scalar", "int32 32"},
+                                       {"IsSigned", "logical scalar", "logical true"},
+                                       {"Exponent", "int32 scalar", "int32 0"},
+                                       {"IsLoweredMultiword", "logical scalar", "logical false"},
+                                       {"StructAlignment", "int32 scalar", "int32 -1"},
+                                       {"Members", "any", "<VelCG.CGTypeMember>"},
+                                       {"EmbeddedType", "any", "embedded.type"}});
+}
+
+TEST_F(ModelClassBindings, CGTypeMemberPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.member, {{"Name", "char", "'u1'"},
+                                       {"CGTypeIndex", "int32 scalar", "int32 0"},
+                                       {"Alignment", "int32 scalar", "int32 4"}});
+}
+
+TEST_F(ModelClassBindings, CGModelPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(&s.model, {{"Systems", "any", "<VelCG.System>"},
+                                       {"BlockHierarchyMap", "any", "<VelCG.BlockHierarchyMap>"},
+                                       {"CGTypes", "any", "<VelCG.VelCGType>"},
+                                       {"VarGroups", "any", "<VelCG.VarGroup>"},
+                                       {"VelTypes", "any", "<VelCG.VelType>"},
+                                       {"ExternalInputs", "any", "<VelCG.ExternalInput>"},
+                                       {"TAQBlocks", "any", "<" + kQueueClass + ">"},
+                                       {"SubsystemPathForRightClickBuild", "char", "'m/Sub'"},
+                                       {"SubsystemNameForRightClickBuild", "char", "'Sub'"},
+                                       {"ModelReferenceTargetType", "char", "'SIM'"},
+                                       {"NumChildSFunctions", "uint32 scalar", "uint32 2"},
+                                       {"IsQuayTarget", "logical scalar", "logical true"},
+                                       {"IsGeneratingToSharedLocation", "logical scalar", "logical true"},
+                                       {"IsCompactFilePackaging", "logical scalar", "logical true"},
+                                       {"MaxMultiWordBits", "int32 scalar", "int32 128"},
+                                       {"IsModelReferenceTarget", "logical scalar", "logical false"},
+                                       {"NumModelReferenceBlocks", "int32 scalar", "int32 3"},
+                                       {"IsHostBasedSimulationTarget", "logical scalar", "logical false"},
+                                       {"SharedCodeManagerPath", "char", "'/shared'"}});
+}
+
+TEST_F(ModelClassBindings, VarGroupPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.group, {{"Name", "char", "'model_State'"},
+                                      {"Category", "char vector", "'DWork'"},
+                                      {"LocalName", "char", "'localState'"},
+                                      {"NonreusedName", "char", "'model_State'"},
+                                      {"SystemIndex", "int32 scalar", "int32 0"},
+                                      {"HasElement", "char", "'yes'"},
+                                      {"InstanceIndex", "int32 scalar", "int32 0"},
+                                      {"IsPointer", "logical scalar", "logical false"},
+                                      {"ParentVarGroupIndex", "int32 scalar", "int32 -1"},
+                                      {"MemberIndexInParent", "int32 scalar", "int32 -1"},
+                                      {"CGTypeIndex", "int32 scalar", "int32 0"},
+                                      {"TypeTag", "char", "'tag'"},
+                                      {"GlobalOffset", "int32 scalar", "int32 8"},
+                                      {"Elements", "cell", "{'a','b'}"},
+                                      {"SubstructNames", "cell", "{'S'}"},
+                                      {"SubstructIndices", "int32 vector", "int32 1"},
+                                      {"DataGroupIndex", "int32 scalar", "int32 -1"}});
+}
+
+TEST_F(ModelClassBindings, VelTypePropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.velType, {{"ID", "int32 scalar", "int32 7"},
+                                        {"CGTypeIdx", "int32 scalar", "int32 0"},
+                                        {"ContainerCGTypeIdx", "int32 scalar", "int32 -1"},
+                                        {"ContainerVelTypeIdx", "int32 scalar", "int32 -1"}});
+}
+
+TEST_F(ModelClassBindings, ExternalInputPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.input, {{"CGTypeIndex", "int32 scalar", "int32 0"},
+                                      {"StorageClass", "char", "'Auto'"},
+                                      {"RequiresGlobalAccess", "logical scalar", "logical true"},
+                                      {"Identifier", "char", "'In1'"},
+                                      {"VarGroupIndex", "int32 scalar", "int32 -1"},
+                                      {"VarGroupMemberIndex", "int32 scalar", "int32 -1"},
+                                      {"HasVarDims", "logical scalar", "logical false"},
+                                      {"CanonicalDimSizeDWorkIndex", "int32 scalar", "int32 -1"},
+                                      {"HasCanonicalDimSizeDWorkIndex", "logical scalar", "logical false"},
+                                      {"SizeVarGroupIdx", "int32 scalar", "int32 2"},
+                                      {"SizeVarGroupMemberIndex", "int32 scalar", "int32 -1"},
+                                      {"DimSizeDWork", "int32 scalar", "int32 -1"},
+                                      {"Padding", "int32 scalar", "int32 4"}});
+}
+
+TEST_F(ModelClassBindings, BlockHierarchyMapPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(
+        s.model.getBlockHierarchyMap(),
+        {{"Subsystems", "any", "<VelCG.GraphicalSubsystem>"}, {"ReducedBlocks", "any", "<>"}});
+}
+
+TEST_F(ModelClassBindings, GraphicalSubsystemPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.root, {{"Name", "char", "'root'"},
+                                     {"VelName", "char", "'root'"},
+                                     {"SubsystemBlock", "any", "<" + kBlockClass + ">"},
+                                     {"Type", "char vector", "'root'"},
+                                     {"MaskType", "char", "''"},
+                                     {"InputPortBlocks", "any", "<>"},
+                                     {"OutputPortBlocks", "any", "<>"},
+                                     {"DataStoreBlocks", "any", "<>"},
+                                     {"SubsystemBlocks", "any", "<>"},
+                                     {"ChildSubsystems", "any", "<>"},
+                                     {"Blocks", "any", "<" + kBlockClass + ">"}});
+}
+
+TEST_F(ModelClassBindings, GraphicalBlockPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.block, {{"Name", "char", "'Gain'"},
+                                      {"VelName", "char", "'Gain1'"},
+                                      {"SID", "char", "'m:5'"},
+                                      {"Type", "char", "'Gain'"},
+                                      {"Description", "char", "'desc'"},
+                                      {"ReferencedModelName", "char", "''"},
+                                      {"Virtual", "char vector", "'Virtual'"},
+                                      {"DataInputPorts", "any", "<VelCG.Port>"},
+                                      {"DataOutputPorts", "any", "<VelCG.Port>"},
+                                      {"ControlInputPorts", "any", "<>"},
+                                      {"NumFcnCallOutputPorts", "int32 scalar", "int32 0"},
+                                      {"Parameters", "any", "{<VelCG.Parameter>}"},
+                                      {"ContinuousStates", "any", "<VelCG.State>"},
+                                      {"Derivatives", "any", "<VelCG.State>"},
+                                      {"DiscreteStates", "any", "{<VelCG.DataInterfaceRecord>}"},
+                                      {"DWorks", "any", "{<VelCG.DataInterfaceRecord>}"},
+                                      {"RLSCommentName", "char", "'rls'"},
+                                      {"IsProtectedModelBlock", "logical scalar", "logical false"}});
+}
+
+TEST_F(ModelClassBindings, PortPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.inPort, {{"VelName", "char", "''"},
+                                       {"SignalLabel", "char", "''"},
+                                       {"Connected", "logical scalar", "logical false"},
+                                       {"TestPoint", "logical scalar", "logical false"},
+                                       {"MdlRefSimLoggableTestPoint", "logical scalar", "logical false"},
+                                       {"GraphicalSource", "any", "<VelCG.Port>"},
+                                       {"Regions", "any", "<>"}});
+    // Handles refer to the very objects of the model.
     EXPECT_EQ(s.outPort, client.getProperty(s.inPort->makeRef(), "GraphicalSource")->handles()[0].get());
+}
+
+TEST_F(ModelClassBindings, RegionPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.region, {{"Source", "char", "'model_Signals.x'"},
+                                       {"BusSelElIdx", "char", "''"},
+                                       {"BusSelElCGTypeId", "char", "''"},
+                                       {"Offset", "int32 scalar", "int32 2"},
+                                       {"GroundDataTypeIdx", "int32 scalar", "int32 -1"},
+                                       {"GroundLabel", "char", "''"},
+                                       {"GroundIsComplex", "logical scalar", "logical false"},
+                                       {"GroundIsSynthesized", "logical scalar", "logical false"},
+                                       {"Dimensions", "int32 vector", "int32 1"},
+                                       {"FunctionArgumentIdx", "int32 scalar", "int32 -1"},
+                                       {"DataInterface", "any", "coder.DataInterface"}});
+}
+
+TEST_F(ModelClassBindings, ParameterPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(dynamic_cast<vel::mi::Handle*>(s.parameter),
+                            {{"Name", "char", "'K'"}, {"ModelParameters", "any", "<VelCG.ModelParameter>"}});
+}
+
+TEST_F(ModelClassBindings, StatePropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.state, {{"Dimensions", "int32 vector", "int32 3"}});
+}
+
+TEST_F(ModelClassBindings, ModelParameterPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(dynamic_cast<vel::mi::Handle*>(s.modelParameter),
+                            {{"Name", "char", "'K'"},
+                             {"IsAlias", "logical scalar", "logical false"},
+                             {"IsWorkspaceVar", "logical scalar", "logical true"},
+                             {"IsPseudoWorkspaceVar", "logical scalar", "logical false"},
+                             {"IsTunable", "logical scalar", "logical true"},
+                             {"GraphicalSource", "any", "<" + kBlockClass + ">"},
+                             {"GraphicalReferences", "any", "<" + kBlockClass + ">"},
+                             {"DataInterface", "any", "coder.DataInterface"}});
+}
+
+TEST_F(ModelClassBindings, ToAsyncQueueBlockPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(s.taq, {{"isFixedPoint", "logical scalar", "logical false"},
+                                    {"isEnum", "logical scalar", "logical false"},
+                                    {"dataTypeId", "int32 scalar", "int32 0"},
+                                    {"dataTypeSize", "int32 scalar", "int32 0"},
+                                    {"fxpNumericType", "int32 scalar", "int32 0"},
+                                    {"fxpSignedness", "uint32 scalar", "uint32 0"},
+                                    {"fxpWordLength", "int32 scalar", "int32 0"},
+                                    {"fxpFractionLength", "int32 scalar", "int32 0"},
+                                    {"fxpSlopeAdjFactor", "double scalar", "double 0"},
+                                    {"fxpFixedExponent", "int32 scalar", "int32 0"},
+                                    {"fxpBias", "double scalar", "double 0"},
+                                    {"enumClassName", "char", "''"},
+                                    {"enumClassification", "char", "''"},
+                                    {"enumLabels", "cell", "{}"},
+                                    {"enumValues", "int32 vector", "int32[]"},
+                                    {"isComplex", "logical scalar", "logical false"},
+                                    {"isDiscete", "logical scalar", "logical false"},
+                                    {"isVirtualBus", "logical scalar", "logical false"},
+                                    {"isNVBus", "logical scalar", "logical false"},
+                                    {"isVarDims", "logical scalar", "logical false"},
+                                    {"dimensions", "int32 vector", "int32[]"},
+                                    {"blockPath", "char", "''"},
+                                    {"blockSID", "char", "''"},
+                                    {"portNumber", "int32 scalar", "int32 0"},
+                                    {"signalName", "char", "''"},
+                                    {"actSrcBlockPath", "char", "''"},
+                                    {"actSrcBlockSID", "char", "''"},
+                                    {"actSrcPortNumber", "int32 scalar", "int32 0"},
+                                    {"actSrcDWorkName", "char", "''"},
+                                    {"actSrcStartElement", "int32 scalar", "int32 0"},
+                                    {"signalSourceUUID", "char", "''"},
+                                    {"signalSourceUUIDasInteger", "int64 scalar", "int64 0"},
+                                    {"units", "char", "''"},
+                                    {"uniqueId", "uint32 scalar", "uint32 0"},
+                                    {"tid", "int32 scalar", "int32 0"},
+                                    {"leafElements", "any", "<" + kQueueClass + "," + kQueueClass + ">"},
+                                    {"nvBusOffset", "int64 scalar", "int64 0"},
+                                    {"isLiveStreaming", "logical scalar", "logical false"},
+                                    {"isDeferredStreaming", "logical scalar", "logical false"}});
+}
+
+TEST_F(ModelClassBindings, DataInterfaceRecordPropertiesReadByKeyInRegistrationOrder) {
+    Scene s;
+    expectPropertiesInOrder(dynamic_cast<vel::mi::Handle*>(s.dWork),
+                            {{"DataInterface", "any", "coder.DataInterface"}});
+}
+
+// The async-queue block also answers the graphical block's properties.
+TEST_F(ModelClassBindings, ToAsyncQueueBlockAlsoReadsGraphicalBlockProperties) {
+    Scene s;
+    EXPECT_EQ("'TAQ'", render(*client.getProperty(s.taq->makeRef(), "Name")));
 }
 
 // A fresh object of each class reads, property by property, as the defaults
 // its class documents.
-TEST_F(ModelClassBindings, FreshObjectsReadAsTheirDefaults) {
+
+TEST_F(ModelClassBindings, FreshSystemReadsAsItsDefaults) {
     System system;
-    VarGroup group;
-    ExternalInput input;
-    VelType velType;
-    VelCGType cgType;
-    CGTypeMember member;
-    const struct {
-        vel::mi::Handle* object;
-        const char* expected;
-    } rows[] = {
-        {&system,
-         "Identifier=''\n"
-         "GraphicalCallsites=<>\n"
-         "StartFcn=''\n"
-         "OutputFcn=''\n"
-         "UpdateFcn=''\n"
-         "OutputUpdateFcn=''\n"
-         "IsModelReferenceBaseSystem=logical false\n"},
-        {&group,
-         "Name=''\n"
-         "Category='BlockIO'\n"
-         "LocalName='localB'\n"
-         "NonreusedName=''\n"
-         "SystemIndex=int32 -1\n"
-         "HasElement=''\n"
-         "InstanceIndex=int32 0\n"
-         "IsPointer=logical false\n"
-         "ParentVarGroupIndex=int32 -1\n"
-         "MemberIndexInParent=int32 -1\n"
-         "CGTypeIndex=int32 -1\n"
-         "TypeTag=''\n"
-         "GlobalOffset=int32 0\n"
-         "Elements={}\n"
-         "SubstructNames={}\n"
-         "SubstructIndices=int32[]\n"
-         "DataGroupIndex=int32 -1\n"},
-        {&input,
-         "CGTypeIndex=int32 -1\n"
-         "StorageClass=''\n"
-         "RequiresGlobalAccess=logical true\n"
-         "Identifier=''\n"
-         "VarGroupIndex=int32 -1\n"
-         "VarGroupMemberIndex=int32 -1\n"
-         "HasVarDims=logical false\n"
-         "CanonicalDimSizeDWorkIndex=int32 -1\n"
-         "HasCanonicalDimSizeDWorkIndex=logical false\n"
-         "SizeVarGroupIdx=int32 -1\n"
-         "SizeVarGroupMemberIndex=int32 -1\n"
-         "DimSizeDWork=int32 -1\n"
-         "Padding=int32 0\n"},
-        {&velType,
-         "ID=int32 -10\n"
-         "CGTypeIdx=int32 0\n"
-         "ContainerCGTypeIdx=int32 -1\n"
-         "ContainerVelTypeIdx=int32 -1\n"},
-        {&cgType,
-         "Name=''\n"
-         "VelTypeIndex=int32 -1\n"
-         "Width=int32 1\n"
-         "SymbolicWidth='1'\n"
-         "Constructor=''\n"
-         "BaseIndex=int32 0\n"
-         "Dimensions=int32[]\n"
-         "SymbolicDimensions={}\n"
-         "Bias=double 0\n"
-         "Slope=double 0\n"
-         "NBits=int32 0\n"
-         "IsSigned=logical false\n"
-         "Exponent=int32 0\n"
-         "IsLoweredMultiword=logical false\n"
-         "StructAlignment=int32 -1\n"
-         "Members=<>\n"
-         "EmbeddedType=[]\n"},
-        {&member,
-         "Name=''\n"
-         "CGTypeIndex=int32 0\n"
-         "Alignment=int32 -1\n"},
-    };
-    for (const auto& r : rows) EXPECT_EQ(r.expected, renderProperties(client, *r.object));
+    EXPECT_EQ(
+        "Identifier=''\n"
+        "GraphicalCallsites=<>\n"
+        "StartFcn=''\n"
+        "OutputFcn=''\n"
+        "UpdateFcn=''\n"
+        "OutputUpdateFcn=''\n"
+        "IsModelReferenceBaseSystem=logical false\n",
+        renderProperties(client, system));
 }
 
-TEST_F(ModelClassBindings, WritablePropertiesRoundTripAndOthersAreReadOnly) {
-    Scene s;
+TEST_F(ModelClassBindings, FreshVarGroupReadsAsItsDefaults) {
+    VarGroup group;
+    EXPECT_EQ(
+        "Name=''\n"
+        "Category='BlockIO'\n"
+        "LocalName='localB'\n"
+        "NonreusedName=''\n"
+        "SystemIndex=int32 -1\n"
+        "HasElement=''\n"
+        "InstanceIndex=int32 0\n"
+        "IsPointer=logical false\n"
+        "ParentVarGroupIndex=int32 -1\n"
+        "MemberIndexInParent=int32 -1\n"
+        "CGTypeIndex=int32 -1\n"
+        "TypeTag=''\n"
+        "GlobalOffset=int32 0\n"
+        "Elements={}\n"
+        "SubstructNames={}\n"
+        "SubstructIndices=int32[]\n"
+        "DataGroupIndex=int32 -1\n",
+        renderProperties(client, group));
+}
+
+TEST_F(ModelClassBindings, FreshExternalInputReadsAsItsDefaults) {
+    ExternalInput input;
+    EXPECT_EQ(
+        "CGTypeIndex=int32 -1\n"
+        "StorageClass=''\n"
+        "RequiresGlobalAccess=logical true\n"
+        "Identifier=''\n"
+        "VarGroupIndex=int32 -1\n"
+        "VarGroupMemberIndex=int32 -1\n"
+        "HasVarDims=logical false\n"
+        "CanonicalDimSizeDWorkIndex=int32 -1\n"
+        "HasCanonicalDimSizeDWorkIndex=logical false\n"
+        "SizeVarGroupIdx=int32 -1\n"
+        "SizeVarGroupMemberIndex=int32 -1\n"
+        "DimSizeDWork=int32 -1\n"
+        "Padding=int32 0\n",
+        renderProperties(client, input));
+}
+
+TEST_F(ModelClassBindings, FreshVelTypeReadsAsItsDefaults) {
+    VelType velType;
+    EXPECT_EQ(
+        "ID=int32 -10\n"
+        "CGTypeIdx=int32 0\n"
+        "ContainerCGTypeIdx=int32 -1\n"
+        "ContainerVelTypeIdx=int32 -1\n",
+        renderProperties(client, velType));
+}
+
+TEST_F(ModelClassBindings, FreshVelCGTypeReadsAsItsDefaults) {
+    VelCGType cgType;
+    EXPECT_EQ(
+        "Name=''\n"
+        "VelTypeIndex=int32 -1\n"
+        "Width=int32 1\n"
+        "SymbolicWidth='1'\n"
+        "Constructor=''\n"
+        "BaseIndex=int32 0\n"
+        "Dimensions=int32[]\n"
+        "SymbolicDimensions={}\n"
+        "Bias=double 0\n"
+        "Slope=double 0\n"
+        "NBits=int32 0\n"
+        "IsSigned=logical false\n"
+        "Exponent=int32 0\n"
+        "IsLoweredMultiword=logical false\n"
+        "StructAlignment=int32 -1\n"
+        "Members=<>\n"
+        "EmbeddedType=[]\n",
+        renderProperties(client, cgType));
+}
+
+TEST_F(ModelClassBindings, FreshCGTypeMemberReadsAsItsDefaults) {
+    CGTypeMember member;
+    EXPECT_EQ(
+        "Name=''\n"
+        "CGTypeIndex=int32 0\n"
+        "Alignment=int32 -1\n",
+        renderProperties(client, member));
+}
+
+struct Write {
+    vel::mi::Handle* object;
+    const char* key;
+    tuvArrayPtr value;
+};
+
+// Every property a script may write, with a value other than the scene's.
+std::vector<Write> writableProperties(Scene& s) {
     auto labels = tuvArray::cell(1, 2);
     labels->setCell(0, tuvArray::fromUtf8("A"));
     labels->setCell(1, tuvArray::fromUtf8("B"));
-    const auto& leaves = s.taq->getLeafElements();
-    const struct {
-        vel::mi::Handle* object;
-        const char* key;
-        tuvArrayPtr value;
-    } rows[] = {
+    return {
         {s.system, "Identifier", tuvArray::fromUtf8("id2")},
         {s.system, "GraphicalCallsites", tuvArray::objects({})},
         {s.system, "StartFcn", tuvArray::fromUtf8("s2")},
@@ -626,33 +703,66 @@ TEST_F(ModelClassBindings, WritablePropertiesRoundTripAndOthersAreReadOnly) {
         {s.taq, "isLiveStreaming", tuvArray::logical(true)},
         {s.taq, "isDeferredStreaming", tuvArray::logical(true)},
     };
-    std::map<std::string, std::set<std::string>> writable;
-    for (const auto& r : rows) {
-        const std::string before = render(*client.getProperty(r.object->makeRef(), r.key));
-        client.setProperty(r.object->makeRef(), r.key, *r.value);
-        const std::string after = render(*client.getProperty(r.object->makeRef(), r.key));
-        EXPECT_EQ(render(*r.value), after) << r.key;
-        EXPECT_NE(before, after) << r.key << ": the written value must differ from the old one";
-        writable[client.classOf(*r.object).getQualifiedName()].insert(r.key);
+}
+
+class ModelClassWrites : public ModelClassBindings {
+protected:
+    // Each write of object's writable properties reads back as written and
+    // differs from what was there before.
+    void expectWritesRoundTrip(vel::mi::Handle* object) {
+        for (const auto& r : writableProperties(s)) {
+            if (r.object != object) continue;
+            const std::string before = render(*client.getProperty(r.object->makeRef(), r.key));
+            client.setProperty(r.object->makeRef(), r.key, *r.value);
+            const std::string after = render(*client.getProperty(r.object->makeRef(), r.key));
+            EXPECT_EQ(render(*r.value), after) << r.key;
+            EXPECT_NE(before, after) << r.key << ": the written value must differ from the old one";
+        }
     }
-    EXPECT_TRUE(s.taq->getIsDiscrete()) << "\"isDiscete\" writes isDiscrete";
-    EXPECT_EQ(L"/other/\u00e9", s.model.getSharedCodeManagerPath());
+
+    Scene s;
+};
+
+TEST_F(ModelClassWrites, SystemWritablePropertiesRoundTrip) {
+    expectWritesRoundTrip(s.system);
     EXPECT_TRUE(s.system->getGraphicalCallsites().empty());
+}
+
+TEST_F(ModelClassWrites, VelTypeWritablePropertiesRoundTrip) { expectWritesRoundTrip(s.velType); }
+
+TEST_F(ModelClassWrites, CGModelSharedCodeManagerPathRoundTrips) {
+    expectWritesRoundTrip(&s.model);
+    EXPECT_EQ(L"/other/\u00e9", s.model.getSharedCodeManagerPath());
+}
+
+TEST_F(ModelClassWrites, ToAsyncQueueBlockWritablePropertiesRoundTrip) {
+    expectWritesRoundTrip(s.taq);
+    EXPECT_TRUE(s.taq->getIsDiscrete()) << "\"isDiscete\" writes isDiscrete";
+}
+
+TEST_F(ModelClassWrites, LeafElementsWriteReordersTheLeaves) {
+    const auto& leaves = s.taq->getLeafElements();
     // Leaves render alike by class; their order shows the write.
     client.setProperty(s.taq->makeRef(), "leafElements",
                        *tuvArray::objects({leaves[1]->makeRef(), leaves[0]->makeRef()}));
-    writable["VelCG.ToAsyncQueueBlock"].insert("leafElements");
     ASSERT_EQ(2u, s.taq->getLeafElements().size());
     EXPECT_EQ(L"leaf2", s.taq->getLeafElements()[0]->getName());
+}
 
-    // Only "EmbeddedType" of VelCGType is writable besides the rows above, and
-    // writing it has no effect.
+TEST_F(ModelClassWrites, WritingEmbeddedTypeHasNoEffect) {
     const CG::EmbeddedType* embedded = s.cgType->getEmbeddedType();
     client.setProperty(s.cgType->makeRef(), "EmbeddedType", *tuvArray::empty());
     EXPECT_EQ(embedded, s.cgType->getEmbeddedType());
+}
+
+TEST_F(ModelClassWrites, EveryOtherModelPropertyIsReadOnly) {
+    std::map<std::string, std::set<std::string>> writable;
+    for (const auto& r : writableProperties(s))
+        writable[client.classOf(*r.object).getQualifiedName()].insert(r.key);
+    writable["VelCG.ToAsyncQueueBlock"].insert("leafElements");
+    // Only "EmbeddedType" of VelCGType is writable besides the rows above.
     writable["VelCG.VelCGType"].insert("EmbeddedType");
 
-    // Every other property of the model classes is read-only.
     const auto classes = korb::ObjectSystem::instance().getPackageClasses("VelCG");
     ASSERT_GE(classes.size(), 17u);
     for (std::size_t i = classes.size() - 17; i < classes.size(); ++i) {
@@ -662,17 +772,16 @@ TEST_F(ModelClassBindings, WritablePropertiesRoundTripAndOthersAreReadOnly) {
     }
 }
 
-TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
-    Scene s;
-    // The serialization methods are called with nothing to write; their
-    // effect is checked in CGModelSerialize_test.cpp.
-    vel::feature::ScopedValue noSerialization(VELFEAT_VelCGDirectEmitSerialize, 0);
-    const struct {
-        vel::mi::Handle* object;
-        const char* name;
-        std::vector<tuvArrayPtr> args;
-        std::string rendered;
-    } rows[] = {
+struct MethodCall {
+    vel::mi::Handle* object;
+    const char* name;
+    std::vector<tuvArrayPtr> args;
+    std::string rendered;
+};
+
+// Every script-visible method of the scene's objects, with its answer.
+std::vector<MethodCall> methodCalls(Scene& s) {
+    return {
         {s.system, "getName", {}, "''"},
         {s.system, "isRootSystem", {}, "logical false"},
         {s.system, "isReusableLibrarySubsystem", {}, "logical false"},
@@ -707,20 +816,51 @@ TEST_F(ModelClassBindings, MethodsAnswerThroughTheNativeOperations) {
         {dynamic_cast<vel::mi::Handle*>(s.modelParameter), "getOriginalName", {}, "'Korig'"},
         {dynamic_cast<vel::mi::Handle*>(s.modelParameter), "getWorkspaceVarName", {}, "'Kws'"},
     };
-    std::map<const vel::mi::Handle*, std::vector<std::string>> called;
-    for (const auto& r : rows) {
-        EXPECT_EQ(r.rendered, render(*client.callMethod(r.object->makeRef(), r.name, r.args))) << r.name;
-        called[r.object].push_back(r.name);
-    }
-    // The rows cover every method, in registration order.
-    for (const auto& [object, names] : called) {
+}
+
+class ModelClassMethods : public ModelClassBindings {
+protected:
+    // Each method of object answers as expected, and the calls cover every
+    // method of its class in registration order.
+    void expectMethodsAnswer(vel::mi::Handle* object) {
+        // The serialization methods are called with nothing to write; their
+        // effect is checked in CGModelSerialize_test.cpp.
+        vel::feature::ScopedValue noSerialization(VELFEAT_VelCGDirectEmitSerialize, 0);
+        std::vector<std::string> names;
+        for (const auto& r : methodCalls(s)) {
+            if (r.object != object) continue;
+            EXPECT_EQ(r.rendered, render(*client.callMethod(r.object->makeRef(), r.name, r.args))) << r.name;
+            names.push_back(r.name);
+        }
         std::vector<std::string> registered;
         for (const auto& m : client.classOf(*object).getMethods()) registered.push_back(m.name);
         EXPECT_EQ(names, registered) << client.classOf(*object).getQualifiedName();
     }
+
+    Scene s;
+};
+
+TEST_F(ModelClassMethods, SystemMethodsAnswerInRegistrationOrder) { expectMethodsAnswer(s.system); }
+
+TEST_F(ModelClassMethods, VelCGTypeMethodsAnswerInRegistrationOrder) { expectMethodsAnswer(s.cgType); }
+
+TEST_F(ModelClassMethods, CGModelMethodsAnswerInRegistrationOrder) { expectMethodsAnswer(&s.model); }
+
+TEST_F(ModelClassMethods, VelTypeMethodsAnswerInRegistrationOrder) { expectMethodsAnswer(s.velType); }
+
+TEST_F(ModelClassMethods, ExternalInputMethodsAnswerInRegistrationOrder) { expectMethodsAnswer(s.input); }
+
+TEST_F(ModelClassMethods, ModelParameterMethodsAnswerInRegistrationOrder) {
+    expectMethodsAnswer(dynamic_cast<vel::mi::Handle*>(s.modelParameter));
+}
+
+TEST_F(ModelClassMethods, SystemWithReusableCodeAnswersIsReusable) {
     s.system->setBriskSystemCode(2);
-    s.model.addFunctionForSystem("f", s.system);
     EXPECT_EQ("logical true", render(*client.callMethod(s.system->makeRef(), "isReusable")));
+}
+
+TEST_F(ModelClassMethods, CGModelFindsTheSystemOfAFunction) {
+    s.model.addFunctionForSystem("f", s.system);
     EXPECT_EQ(s.system,
               client.callMethod(s.model.makeRef(), "getSystemForFunction", {tuvArray::fromUtf8("f")})
                   ->handles()[0]
@@ -778,78 +918,82 @@ TEST_F(ModelClassBindings, CallSitesSetByAScriptNeverOutliveTheirBlocks) {
     EXPECT_EQ("<>", render(*client.getProperty(own.system->makeRef(), "GraphicalCallsites")));
 }
 
-TEST_F(ModelClassBindings, BadIndicesAndOwnershipFromScriptsAreDiagnostics) {
+class ModelClassDiagnostics : public ModelClassBindings {
+protected:
     Scene s;
+};
+
+TEST_F(ModelClassDiagnostics, MemberPositionPastTheEndIsAnIndexDiagnostic) {
+    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] {
+                  s.input->setVarGroupIndex(0);
+                  s.input->setVarGroupMemberIndex(5);
+                  client.callMethod(s.input->makeRef(), "getRecordIdentifier");
+              }));
+}
+
+TEST_F(ModelClassDiagnostics, VariableGroupPastTheEndIsAnIndexDiagnostic) {
+    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] {
+                  s.input->setVarGroupIndex(9);
+                  client.callMethod(s.input->makeRef(), "getRecordIdentifier");
+              }));
+}
+
+TEST_F(ModelClassDiagnostics, TypeIndexPastTheEndIsAnIndexDiagnostic) {
+    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] {
+                  VelType* t = new VelType("double");
+                  t->setCGTypeIdx(4);
+                  s.model.addVelType(std::unique_ptr<VelType>(t));
+                  client.callMethod(t->makeRef(), "getName");
+              }));
+}
+
+TEST_F(ModelClassDiagnostics, NegativeTypeIndexIsAnInvalidTypeDiagnostic) {
+    EXPECT_EQ("VelCG:Type::InvalidCGType", diagnosticOf([&] {
+                  VelType fresh("x");
+                  fresh.setCGTypeIdx(-1);
+                  client.callMethod(fresh.makeRef(), "getName");
+              }));
+}
+
+TEST_F(ModelClassDiagnostics, SourceSubsystemPastTheEndIsAnIndexDiagnostic) {
+    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] {
+                  s.outPort->setCGModel(&s.model);
+                  s.outPort->setGrSrcPortIdx(3, 0, 0);
+                  client.getProperty(s.outPort->makeRef(), "GraphicalSource");
+              }));
+}
+
+TEST_F(ModelClassDiagnostics, ForeignLeafElementIsRefusedAndLeavesTheLeaves) {
     auto leafOfOther = std::make_unique<ToAsyncQueueBlock>(new StoredGraphicalBlock(L"x"));
-    const struct {
-        const char* what;
-        std::function<void()> call;
-        const char* id;
-    } rows[] = {
-        {"member position past the end",
-         [&] {
-             s.input->setVarGroupIndex(0);
-             s.input->setVarGroupMemberIndex(5);
-             client.callMethod(s.input->makeRef(), "getRecordIdentifier");
-         },
-         kIndexOutOfRangeId},
-        {"variable group past the end",
-         [&] {
-             s.input->setVarGroupIndex(9);
-             client.callMethod(s.input->makeRef(), "getRecordIdentifier");
-         },
-         kIndexOutOfRangeId},
-        {"type index past the end",
-         [&] {
-             VelType* t = new VelType("double");
-             t->setCGTypeIdx(4);
-             s.model.addVelType(std::unique_ptr<VelType>(t));
-             client.callMethod(t->makeRef(), "getName");
-         },
-         kIndexOutOfRangeId},
-        {"negative type index",
-         [&] {
-             VelType fresh("x");
-             fresh.setCGTypeIdx(-1);
-             client.callMethod(fresh.makeRef(), "getName");
-         },
-         "VelCG:Type::InvalidCGType"},
-        {"source subsystem past the end",
-         [&] {
-             s.outPort->setCGModel(&s.model);
-             s.outPort->setGrSrcPortIdx(3, 0, 0);
-             client.getProperty(s.outPort->makeRef(), "GraphicalSource");
-         },
-         kIndexOutOfRangeId},
-        {"foreign leaf element",
-         [&] {
-             client.setProperty(s.taq->makeRef(), "leafElements",
-                                *tuvArray::objects({leafOfOther->makeRef()}));
-         },
-         kInvalidOwnershipId},
-        {"dropped leaf element, which a system still lists as a call site",
-         [&] {
-             const auto leaf = s.taq->getLeafElements()[0];
-             client.setProperty(s.system->makeRef(), "GraphicalCallsites",
-                                *tuvArray::objects({leaf->makeRef()}));
-             client.setProperty(s.taq->makeRef(), "leafElements",
-                                *tuvArray::objects({s.taq->getLeafElements()[1]->makeRef()}));
-         },
-         kInvalidOwnershipId},
-        {"cyclic matrix type",
-         [&] {
-             auto* m = new VelCGType();
-             m->setConstructor("matrix");
-             m->setBaseIndex(1);
-             s.model.addVelCGType(std::unique_ptr<VelCGType>(m));
-             client.callMethod(m->makeRef(), "getContainerTypeName");
-         },
-         kCyclicTypeId},
-    };
-    for (const auto& r : rows) EXPECT_EQ(r.id, diagnosticOf(r.call)) << r.what;
+    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] {
+                  client.setProperty(s.taq->makeRef(), "leafElements",
+                                     *tuvArray::objects({leafOfOther->makeRef()}));
+              }));
+    EXPECT_EQ(2u, s.taq->getLeafElements().size()) << "a refused write leaves the leaves unchanged";
+}
+
+TEST_F(ModelClassDiagnostics, DroppingALeafASystemListsAsACallSiteIsRefused) {
+    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] {
+                  const auto leaf = s.taq->getLeafElements()[0];
+                  client.setProperty(s.system->makeRef(), "GraphicalCallsites",
+                                     *tuvArray::objects({leaf->makeRef()}));
+                  client.setProperty(s.taq->makeRef(), "leafElements",
+                                     *tuvArray::objects({s.taq->getLeafElements()[1]->makeRef()}));
+              }))
+        << "dropped leaf element, which a system still lists as a call site";
     EXPECT_EQ(2u, s.taq->getLeafElements().size()) << "a refused write leaves the leaves unchanged";
     EXPECT_EQ("<VelCG.ToAsyncQueueBlock>",
               render(*client.getProperty(s.system->makeRef(), "GraphicalCallsites")));
+}
+
+TEST_F(ModelClassDiagnostics, CyclicMatrixTypeIsACyclicTypeDiagnostic) {
+    EXPECT_EQ(kCyclicTypeId, diagnosticOf([&] {
+                  auto* m = new VelCGType();
+                  m->setConstructor("matrix");
+                  m->setBaseIndex(1);
+                  s.model.addVelCGType(std::unique_ptr<VelCGType>(m));
+                  client.callMethod(m->makeRef(), "getContainerTypeName");
+              }));
 }
 
 } // namespace
