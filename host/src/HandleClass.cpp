@@ -32,13 +32,22 @@ void HandleClass::addProperty(std::string name, std::unique_ptr<korb::GetterBind
                               std::unique_ptr<korb::SetterBinder> setter) {
     if (findOwnProperty(name) || findOwnMethod(name))
         diag::throwError("Korb:DuplicateMember", {name, shortName_});
-    properties_.push_back({std::move(name), std::move(getter), std::move(setter)});
+    properties_.push_back({std::move(name), std::move(getter), std::move(setter), {}});
 }
 
 void HandleClass::addMethod(std::string name, std::unique_ptr<korb::MethodBinder> binder) {
     if (findOwnProperty(name) || findOwnMethod(name))
         diag::throwError("Korb:DuplicateMember", {name, shortName_});
     methods_.push_back({std::move(name), std::move(binder)});
+}
+
+void HandleClass::setElementClass(const std::string& propertyName, std::string elementClass) {
+    for (auto& p : properties_)
+        if (p.name == propertyName) {
+            p.elementClass = std::move(elementClass);
+            return;
+        }
+    diag::throwError("Korb:UnknownProperty", {propertyName, shortName_});
 }
 
 } // namespace vel::mi

@@ -64,6 +64,10 @@ tuvArrayPtr tuvArray::int32Vector(std::vector<std::int32_t> values) {
     std::size_t n = values.size();
     return tuvArrayPtr(new tuvArray(tuvClass::Int32, n ? 1 : 0, n, std::move(values)));
 }
+tuvArrayPtr tuvArray::int64Vector(std::vector<std::int64_t> values) {
+    std::size_t n = values.size();
+    return tuvArrayPtr(new tuvArray(tuvClass::Int64, n ? 1 : 0, n, std::move(values)));
+}
 tuvArrayPtr tuvArray::doubleVector(std::vector<double> values) {
     std::size_t n = values.size();
     return tuvArrayPtr(new tuvArray(tuvClass::Double, n ? 1 : 0, n, std::move(values)));
@@ -156,8 +160,18 @@ const std::u16string& tuvArray::charData() const { return storage<std::u16string
 std::string tuvArray::toUtf8() const { return vel::i18n::toUtf8(charData()); }
 std::wstring tuvArray::toWide() const { return vel::i18n::toWide(charData()); }
 
+const Storage8& tuvArray::logicalData() const { return storage<Storage8>(tuvClass::Logical); }
 const std::vector<std::int32_t>& tuvArray::int32Data() const {
     return storage<std::vector<std::int32_t>>(tuvClass::Int32);
+}
+const std::vector<std::uint32_t>& tuvArray::uint32Data() const {
+    return storage<std::vector<std::uint32_t>>(tuvClass::UInt32);
+}
+const std::vector<std::int64_t>& tuvArray::int64Data() const {
+    return storage<std::vector<std::int64_t>>(tuvClass::Int64);
+}
+const std::vector<double>& tuvArray::doubleData() const {
+    return storage<std::vector<double>>(tuvClass::Double);
 }
 
 const tuvArrayPtr& tuvArray::getCell(std::size_t i) const {

@@ -91,7 +91,7 @@ void declareFileKind(ClassInfo& c, files_detail::FileKind file) {
 void declareFileRepository(ClassInfo& c) {
     using R = VelCGFileRepository;
     c.superclass(korb::kHeterogeneous);
-    c.property("FileList", getter(&R::getFileList_korb));
+    c.property("FileList", getter(&R::getFileList_korb)).holds("VelCG.VelCGFile");
     c.method("createDataTypesFile",
              korb::methodFn<R, VelCGFile*, std::string>(
                  [](R& r, const std::string& name) -> VelCGFile* { return &r.createDataTypesFile(name); }));

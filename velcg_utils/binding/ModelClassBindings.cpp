@@ -75,7 +75,8 @@ std::unique_ptr<ClassInfo> systemClass() {
         c.superclass(kHeterogeneous);
         c.property("Identifier", getter(&System::getIdentifier), setter(&System::setIdentifier));
         c.property("GraphicalCallsites", getter(&System::getGraphicalCallsites),
-                   setterFn<System, std::vector<GraphicalBlock*>>(&setGraphicalCallsitesFromScript));
+                   setterFn<System, std::vector<GraphicalBlock*>>(&setGraphicalCallsitesFromScript))
+            .holds("VelCG.GraphicalBlock");
         c.property("StartFcn", getter(&System::getStartFcn), setter(&System::setStartFcn));
         c.property("OutputFcn", getter(&System::getOutputFcn), setter(&System::setOutputFcn));
         c.property("UpdateFcn", getter(&System::getUpdateFcn), setter(&System::setUpdateFcn));
@@ -113,7 +114,7 @@ std::unique_ptr<ClassInfo> velCGTypeClass() {
         c.property("Exponent", getter(&VelCGType::getExponent));
         c.property("IsLoweredMultiword", getter(&VelCGType::isLoweredMultiword));
         c.property("StructAlignment", getter(&VelCGType::getStructAlignment));
-        c.property("Members", getter(&VelCGType::getMembers));
+        c.property("Members", getter(&VelCGType::getMembers)).holds("VelCG.CGTypeMember");
         c.property("EmbeddedType", getter(&VelCGType::getEmbeddedTypeAsTuvArray),
                    setter(&VelCGType::setEmbeddedTypeFromTuvArray));
         c.method("getContainerTypeName", method(&VelCGType::getContainerTypeName));
@@ -132,13 +133,14 @@ std::unique_ptr<ClassInfo> cgTypeMemberClass() {
 std::unique_ptr<ClassInfo> cgModelClass() {
     return ClassInfo::make("CGModel", "CGModel object", [](ClassInfo& c) {
         c.superclass(kHeterogeneous);
-        c.property("Systems", getter(&CGModel::getSystems));
-        c.property("BlockHierarchyMap", getter(&CGModel::korb_getBlockHierarchyMap));
-        c.property("CGTypes", getter(&CGModel::getVelCGTypes));
-        c.property("VarGroups", getter(&CGModel::getVarGroups));
-        c.property("VelTypes", getter(&CGModel::getVelTypes));
-        c.property("ExternalInputs", getter(&CGModel::getExternalInputs_korb));
-        c.property("TAQBlocks", getter(&CGModel::getTAQBlocks));
+        c.property("Systems", getter(&CGModel::getSystems)).holds("VelCG.System");
+        c.property("BlockHierarchyMap", getter(&CGModel::korb_getBlockHierarchyMap))
+            .holds("VelCG.BlockHierarchyMap");
+        c.property("CGTypes", getter(&CGModel::getVelCGTypes)).holds("VelCG.VelCGType");
+        c.property("VarGroups", getter(&CGModel::getVarGroups)).holds("VelCG.VarGroup");
+        c.property("VelTypes", getter(&CGModel::getVelTypes)).holds("VelCG.VelType");
+        c.property("ExternalInputs", getter(&CGModel::getExternalInputs_korb)).holds("VelCG.ExternalInput");
+        c.property("TAQBlocks", getter(&CGModel::getTAQBlocks)).holds("VelCG.ToAsyncQueueBlock");
         c.property("SubsystemPathForRightClickBuild", getter(&CGModel::getSubsystemPathForRightClickBuild));
         c.property("SubsystemNameForRightClickBuild", getter(&CGModel::getSubsystemNameForRightClickBuild));
         c.property("ModelReferenceTargetType", getter(&CGModel::getModelReferenceTargetType));
@@ -233,8 +235,9 @@ std::unique_ptr<ClassInfo> externalInputClass() {
 std::unique_ptr<ClassInfo> blockHierarchyMapClass() {
     return ClassInfo::make("BlockHierarchyMap", "BHM object", [](ClassInfo& c) {
         c.superclass(kHeterogeneous);
-        c.property("Subsystems", getter(&BlockHierarchyMap::getSubsystems));
-        c.property("ReducedBlocks", getter(&BlockHierarchyMap::getReducedBlocks));
+        c.property("Subsystems", getter(&BlockHierarchyMap::getSubsystems)).holds("VelCG.GraphicalSubsystem");
+        c.property("ReducedBlocks", getter(&BlockHierarchyMap::getReducedBlocks))
+            .holds("VelCG.GraphicalBlock");
     });
 }
 
@@ -243,15 +246,21 @@ std::unique_ptr<ClassInfo> graphicalSubsystemClass() {
         c.superclass(kHeterogeneous);
         c.property("Name", getter(&GraphicalSubsystem::getName));
         c.property("VelName", getter(&GraphicalSubsystem::getVelName));
-        c.property("SubsystemBlock", getter(&GraphicalSubsystem::getSubsystemBlock));
+        c.property("SubsystemBlock", getter(&GraphicalSubsystem::getSubsystemBlock))
+            .holds("VelCG.GraphicalBlock");
         c.property("Type", getter(&GraphicalSubsystem::getType));
         c.property("MaskType", getter(&GraphicalSubsystem::getMaskType));
-        c.property("InputPortBlocks", getter(&GraphicalSubsystem::getInputPortBlocks));
-        c.property("OutputPortBlocks", getter(&GraphicalSubsystem::getOutputPortBlocks));
-        c.property("DataStoreBlocks", getter(&GraphicalSubsystem::getDataStoreBlocks));
-        c.property("SubsystemBlocks", getter(&GraphicalSubsystem::getSubsystemBlocks));
-        c.property("ChildSubsystems", getter(&GraphicalSubsystem::getChildSubsystems));
-        c.property("Blocks", getter(&GraphicalSubsystem::getBlocks));
+        c.property("InputPortBlocks", getter(&GraphicalSubsystem::getInputPortBlocks))
+            .holds("VelCG.GraphicalBlock");
+        c.property("OutputPortBlocks", getter(&GraphicalSubsystem::getOutputPortBlocks))
+            .holds("VelCG.GraphicalBlock");
+        c.property("DataStoreBlocks", getter(&GraphicalSubsystem::getDataStoreBlocks))
+            .holds("VelCG.GraphicalBlock");
+        c.property("SubsystemBlocks", getter(&GraphicalSubsystem::getSubsystemBlocks))
+            .holds("VelCG.GraphicalBlock");
+        c.property("ChildSubsystems", getter(&GraphicalSubsystem::getChildSubsystems))
+            .holds("VelCG.GraphicalSubsystem");
+        c.property("Blocks", getter(&GraphicalSubsystem::getBlocks)).holds("VelCG.GraphicalBlock");
     });
 }
 
@@ -265,15 +274,16 @@ std::unique_ptr<ClassInfo> graphicalBlockClass() {
         c.property("Description", getter(&GraphicalBlock::getDescription));
         c.property("ReferencedModelName", getter(&GraphicalBlock::getReferencedModelName));
         c.property("Virtual", getter(&GraphicalBlock::getVirtual));
-        c.property("DataInputPorts", getter(&GraphicalBlock::getDataInputPorts));
-        c.property("DataOutputPorts", getter(&GraphicalBlock::getDataOutputPorts));
-        c.property("ControlInputPorts", getter(&GraphicalBlock::getControlInputPorts));
+        c.property("DataInputPorts", getter(&GraphicalBlock::getDataInputPorts)).holds("VelCG.Port");
+        c.property("DataOutputPorts", getter(&GraphicalBlock::getDataOutputPorts)).holds("VelCG.Port");
+        c.property("ControlInputPorts", getter(&GraphicalBlock::getControlInputPorts)).holds("VelCG.Port");
         c.property("NumFcnCallOutputPorts", getter(&GraphicalBlock::getNumFcnCallOutputPorts));
-        c.property("Parameters", getter(&GraphicalBlock::getParametersAsTuvArray));
-        c.property("ContinuousStates", getter(&GraphicalBlock::getContinuousStates));
-        c.property("Derivatives", getter(&GraphicalBlock::getDerivatives));
-        c.property("DiscreteStates", getter(&GraphicalBlock::getDiscreteStatesAsTuvArray));
-        c.property("DWorks", getter(&GraphicalBlock::getDWorksAsTuvArray));
+        c.property("Parameters", getter(&GraphicalBlock::getParametersAsTuvArray)).holds("VelCG.Parameter");
+        c.property("ContinuousStates", getter(&GraphicalBlock::getContinuousStates)).holds("VelCG.State");
+        c.property("Derivatives", getter(&GraphicalBlock::getDerivatives)).holds("VelCG.State");
+        c.property("DiscreteStates", getter(&GraphicalBlock::getDiscreteStatesAsTuvArray))
+            .holds("VelCG.DataInterfaceRecord");
+        c.property("DWorks", getter(&GraphicalBlock::getDWorksAsTuvArray)).holds("VelCG.DataInterfaceRecord");
         c.property("RLSCommentName", getter(&GraphicalBlock::getRLSCommentName));
         c.property("IsProtectedModelBlock", getter(&GraphicalBlock::getIsProtectedModelBlock));
     });
@@ -287,8 +297,8 @@ std::unique_ptr<ClassInfo> portClass() {
         c.property("Connected", getter(&Port::getConnected));
         c.property("TestPoint", getter(&Port::getTestPoint));
         c.property("MdlRefSimLoggableTestPoint", getter(&Port::getMdlRefSimLoggableTestPoint));
-        c.property("GraphicalSource", getter(&Port::getGraphicalSource));
-        c.property("Regions", getter(&Port::getRegions));
+        c.property("GraphicalSource", getter(&Port::getGraphicalSource)).holds("VelCG.Port");
+        c.property("Regions", getter(&Port::getRegions)).holds("VelCG.Region");
     });
 }
 
@@ -314,7 +324,8 @@ std::unique_ptr<ClassInfo> parameterClass() {
         c.superclass(kHeterogeneous);
         c.property("Name", getterFn<ParameterKorb>([](const ParameterKorb& p) { return p.getName(); }));
         c.property("ModelParameters",
-                   getterFn<ParameterKorb>([](const ParameterKorb& p) { return p.getModelParameters(); }));
+                   getterFn<ParameterKorb>([](const ParameterKorb& p) { return p.getModelParameters(); }))
+            .holds("VelCG.ModelParameter");
     });
 }
 
@@ -334,8 +345,10 @@ std::unique_ptr<ClassInfo> modelParameterClass() {
         c.property("IsWorkspaceVar", getterFn<P>([](const P& p) { return p.isWorkspaceVar(); }));
         c.property("IsPseudoWorkspaceVar", getterFn<P>([](const P& p) { return p.isPseudoWorkspaceVar(); }));
         c.property("IsTunable", getterFn<P>([](const P& p) { return p.isTunable(); }));
-        c.property("GraphicalSource", getterFn<P>([](const P& p) { return p.getGraphicalSource(); }));
-        c.property("GraphicalReferences", getterFn<P>([](const P& p) { return p.getGraphicalReferences(); }));
+        c.property("GraphicalSource", getterFn<P>([](const P& p) { return p.getGraphicalSource(); }))
+            .holds("VelCG.GraphicalBlock");
+        c.property("GraphicalReferences", getterFn<P>([](const P& p) { return p.getGraphicalReferences(); }))
+            .holds("VelCG.GraphicalBlock");
         c.property("DataInterface", getterFn<P>([](const P& p) { return p.getDataInterfaceAsTuvArray(); }));
         c.method("getOriginalName",
                  korb::methodFn<P, std::wstring>([](const P& p) { return p.getOriginalName(); }));
@@ -404,7 +417,8 @@ std::unique_ptr<ClassInfo> toAsyncQueueBlockClass() {
         c.property("uniqueId", getter(&B::getUniqueId), setter(&B::setUniqueId));
         c.property("tid", getter(&B::getTid), setter(&B::setTid));
         c.property("leafElements", getter(&B::getLeafElements),
-                   setterFn<B, std::vector<B*>>(&setLeafElementsFromScript));
+                   setterFn<B, std::vector<B*>>(&setLeafElementsFromScript))
+            .holds("VelCG.ToAsyncQueueBlock");
         c.property("nvBusOffset", getter(&B::getNVBusOffset), setter(&B::setNVBusOffset));
         c.property("isLiveStreaming", getter(&B::getIsLiveStreaming), setter(&B::setIsLiveStreaming));
         c.property("isDeferredStreaming", getter(&B::getIsDeferredStreaming),

@@ -36,6 +36,10 @@ public:
     // The object as a host value of class "coder.DataInterface", holding its
     // own reference; null converts to the empty value.
     static std::shared_ptr<tuvArray> toTuvArray(const DataInterface* dataInterface);
+    // The object a host value of class "coder.DataInterface" holds, valid while the value
+    // lives (addRef to keep it longer); null for the empty value. Any other
+    // value raises "Korb:TypeMismatch".
+    static const DataInterface* fromTuvArray(const tuvArray& value);
 
     static long liveCount();
 

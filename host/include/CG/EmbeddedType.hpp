@@ -31,6 +31,10 @@ public:
     // The object as a host value of the legacy class "embedded.type"; the
     // array holds its own reference. A null object converts to the empty value.
     static std::shared_ptr<tuvArray> toTuvArray(const EmbeddedType* type);
+    // The object a host value of class "embedded.type" holds, valid while the value
+    // lives (addRef to keep it longer); null for the empty value. Any other
+    // value raises "Korb:TypeMismatch".
+    static const EmbeddedType* fromTuvArray(const tuvArray& value);
 
     // Number of live objects in the process, for leak checks in tools and tests.
     static long liveCount();

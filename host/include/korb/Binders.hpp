@@ -45,17 +45,27 @@ T& nativeObject(vel::mi::Handle& object) {
     return *p;
 }
 
+// True when a native value of type R reaches the host as one object (a
+// 1-by-1 array of handles, or the empty value for null) rather than a list.
+template <class R>
+inline constexpr bool kIsOneObject = std::is_pointer_v<R>&& std::is_polymorphic_v<std::remove_pointer_t<R>>;
+
 // Reads one property of a native object.
 class VELHOST_API GetterBinder {
 public:
-    explicit GetterBinder(std::string hostType) : hostType_(std::move(hostType)) {}
+    explicit GetterBinder(std::string hostType, bool deliversOneObject = false)
+        : hostType_(std::move(hostType)), oneObject_(deliversOneObject) {}
     virtual ~GetterBinder();
     const std::string& hostTypeName() const { return hostType_; }
+    // True when the value is a single object (or empty for none); an array
+    // of handles from any other getter is a list, whatever its length.
+    bool deliversOneObject() const { return oneObject_; }
     virtual tuvArrayPtr getArray(vel::mi::Handle& object) const = 0;
     Value getValue(vel::mi::Handle& object) const { return {hostType_, getArray(object)}; }
 
 private:
     std::string hostType_;
+    bool oneObject_;
 };
 
 // Writes one property of a native object from a host value.
@@ -73,9 +83,19 @@ private:
 // Calls one native member function with host values as arguments.
 class VELHOST_API MethodBinder {
 public:
-    explicit MethodBinder(std::size_t arity) : arity_(arity) {}
+    // The host type names of the arguments, in order, and of the result
+    // (empty for a method that returns nothing).
+    MethodBinder(std::vector<std::string> argumentTypes, std::string resultType,
+                 bool returnsOneObject = false)
+        : argumentTypes_(std::move(argumentTypes)),
+          resultType_(std::move(resultType)),
+          oneObject_(returnsOneObject) {}
     virtual ~MethodBinder();
-    std::size_t arity() const { return arity_; }
+    std::size_t arity() const { return argumentTypes_.size(); }
+    const std::vector<std::string>& argumentTypes() const { return argumentTypes_; }
+    const std::string& resultType() const { return resultType_; }
+    // As GetterBinder::deliversOneObject, for the result.
+    bool returnsOneObject() const { return oneObject_; }
     // Raises "Korb:WrongNumberOfArguments" (arguments: expected, given)
     // unless args has arity() elements, and "Korb:InvalidArgument"
     // (arguments: 1-based position, the message of the conversion failure)
@@ -88,7 +108,9 @@ protected:
     virtual tuvArrayPtr invoke(vel::mi::Handle& object, const std::vector<tuvArrayPtr>& args) const = 0;
 
 private:
-    std::size_t arity_;
+    std::vector<std::string> argumentTypes_;
+    std::string resultType_;
+    bool oneObject_;
 };
 
 namespace detail {
@@ -96,7 +118,8 @@ namespace detail {
 template <class T, class R, class F>
 class FunctionGetter final : public GetterBinder {
 public:
-    explicit FunctionGetter(F fn) : GetterBinder(HostTraits<R>::typeName), fn_(std::move(fn)) {}
+    explicit FunctionGetter(F fn)
+        : GetterBinder(HostTraits<R>::typeName, kIsOneObject<R>), fn_(std::move(fn)) {}
     tuvArrayPtr getArray(vel::mi::Handle& object) const override {
         return HostTraits<R>::toArray(fn_(nativeObject<T>(object)));
     }
@@ -121,7 +144,10 @@ private:
 template <class T, class R, class F, class... A>
 class FunctionMethod final : public MethodBinder {
 public:
-    explicit FunctionMethod(F fn) : MethodBinder(sizeof...(A)), fn_(std::move(fn)) {}
+    explicit FunctionMethod(F fn)
+        : MethodBinder({HostTraits<std::decay_t<A>>::typeName...}, resultTypeName(),
+                       kIsOneObject<std::decay_t<R>>),
+          fn_(std::move(fn)) {}
 
 protected:
     tuvArrayPtr invoke(vel::mi::Handle& object, const std::vector<tuvArrayPtr>& args) const override {
@@ -129,6 +155,13 @@ protected:
     }
 
 private:
+    static std::string resultTypeName() {
+        if constexpr (std::is_void_v<R>)
+            return {};
+        else
+            return HostTraits<std::decay_t<R>>::typeName;
+    }
+
     template <std::size_t... I>
     tuvArrayPtr invokeWith(T& native, const std::vector<tuvArrayPtr>& args, std::index_sequence<I...>) const {
         // Convert every argument before the call so that a bad argument

@@ -31,10 +31,25 @@ public:
 
     bool isAbstract() const override { return abstract_; }
 
+    // What property() returns, to say more about the property just declared.
+    class PropertyDeclaration {
+    public:
+        // The property holds objects of this qualified class (or of classes
+        // derived from it): c.property("Systems", getter(...)).holds("VelCG.System").
+        void holds(std::string elementClass) { owner_.setElementClass(name_, std::move(elementClass)); }
+
+    private:
+        friend class ClassInfo;
+        PropertyDeclaration(ClassInfo& owner, std::string name) : owner_(owner), name_(std::move(name)) {}
+        ClassInfo& owner_;
+        std::string name_;
+    };
+
     void superclass(std::string qualifiedName) { setSuperclass(std::move(qualifiedName)); }
-    void property(std::string name, std::unique_ptr<GetterBinder> get,
-                  std::unique_ptr<SetterBinder> set = nullptr) {
-        addProperty(std::move(name), std::move(get), std::move(set));
+    PropertyDeclaration property(std::string name, std::unique_ptr<GetterBinder> get,
+                                 std::unique_ptr<SetterBinder> set = nullptr) {
+        addProperty(name, std::move(get), std::move(set));
+        return PropertyDeclaration(*this, std::move(name));
     }
     void method(std::string name, std::unique_ptr<MethodBinder> binder) {
         addMethod(std::move(name), std::move(binder));

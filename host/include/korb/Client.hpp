@@ -5,17 +5,39 @@
 
 #include "korb/Value.hpp"
 #include "vel/HostExport.hpp"
+#include "vel/mi/HandleClass.hpp"
 #include "vel/tuvArray.hpp"
 
 namespace vel::mi {
 class Handle;
-class HandleClass;
 class HandleRef;
 } // namespace vel::mi
 
 namespace korb {
 
 class ObjectSystem;
+
+// A property of a class as the client resolves it along the class chain.
+struct PropertyInfo {
+    std::string name;
+    std::string hostType; // the host type name of the value read
+    bool readOnly = true;
+    std::string setterType; // the host type name a write converts from; empty when read-only
+    // For a property holding objects: the qualified class of its elements,
+    // and whether it holds one object (or none) rather than a list.
+    std::string elementClass;
+    bool oneObject = false;
+    std::string definedBy; // the qualified name of the class that declares it
+};
+
+// A method of a class as the client resolves it along the class chain.
+struct MethodInfo {
+    std::string name;
+    std::vector<std::string> argumentTypes; // host type names, in order
+    std::string resultType;                 // empty for a method that returns nothing
+    bool returnsOneObject = false;
+    std::string definedBy;
+};
 
 // What a host (a script runtime, a tool) uses to work with native objects by
 // name: find classes, wrap objects as host values, list, read and write
@@ -64,6 +86,24 @@ public:
     const vel::mi::HandleClass& classOf(const vel::mi::Handle& object) const;
     // True when the object's class is qualifiedName or derives from it.
     bool isA(const vel::mi::Handle& object, const std::string& qualifiedName) const;
+
+    // Class-level introspection, for tools and script runtimes that bind
+    // every class generically. Classes in registration order; members in
+    // lookup order (superclass members first, each name once, the most
+    // derived declaration winning).
+    std::vector<const vel::mi::HandleClass*> getClasses(const std::string& packageName) const;
+    // Null for a class without a superclass (or whose superclass is unknown).
+    const vel::mi::HandleClass* getSuperclass(const vel::mi::HandleClass& cls) const;
+    std::vector<PropertyInfo> describeProperties(const vel::mi::HandleClass& cls) const;
+    std::vector<MethodInfo> describeMethods(const vel::mi::HandleClass& cls) const;
+    // The member along the class chain, the most derived first; null when none.
+    const vel::mi::HandleClass::Property* findProperty(const vel::mi::HandleClass& cls,
+                                                       const std::string& name) const;
+    const vel::mi::HandleClass::Method* findMethod(const vel::mi::HandleClass& cls,
+                                                   const std::string& name) const;
+    // The class of the objects a property holds (see PropertyInfo); raises
+    // "Korb:UnknownProperty" for an unknown name.
+    const std::string& getElementClass(const vel::mi::Handle& object, const std::string& name) const;
 
     // The object as a 1-by-1 host array of handles; its class must be known.
     tuvArrayPtr wrap(vel::mi::Handle& object) const;

@@ -46,6 +46,7 @@ public:
     static tuvArrayPtr fromUtf8(const std::string& text);
     static tuvArrayPtr fromWide(const std::wstring& text);
     static tuvArrayPtr int32Vector(std::vector<std::int32_t> values);    // 1-by-N
+    static tuvArrayPtr int64Vector(std::vector<std::int64_t> values);    // 1-by-N
     static tuvArrayPtr doubleVector(std::vector<double> values);         // 1-by-N
     static tuvArrayPtr cell(std::size_t rows, std::size_t cols = 1);     // cells hold empty()
     static tuvArrayPtr objects(std::vector<vel::mi::HandleRef> handles); // 1-by-N
@@ -77,7 +78,13 @@ public:
     const std::u16string& charData() const;
     std::string toUtf8() const;
     std::wstring toWide() const;
+    // The elements of a numeric or logical array of that class, exactly as
+    // stored (column-major); "tuv:WrongClass" for another class.
+    const std::vector<std::uint8_t>& logicalData() const;
     const std::vector<std::int32_t>& int32Data() const;
+    const std::vector<std::uint32_t>& uint32Data() const;
+    const std::vector<std::int64_t>& int64Data() const;
+    const std::vector<double>& doubleData() const;
 
     // Cells, column-major. Raise "tuv:IndexOutOfRange" past the end.
     const tuvArrayPtr& getCell(std::size_t i) const;

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "HostReference.hpp"
+#include "korb/HostTraits.hpp"
 #include "vel/tuvArray.hpp"
 
 namespace CG {
@@ -29,6 +30,14 @@ void DataInterface::release() const {
 std::shared_ptr<tuvArray> DataInterface::toTuvArray(const DataInterface* dataInterface) {
     if (!dataInterface) return tuvArray::empty();
     return tuvArray::opaque("coder.DataInterface", detail::holdReference(dataInterface));
+}
+
+const DataInterface* DataInterface::fromTuvArray(const tuvArray& value) {
+    if (value.isEmpty() && value.classId() == tuvClass::Double) return nullptr;
+    if (value.classId() != tuvClass::Opaque || value.className() != "coder.DataInterface" ||
+        !value.isScalar())
+        korb::detail::typeMismatch("coder.DataInterface", value);
+    return static_cast<const DataInterface*>(value.opaquePayload().get());
 }
 
 long DataInterface::liveCount() { return liveDataInterfaces.load(); }

@@ -4,6 +4,7 @@
 
 #include "CG/Type.hpp"
 #include "HostReference.hpp"
+#include "korb/HostTraits.hpp"
 #include "vel/tuvArray.hpp"
 
 namespace CG {
@@ -32,6 +33,13 @@ std::string EmbeddedType::getName() const { return irType_->toString(); }
 std::shared_ptr<tuvArray> EmbeddedType::toTuvArray(const EmbeddedType* type) {
     if (!type) return tuvArray::empty();
     return tuvArray::opaque("embedded.type", detail::holdReference(type));
+}
+
+const EmbeddedType* EmbeddedType::fromTuvArray(const tuvArray& value) {
+    if (value.isEmpty() && value.classId() == tuvClass::Double) return nullptr;
+    if (value.classId() != tuvClass::Opaque || value.className() != "embedded.type" || !value.isScalar())
+        korb::detail::typeMismatch("embedded.type", value);
+    return static_cast<const EmbeddedType*>(value.opaquePayload().get());
 }
 
 long EmbeddedType::liveCount() { return liveEmbeddedTypes.load(); }

@@ -9,7 +9,7 @@ SetterBinder::~SetterBinder() = default;
 MethodBinder::~MethodBinder() = default;
 
 tuvArrayPtr MethodBinder::call(vel::mi::Handle& object, const std::vector<tuvArrayPtr>& args) const {
-    if (args.size() != arity_) detail::wrongArgumentCount(arity_, args.size());
+    if (args.size() != arity()) detail::wrongArgumentCount(arity(), args.size());
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (!args[i])
             vel::diag::throwError(

@@ -33,22 +33,90 @@ std::vector<const vel::mi::HandleClass*> chainOf(const ObjectSystem& system,
 }
 
 // The member along the class chain of the object, the most derived first.
-const vel::mi::HandleClass::Property& findProperty(const Client& client, const vel::mi::Handle& object,
-                                                   const std::string& name) {
+const vel::mi::HandleClass::Property& requireProperty(const Client& client, const vel::mi::Handle& object,
+                                                      const std::string& name) {
     const auto& cls = client.classOf(object);
-    for (const auto* c : chainOf(client.getObjectSystem(), cls))
-        if (const auto* p = c->findOwnProperty(name)) return *p;
+    if (const auto* p = client.findProperty(cls, name)) return *p;
     vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
 }
 
-const vel::mi::HandleClass::Method& findMethod(const Client& client, const vel::mi::Handle& object,
-                                               const std::string& name) {
+const vel::mi::HandleClass::Method& requireMethod(const Client& client, const vel::mi::Handle& object,
+                                                  const std::string& name) {
     const auto& cls = client.classOf(object);
-    for (const auto* c : chainOf(client.getObjectSystem(), cls))
-        if (const auto* m = c->findOwnMethod(name)) return *m;
+    if (const auto* m = client.findMethod(cls, name)) return *m;
     vel::diag::throwError("Korb:UnknownMethod", {name, cls.getQualifiedName()});
 }
+
+// Members along the chain, superclass members first, each name once at the
+// place of its first declaration, described by its most derived declaration.
+template <class Info, class Members, class Describe>
+std::vector<Info> describeMembers(const std::vector<const vel::mi::HandleClass*>& chain, Members members,
+                                  Describe describe) {
+    std::vector<Info> out;
+    for (auto it = chain.rbegin(); it != chain.rend(); ++it)
+        for (const auto& m : members(**it)) {
+            Info info = describe(m, (*it)->getQualifiedName());
+            auto same = std::find_if(out.begin(), out.end(), [&](const Info& i) { return i.name == m.name; });
+            if (same == out.end())
+                out.push_back(std::move(info));
+            else
+                *same = std::move(info);
+        }
+    return out;
+}
 } // namespace
+
+std::vector<const vel::mi::HandleClass*> Client::getClasses(const std::string& packageName) const {
+    return system_.getPackageClasses(packageName);
+}
+
+const vel::mi::HandleClass* Client::getSuperclass(const vel::mi::HandleClass& cls) const {
+    if (cls.getSuperclassName().empty()) return nullptr;
+    return system_.findClass(cls.getSuperclassName());
+}
+
+std::vector<PropertyInfo> Client::describeProperties(const vel::mi::HandleClass& cls) const {
+    return describeMembers<PropertyInfo>(
+        chainOf(system_, cls), [](const vel::mi::HandleClass& c) -> const auto& { return c.getProperties(); },
+        [](const vel::mi::HandleClass::Property& p, const std::string& owner) {
+            PropertyInfo info;
+            info.name = p.name;
+            info.hostType = p.getter->hostTypeName();
+            info.readOnly = p.isReadOnly();
+            if (p.setter) info.setterType = p.setter->hostTypeName();
+            info.elementClass = p.elementClass;
+            info.oneObject = p.getter->deliversOneObject();
+            info.definedBy = owner;
+            return info;
+        });
+}
+
+std::vector<MethodInfo> Client::describeMethods(const vel::mi::HandleClass& cls) const {
+    return describeMembers<MethodInfo>(
+        chainOf(system_, cls), [](const vel::mi::HandleClass& c) -> const auto& { return c.getMethods(); },
+        [](const vel::mi::HandleClass::Method& m, const std::string& owner) {
+            return MethodInfo{m.name, m.binder->argumentTypes(), m.binder->resultType(),
+                              m.binder->returnsOneObject(), owner};
+        });
+}
+
+const vel::mi::HandleClass::Property* Client::findProperty(const vel::mi::HandleClass& cls,
+                                                           const std::string& name) const {
+    for (const auto* c : chainOf(system_, cls))
+        if (const auto* p = c->findOwnProperty(name)) return p;
+    return nullptr;
+}
+
+const vel::mi::HandleClass::Method* Client::findMethod(const vel::mi::HandleClass& cls,
+                                                       const std::string& name) const {
+    for (const auto* c : chainOf(system_, cls))
+        if (const auto* m = c->findOwnMethod(name)) return m;
+    return nullptr;
+}
+
+const std::string& Client::getElementClass(const vel::mi::Handle& object, const std::string& name) const {
+    return requireProperty(*this, object, name).elementClass;
+}
 
 const vel::mi::HandleClass* Client::findClass(const std::string& qualifiedName) const {
     return system_.findClass(qualifiedName);
@@ -103,27 +171,27 @@ bool Client::hasProperty(const vel::mi::Handle& object, const std::string& name)
 }
 
 bool Client::isReadOnly(const vel::mi::Handle& object, const std::string& name) const {
-    return findProperty(*this, object, name).isReadOnly();
+    return requireProperty(*this, object, name).isReadOnly();
 }
 
 const std::string& Client::getPropertyType(const vel::mi::Handle& object, const std::string& name) const {
-    return findProperty(*this, object, name).getter->hostTypeName();
+    return requireProperty(*this, object, name).getter->hostTypeName();
 }
 
 tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string& name) const {
     vel::mi::Handle& object = live(ref);
-    return findProperty(*this, object, name).getter->getArray(object);
+    return requireProperty(*this, object, name).getter->getArray(object);
 }
 
 Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string& name) const {
     vel::mi::Handle& object = live(ref);
-    return findProperty(*this, object, name).getter->getValue(object);
+    return requireProperty(*this, object, name).getter->getValue(object);
 }
 
 void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
                          const tuvArray& value) const {
     vel::mi::Handle& object = live(ref);
-    const auto& prop = findProperty(*this, object, name);
+    const auto& prop = requireProperty(*this, object, name);
     const std::string& cls = classOf(object).getQualifiedName();
     if (prop.isReadOnly()) vel::diag::throwError("Korb:ReadOnlyProperty", {name, cls});
     if (object.isLocked()) vel::diag::throwError("Korb:ObjectLocked", {name, cls});
@@ -140,7 +208,7 @@ void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
 tuvArrayPtr Client::callMethod(const vel::mi::HandleRef& ref, const std::string& name,
                                const std::vector<tuvArrayPtr>& args) const {
     vel::mi::Handle& object = live(ref);
-    const auto& method = findMethod(*this, object, name);
+    const auto& method = requireMethod(*this, object, name);
     try {
         return method.binder->call(object, args);
     } catch (const vel::diag::Exception& e) {

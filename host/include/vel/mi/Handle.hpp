@@ -24,6 +24,9 @@ public:
 
     // Two references are equal when they were taken from the same object.
     bool sameObject(const HandleRef& other) const { return anchor_ == other.anchor_; }
+    // Equal for references to the same object and stable for the life of
+    // any reference to it, dead or alive: a key for hashing references.
+    const void* identity() const { return anchor_.get(); }
 
 private:
     friend class Handle;

@@ -26,6 +26,9 @@ public:
         std::string name;
         std::unique_ptr<korb::GetterBinder> getter;
         std::unique_ptr<korb::SetterBinder> setter; // null for a read-only property
+        // For a property holding objects, the qualified class that every
+        // element is (or derives from); empty for other properties.
+        std::string elementClass;
         bool isReadOnly() const { return !setter; }
     };
     struct Method {
@@ -65,6 +68,8 @@ protected:
     void addProperty(std::string name, std::unique_ptr<korb::GetterBinder> getter,
                      std::unique_ptr<korb::SetterBinder> setter = nullptr);
     void addMethod(std::string name, std::unique_ptr<korb::MethodBinder> binder);
+    // Raises "Korb:UnknownProperty" unless the class itself declares name.
+    void setElementClass(const std::string& propertyName, std::string elementClass);
 
 private:
     friend class korb::ObjectSystem;
