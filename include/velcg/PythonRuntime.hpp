@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#if defined(_WIN32)
+#if defined(VELCG_PYTHON_BUILDING)
+#define VELCG_PYTHON_API __declspec(dllexport)
+#else
+#define VELCG_PYTHON_API __declspec(dllimport)
+#endif
+#else
+#define VELCG_PYTHON_API __attribute__((visibility("default")))
+#endif
+
+namespace vel::mi {
+class Handle;
+}
+
+namespace VelCG {
+
+// Runs template scripts written in Python inside the code generator's
+// process (library velcg_python). The interpreter starts with the first
+// template, once per process, and is released by shutdown() or, failing
+// that, when the process exits; it is not started again afterwards.
+// Templates see the module "velcg" built in, and the objects they are given
+// as globals:
+//
+//   VelCG::PythonRuntime::Globals globals;
+//   globals.add("model", model).add("repository", repository).add("outputDirectory", "gen");
+//   VelCG::PythonRuntime::runTemplate("templates/module.py", globals);
+//
+// Failures are diagnostics:
+//   "VelCG:Python:CannotReadTemplate"  the file cannot be read (path, reason)
+//   "VelCG:Python:TemplateFailed"      the template raised (path, the Python
+//                                      traceback and exception text)
+//   "VelCG:Python:Finalized"           the interpreter has been shut down
+// Templates may be run from any thread, one at a time per interpreter lock.
+class VELCG_PYTHON_API PythonRuntime {
+public:
+    // Names and values a template finds among its globals. Objects are
+    // passed by reference and are not owned: a template that keeps one past
+    // the object's life gets velcg.Error ("Korb:InvalidHandle") on use.
+    class VELCG_PYTHON_API Globals {
+    public:
+        Globals& add(std::string name, vel::mi::Handle& object);
+        Globals& add(std::string name, std::string text);
+        Globals& add(std::string name, const char* text) { return add(std::move(name), std::string(text)); }
+        Globals& add(std::string name, std::int64_t number);
+
+        struct Entry {
+            enum class Kind { Object, Text, Number };
+            std::string name;
+            Kind kind = Kind::Text;
+            vel::mi::Handle* object = nullptr;
+            std::string text;
+            std::int64_t number = 0;
+        };
+        const std::vector<Entry>& entries() const { return entries_; }
+
+    private:
+        std::vector<Entry> entries_;
+    };
+
+    // Runs the Python file at path as a script ("__main__"-like globals plus
+    // `globals`); its directory is on sys.path while it runs.
+    static void runTemplate(const std::string& path, const Globals& globals);
+    // The same for a template held in memory; fileName names it in tracebacks.
+    static void runTemplateText(const std::string& source, const std::string& fileName,
+                                const Globals& globals);
+
+    static bool isRunning();
+    // Releases the interpreter. Later templates raise "VelCG:Python:Finalized".
+    static void shutdown();
+};
+
+} // namespace VelCG

@@ -1,0 +1,270 @@
+// The script bridge from Python: files by index, attributes and sections by
+// name, as the native bridge offers them, plus the custom contents of a
+// file. Sections are written to Python binary file objects.
+#include "Bridge.hpp"
+
+#include <cstdio>
+#include <memory>
+#include <pybind11/stl.h>
+#include <string>
+#include <vector>
+
+#include <boost/make_shared.hpp>
+
+#include "Objects.hpp"
+#include "Values.hpp"
+#include "korb/Client.hpp"
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/io/Stream.hpp"
+#include "velcg/CustomContents.hpp"
+#include "velcg/FileRepScrivBridge.hpp"
+#include "velcg/StringFileSectionFragment.hpp"
+#include "velcg/VelCGFile.hpp"
+#include "velcg/VelCGFileRepository.hpp"
+#include "velcg/VelCGFileSectionKind.hpp"
+
+namespace VelCG::python {
+
+namespace {
+
+// The bridge of a repository that scripts hold by reference: every call
+// resolves the repository again, so one that has died raises instead of
+// touching freed memory.
+struct BridgeState {
+    vel::mi::HandleRef repository;
+
+    VelCGFileRepository& repositoryObject() const {
+        // Checked to be a repository when the bridge was made.
+        return dynamic_cast<VelCGFileRepository&>(live(repository));
+    }
+    FileRepScrivBridge& bridge() const { return repositoryObject().scrivBridge(); }
+};
+
+struct CustomContentsState {
+    vel::mi::HandleRef file;
+    CustomContents& contents() const { return dynamic_cast<VelCGFile&>(live(file)).getCustomContent(); }
+};
+
+BridgeState makeBridge(py::handle repository) {
+    if (!py::isinstance<ObjectState>(repository))
+        vel::diag::throwError("VelCG:Python:NotARepository", {describePython(repository)});
+    const ObjectState& state = repository.cast<const ObjectState&>();
+    vel::mi::Handle& object = live(state.ref);
+    if (!dynamic_cast<VelCGFileRepository*>(&object))
+        vel::diag::throwError("VelCG:Python:NotARepository", {state.className});
+    return BridgeState{state.ref};
+}
+
+// Generated text as a Python str; bytes that are not UTF-8 are kept as
+// surrogate escapes, so that writing the str back gives the same bytes.
+py::str text(const std::string& bytes) {
+    PyObject* s =
+        PyUnicode_DecodeUTF8(bytes.data(), static_cast<Py_ssize_t>(bytes.size()), "surrogateescape");
+    if (!s) throw py::error_already_set();
+    return py::reinterpret_steal<py::str>(s);
+}
+
+// The bytes of a str from a script, the reverse of text().
+std::string bytesOf(py::handle str) {
+    PyObject* b = PyUnicode_AsEncodedString(str.ptr(), "utf-8", "surrogateescape");
+    if (!b) throw py::error_already_set();
+    return py::reinterpret_steal<py::bytes>(b).cast<std::string>();
+}
+
+[[noreturn]] void wrongArgument(const char* operation, const char* expected, py::handle value) {
+    vel::diag::throwError("VelCG:Python:InvalidArgument", {operation, expected, describePython(value)});
+}
+
+void setAttribute(const BridgeState& self, std::int32_t fileIndex, const std::string& name,
+                  py::handle value) {
+    if (PyBool_Check(value.ptr())) {
+        self.bridge().setAttribute(fileIndex, name, value.ptr() == Py_True);
+    } else if (PyUnicode_Check(value.ptr())) {
+        const std::string bytes = bytesOf(value);
+        self.bridge().setAttribute(fileIndex, name, bytes.c_str());
+    } else {
+        wrongArgument("setAttribute", "a bool or a str", value);
+    }
+}
+
+std::string contentOf(const char* operation, py::handle content) {
+    if (PyBytes_Check(content.ptr())) return content.cast<std::string>();
+    if (PyUnicode_Check(content.ptr())) return bytesOf(content);
+    wrongArgument(operation, "a str or bytes", content);
+}
+
+void addSectionContent(const BridgeState& self, std::int32_t fileIndex, const std::string& section,
+                       py::handle content) {
+    self.bridge().addSectionContent(
+        fileIndex, section,
+        boost::make_shared<StringFileSectionFragment>(contentOf("addSectionContent", content)));
+}
+
+// Writes through a C stream on a duplicate of the file's descriptor, so the
+// bytes go straight to the file; afterwards the Python file object is moved
+// to where the writing ended, so the script can go on writing its own bytes.
+void writeToDescriptor(FileRepScrivBridge& bridge, std::int32_t fileIndex, const std::string& section,
+                       py::handle file, int fd) {
+    file.attr("flush")();
+    std::FILE* stream = vel::io::openDuplicateForWriting(fd);
+    if (!stream)
+        vel::diag::throwError("VelCG:Python:CannotWrite",
+                              {section, "the file descriptor cannot be duplicated"});
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(stream, &std::fclose);
+    bridge.writeSection(fileIndex, section, stream);
+    if (std::fflush(stream) != 0 || std::ferror(stream))
+        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "the stream reported an error"});
+    if (std::fclose(closer.release()) != 0)
+        vel::diag::throwError("VelCG:Python:CannotWrite",
+                              {section, "closing the duplicate descriptor failed"});
+    if (file.attr("seekable")().cast<bool>()) {
+        py::object os = py::module_::import("os");
+        file.attr("seek")(os.attr("lseek")(fd, 0, os.attr("SEEK_CUR")));
+    }
+}
+
+// For file objects without a descriptor (io.BytesIO, ...): the section is
+// written to a temporary C stream and its bytes handed to file.write.
+void writeThroughBuffer(FileRepScrivBridge& bridge, std::int32_t fileIndex, const std::string& section,
+                        py::handle file) {
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::tmpfile(), &std::fclose);
+    if (!stream)
+        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "no temporary file can be created"});
+    bridge.writeSection(fileIndex, section, stream.get());
+    const long size = std::ftell(stream.get());
+    std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+    std::rewind(stream.get());
+    if (std::fread(bytes.data(), 1, bytes.size(), stream.get()) != bytes.size())
+        vel::diag::throwError("VelCG:Python:CannotWrite",
+                              {section, "the temporary file cannot be read back"});
+    file.attr("write")(py::bytes(bytes));
+}
+
+void writeSection(const BridgeState& self, std::int32_t fileIndex, const std::string& section,
+                  py::handle file) {
+    FileRepScrivBridge& bridge = self.bridge();
+    py::module_ io = py::module_::import("io");
+    if (py::isinstance(file, io.attr("TextIOBase")) || !py::hasattr(file, "write"))
+        vel::diag::throwError("VelCG:Python:NotABinaryFile", {section, describePython(file)});
+    int fd = -1;
+    if (py::hasattr(file, "fileno")) {
+        try {
+            fd = file.attr("fileno")().cast<int>();
+        } catch (const py::error_already_set& e) {
+            // io.BytesIO and friends raise io.UnsupportedOperation (an OSError).
+            if (!e.matches(PyExc_OSError)) throw;
+        }
+    }
+    if (fd >= 0)
+        writeToDescriptor(bridge, fileIndex, section, file, fd);
+    else
+        writeThroughBuffer(bridge, fileIndex, section, file);
+}
+
+} // namespace
+
+void defineBridge(py::module_& module) {
+    using Contents = CustomContentsState;
+    py::class_<Contents>(module, "CustomContents",
+                         "The custom sections and tokens that a file's code template declared.")
+        .def(
+            "isCustomSection",
+            [](const Contents& c, const std::string& name) { return c.contents().isCustomSection(name); },
+            py::arg("name"))
+        .def(
+            "addContentToSection",
+            [](const Contents& c, const std::string& name, py::handle content) {
+                c.contents().addContentToSection(name, contentOf("addContentToSection", content));
+            },
+            py::arg("name"), py::arg("content"))
+        .def(
+            "getCustomSectionContent",
+            [](const Contents& c, const std::string& name, const std::string& context) {
+                return text(c.contents().getCustomSectionContent(name, context));
+            },
+            py::arg("name"), py::arg("context"))
+        .def(
+            "setCustomTokenInUse",
+            [](const Contents& c, const std::string& name) { c.contents().setCustomTokenInUse(name); },
+            py::arg("name"));
+
+    using B = BridgeState;
+    py::class_<B>(module, "Bridge", R"(The script bridge of a file repository.
+
+Files are addressed by their index in the repository's file list,
+attributes and sections by name.)")
+        .def(
+            "isBooleanAttribute",
+            [](const B& b, const std::string& name) { return b.bridge().isBooleanAttribute(name); },
+            py::arg("name"))
+        .def(
+            "isStringAttribute",
+            [](const B& b, const std::string& name) { return b.bridge().isStringAttribute(name); },
+            py::arg("name"))
+        .def(
+            "isStringArrayAttribute",
+            [](const B& b, const std::string& name) { return b.bridge().isStringArrayAttribute(name); },
+            py::arg("name"))
+        .def(
+            "isFileSectionAttribute",
+            [](const B& b, const std::string& name) { return b.bridge().isFileSectionAttribute(name); },
+            py::arg("name"))
+        .def(
+            "getBooleanAttribute",
+            [](const B& b, std::int32_t i, const std::string& name) {
+                return b.bridge().getBooleanAttribute(i, name);
+            },
+            py::arg("fileIndex"), py::arg("name"))
+        .def(
+            "getStringAttribute",
+            [](const B& b, std::int32_t i, const std::string& name) {
+                return text(b.bridge().getStringAttribute(i, name));
+            },
+            py::arg("fileIndex"), py::arg("name"))
+        .def(
+            "getStringArrayAttribute",
+            [](const B& b, std::int32_t i, const std::string& name) {
+                py::list out;
+                for (const std::string& s : b.bridge().getStringArrayAttribute(i, name)) out.append(text(s));
+                return out;
+            },
+            py::arg("fileIndex"), py::arg("name"))
+        .def("setAttribute", &setAttribute, py::arg("fileIndex"), py::arg("name"), py::arg("value"))
+        .def("addSectionContent", &addSectionContent, py::arg("fileIndex"), py::arg("sectionName"),
+             py::arg("content"))
+        .def(
+            "addCustomSection",
+            [](const BridgeState& b, std::int32_t i, const std::string& builtin, const std::string& custom) {
+                b.bridge().addCustomSection(i, builtin, custom);
+            },
+            py::arg("fileIndex"), py::arg("builtinSectionName"), py::arg("customSectionName"))
+        .def(
+            "appendMissingTokens",
+            [](const BridgeState& b, std::int32_t i, const std::string& section) {
+                b.bridge().appendMissingTokens(i, section);
+            },
+            py::arg("fileIndex"), py::arg("sectionName"))
+        .def("writeSection", &writeSection, py::arg("fileIndex"), py::arg("sectionName"), py::arg("file"))
+        .def(
+            "customContents",
+            [](const BridgeState& b, std::int32_t i) {
+                return CustomContentsState{b.bridge().getFileFromIndex(i).makeRef()};
+            },
+            py::arg("fileIndex"))
+        .def_property_readonly("numberOfFiles", [](const BridgeState& b) {
+            return static_cast<std::int32_t>(b.repositoryObject().getFileList().size());
+        });
+
+    // The section names in the order sections stand in a file.
+    py::list sectionNames;
+    for (int kind = BANNER_SECTION; kind <= USERBOTTOM_SECTION; ++kind) {
+        const std::string name = getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(kind));
+        if (!name.empty()) sectionNames.append(name);
+    }
+    module.attr("sectionNames") = py::tuple(sectionNames);
+
+    module.def("bridge", &makeBridge, py::arg("repository"),
+               "The script bridge of a file repository (a velcg.VelCGFileRepository).");
+}
+
+} // namespace VelCG::python

@@ -1,0 +1,249 @@
+#include "Objects.hpp"
+
+#include <functional>
+#include <pybind11/stl.h>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "Values.hpp"
+#include "korb/Binders.hpp"
+#include "korb/Client.hpp"
+#include "korb/ObjectSystem.hpp"
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/mi/HandleClass.hpp"
+
+namespace VelCG::python {
+
+namespace {
+
+// The Python class of each object-system class, by qualified name, made on
+// first use. Deliberately never freed: the interpreter may be gone by the
+// time static destructors run.
+std::unordered_map<std::string, py::object>& classTypes() {
+    static auto* types = new std::unordered_map<std::string, py::object>();
+    return *types;
+}
+
+py::object& objectBaseType() {
+    static auto* base = new py::object();
+    return *base;
+}
+
+py::module_& moduleObject() {
+    static auto* module = new py::module_();
+    return *module;
+}
+
+std::string shortNameOf(const std::string& qualified) {
+    const auto dot = qualified.rfind('.');
+    return dot == std::string::npos ? qualified : qualified.substr(dot + 1);
+}
+
+// The Python class for a registered class: a subclass of the Python class
+// of its superclass, or of velcg.Object. Classes of the package "VelCG" are
+// also attributes of the module, by short name.
+py::object pythonClassFor(const vel::mi::HandleClass& cls) {
+    auto& types = classTypes();
+    const std::string& name = cls.getQualifiedName();
+    if (auto it = types.find(name); it != types.end()) return it->second;
+    // The host's own mixin classes ("plexo.mixin.Heterogeneous") have no
+    // members; their subclasses derive from velcg.Object directly.
+    py::object base = objectBaseType();
+    const vel::mi::HandleClass* super = client().getSuperclass(cls);
+    if (super && super->getQualifiedName().rfind("plexo.", 0) != 0) base = pythonClassFor(*super);
+    py::dict members;
+    members["__slots__"] = py::tuple();
+    members["__module__"] = py::str("velcg");
+    members["__doc__"] = py::str(cls.getDescription());
+    members["__qualname__"] = py::str(shortNameOf(name));
+    py::object type = py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(&PyType_Type))(
+        shortNameOf(name), py::make_tuple(base), members);
+    types.emplace(name, type);
+    return type;
+}
+
+const vel::mi::HandleClass& classOfLive(const vel::mi::Handle& object) { return client().classOf(object); }
+
+[[noreturn]] void rethrowConversion(const WrongPythonType& e, const std::string& identifier,
+                                    std::vector<std::string> leading) {
+    leading.push_back(
+        vel::diag::Diagnostic::fromCatalog("Korb:TypeMismatch", {e.expected, e.what}).message());
+    vel::diag::throwError(identifier, std::move(leading));
+}
+
+py::object getAttribute(const ObjectState& self, const std::string& name) {
+    vel::mi::Handle& object = live(self.ref);
+    const vel::mi::HandleClass& cls = classOfLive(object);
+    if (const auto* property = client().findProperty(cls, name)) {
+        const tuvArrayPtr value = client().getProperty(self.ref, name);
+        return toPython(*value, shapeOf(property->getter->hostTypeName(),
+                                        property->getter->deliversOneObject(), property->elementClass));
+    }
+    if (client().findMethod(cls, name)) return py::cast(BoundMethod{self.ref, cls.getQualifiedName(), name});
+    vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
+}
+
+void setAttribute(const ObjectState& self, const std::string& name, py::handle value) {
+    vel::mi::Handle& object = live(self.ref);
+    const vel::mi::HandleClass& cls = classOfLive(object);
+    const auto* property = client().findProperty(cls, name);
+    if (!property) vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
+    // A read-only property: the client refuses any value with its own message.
+    if (!property->setter) client().setProperty(self.ref, name, *tuvArray::empty());
+    tuvArrayPtr converted;
+    try {
+        converted = fromPython(value, property->setter->hostTypeName());
+    } catch (const WrongPythonType& e) {
+        rethrowConversion(e, "Korb:InvalidPropertyValue", {name, cls.getQualifiedName()});
+    }
+    client().setProperty(self.ref, name, *converted);
+}
+
+py::object callMethod(const BoundMethod& self, py::args args) {
+    vel::mi::Handle& object = live(self.ref);
+    const vel::mi::HandleClass& cls = classOfLive(object);
+    const auto* method = client().findMethod(cls, self.name);
+    if (!method) vel::diag::throwError("Korb:UnknownMethod", {self.name, cls.getQualifiedName()});
+    const auto& types = method->binder->argumentTypes();
+    std::vector<tuvArrayPtr> converted;
+    converted.reserve(args.size());
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        // With the wrong number of arguments the client reports the count;
+        // the arguments only need to be host values.
+        const std::string& type = args.size() == types.size() ? types[i] : std::string(korb::kAny);
+        try {
+            converted.push_back(fromPython(args[i], type));
+        } catch (const WrongPythonType& e) {
+            rethrowConversion(e, "Korb:InvalidMethodArgument",
+                              {self.name, cls.getQualifiedName(), std::to_string(i + 1)});
+        }
+    }
+    const tuvArrayPtr result = client().callMethod(self.ref, self.name, converted);
+    if (method->binder->resultType().empty()) return py::none();
+    return toPython(*result,
+                    shapeOf(method->binder->resultType(), method->binder->returnsOneObject(), std::string()));
+}
+
+std::vector<std::string> memberNames(const ObjectState& self) {
+    const vel::mi::Handle& object = live(self.ref);
+    std::vector<std::string> names = client().getPropertyNames(object);
+    for (std::string& m : client().getMethodNames(object)) names.push_back(std::move(m));
+    return names;
+}
+
+ObjectState fromCapsule(const py::capsule& capsule) {
+    if (std::string(capsule.name() ? capsule.name() : "") != "vel.mi.Handle")
+        vel::diag::throwError("VelCG:Python:NotAHandleCapsule", {capsule.name() ? capsule.name() : ""});
+    auto* handle = static_cast<vel::mi::Handle*>(capsule.get_pointer());
+    if (!handle) vel::diag::throwError("Korb:InvalidHandle", {});
+    classOfLive(*handle);
+    return ObjectState{handle->makeRef(), handle->getFullyQualifiedKorbTypeName()};
+}
+
+} // namespace
+
+vel::mi::Handle& live(const vel::mi::HandleRef& ref) {
+    vel::mi::Handle* object = ref.get();
+    if (!object) vel::diag::throwError("Korb:InvalidHandle", {});
+    return *object;
+}
+
+py::object wrap(const vel::mi::HandleRef& ref) {
+    vel::mi::Handle* object = ref.get();
+    if (!object) return py::none();
+    // An embedding runtime may wrap its globals before a script imported the module.
+    if (!objectBaseType()) py::module_::import("velcg");
+    py::object type = pythonClassFor(classOfLive(*object));
+    return type(py::capsule(static_cast<void*>(object), "vel.mi.Handle"));
+}
+
+void defineObjects(py::module_& module) {
+    classTypes().clear();
+    moduleObject() = module;
+
+    py::class_<ObjectState> object(module, "Object", R"(A native object of the object system.
+
+Its properties are attributes (readable, and writable where the class allows)
+and its methods are callable by name. It does not own the native object:
+once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
+    object
+        .def(py::init(&fromCapsule), py::arg("handle"),
+             "The object behind a capsule named \"vel.mi.Handle\" that holds a native handle pointer.")
+        .def("__getattr__", &getAttribute)
+        .def("__setattr__", &setAttribute)
+        .def("__dir__", &memberNames)
+        .def("__repr__",
+             [](const ObjectState& self) {
+                 return "<" + self.className + (self.ref ? " object>" : " object (destroyed)>");
+             })
+        .def("__eq__",
+             [](const ObjectState& self, py::object other) {
+                 return py::isinstance<ObjectState>(other) &&
+                        self.ref.sameObject(other.cast<const ObjectState&>().ref);
+             })
+        .def("__ne__",
+             [](const ObjectState& self, py::object other) {
+                 return !(py::isinstance<ObjectState>(other) &&
+                          self.ref.sameObject(other.cast<const ObjectState&>().ref));
+             })
+        .def("__hash__",
+             [](const ObjectState& self) { return std::hash<const void*>()(self.ref.identity()); });
+    objectBaseType() = object;
+
+    py::class_<BoundMethod>(module, "Method", "A method of one native object; call it with its arguments.")
+        .def("__call__", &callMethod)
+        .def("__repr__", [](const BoundMethod& self) {
+            return "<method " + self.name + " of " + self.className + " object>";
+        });
+
+    py::class_<DataInterfaceValue>(module, "DataInterface",
+                                   "Where a piece of model data lives in generated code.")
+        .def_property_readonly(
+            "identifier", [](const DataInterfaceValue& d) { return d.value->getDescription().identifier; })
+        .def_property_readonly(
+            "implementation",
+            [](const DataInterfaceValue& d) { return d.value->getDescription().implementation; })
+        .def_property_readonly("owner",
+                               [](const DataInterfaceValue& d) { return d.value->getDescription().owner; })
+        .def_property_readonly("typeName",
+                               [](const DataInterfaceValue& d) { return d.value->getDescription().typeName; })
+        .def_property_readonly(
+            "graphicalName",
+            [](const DataInterfaceValue& d) { return d.value->getDescription().graphicalName; })
+        .def("__eq__",
+             [](const DataInterfaceValue& self, py::object other) {
+                 return py::isinstance<DataInterfaceValue>(other) &&
+                        self.value == other.cast<const DataInterfaceValue&>().value;
+             })
+        .def("__hash__", [](const DataInterfaceValue& d) { return std::hash<const void*>()(d.value.get()); })
+        .def("__repr__", [](const DataInterfaceValue& d) {
+            return "<coder.DataInterface " + d.value->getDescription().identifier + ">";
+        });
+
+    py::class_<EmbeddedTypeValue>(module, "EmbeddedType", "A type of the code generator's type system.")
+        .def_property_readonly("name", [](const EmbeddedTypeValue& t) { return t.value->getName(); })
+        .def("__eq__",
+             [](const EmbeddedTypeValue& self, py::object other) {
+                 return py::isinstance<EmbeddedTypeValue>(other) &&
+                        self.value == other.cast<const EmbeddedTypeValue&>().value;
+             })
+        .def("__hash__", [](const EmbeddedTypeValue& t) { return std::hash<const void*>()(t.value.get()); })
+        .def("__repr__",
+             [](const EmbeddedTypeValue& t) { return "<embedded.type " + t.value->getName() + ">"; });
+
+    py::class_<HostValue>(module, "HostValue", "A host value of a foreign class, passed through unchanged.")
+        .def_property_readonly("className", [](const HostValue& v) { return v.value->className(); })
+        .def("__repr__", [](const HostValue& v) { return "<" + v.value->describe() + ">"; });
+
+    module.def(
+        "classOf", [](const ObjectState& self) { return classOfLive(live(self.ref)).getQualifiedName(); },
+        py::arg("obj"), "The fully qualified object-system class of a live object.");
+
+    // One Python class per class of the package, so that isinstance works
+    // and editors can complete members from the generated stub.
+    for (const vel::mi::HandleClass* cls : client().getClasses("VelCG"))
+        module.attr(shortNameOf(cls->getQualifiedName()).c_str()) = pythonClassFor(*cls);
+}
+
+} // namespace VelCG::python

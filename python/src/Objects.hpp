@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+
+#include <boost/intrusive_ptr.hpp>
+
+#include "CG/DataInterface.hpp"
+#include "CG/EmbeddedType.hpp"
+#include "Module.hpp"
+#include "vel/mi/Handle.hpp"
+#include "vel/tuvArray.hpp"
+
+namespace VelCG::python {
+
+// The native state of a velcg.Object: a reference that turns null when the
+// native object dies, and the class it had, for messages about it.
+struct ObjectState {
+    vel::mi::HandleRef ref;
+    std::string className;
+};
+
+// A method of one object, as `obj.name` returns it; calling it calls the
+// native method.
+struct BoundMethod {
+    vel::mi::HandleRef ref;
+    std::string className;
+    std::string name;
+};
+
+// Host values that are not objects of the object system, holding their own
+// reference to the native value.
+struct DataInterfaceValue {
+    boost::intrusive_ptr<const CG::DataInterface> value;
+};
+struct EmbeddedTypeValue {
+    boost::intrusive_ptr<const CG::EmbeddedType> value;
+};
+// Any other foreign host value, passed through unchanged.
+struct HostValue {
+    tuvArrayPtr value;
+};
+
+// The live native object, or "Korb:InvalidHandle".
+vel::mi::Handle& live(const vel::mi::HandleRef& ref);
+
+void defineObjects(py::module_& module);
+
+} // namespace VelCG::python
