@@ -1,7 +1,7 @@
 // The example code generator: compiles the model "gain_model" into C
-// sources.
+// sources with a code template written in Python.
 //
-//   velcg_example_codegen [output-directory]
+//   velcg_example_codegen [output-directory [template.py]]
 //
 // The generated files build into a program that steps the model:
 //   cc -o demo gain_model.c gain_model_main.c && ./demo
@@ -12,13 +12,14 @@
 #include <boost/filesystem.hpp>
 
 #include "ExampleModel.hpp"
-#include "Template.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/i18n/Text.hpp"
+#include "velcg/PythonRuntime.hpp"
 #include "velcg/velcg.hpp"
 
 int main(int argc, char** argv) {
     const std::string directory = argc > 1 ? argv[1] : "generated";
+    const std::string templatePath = argc > 2 ? argv[2] : VELCG_EXAMPLE_TEMPLATE;
     try {
         boost::filesystem::create_directories(directory);
         PlexoInitialize_velcg();
@@ -34,8 +35,11 @@ int main(int argc, char** argv) {
         repository.createDataTypesFile("gain_model_types.h");
         repository.createGenericFile("gain_model_main.c");
 
-        example::runTemplates(*model, repository);
-        std::vector<example::WrittenFile> files = example::writeFiles(repository, directory);
+        // The template fills every file through the script bridge and
+        // writes it into the output directory.
+        VelCG::PythonRuntime::Globals globals;
+        globals.add("model", *model).add("repository", repository).add("outputDirectory", directory);
+        VelCG::PythonRuntime::runTemplate(templatePath, globals);
         // The scripts have run: add the coder data groups to the description.
         model->serializeModelAfterScriv(buildDirectory);
 
@@ -44,12 +48,18 @@ int main(int argc, char** argv) {
             "%zu block(s)\n",
             model->getSystems().size(), model->getVelCGTypes().size(), model->getVarGroups().size(),
             model->getBlockHierarchyMap()->getSubsystems().at(0)->getBlocks().size());
-        for (const auto& f : files) std::printf("  wrote %-40s %6ld bytes\n", f.path.c_str(), f.bytes);
+        for (const VelCG::VelCGFile* file : repository.getFileList()) {
+            if (!file->isWrittenToDisk()) continue;
+            const boost::filesystem::path path = boost::filesystem::path(directory) / file->getNameAscii();
+            std::printf("  wrote %-40s %6ju bytes\n", path.string().c_str(),
+                        static_cast<std::uintmax_t>(boost::filesystem::file_size(path)));
+        }
         // Destroying the model waits for the last pass.
         model.reset();
         std::printf(
             "  wrote %s\n",
             (boost::filesystem::path(directory) / VelCG::CGModel::kCodeDescriptorFileName).string().c_str());
+        VelCG::PythonRuntime::shutdown();
         PlexoTerminate_velcg();
         return 0;
     } catch (const vel::diag::Exception& e) {
