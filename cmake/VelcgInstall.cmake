@@ -8,6 +8,20 @@ install(TARGETS velhost velcg EXPORT velcgTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY include/velcg DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# The runtime for Python templates joins the package (velcg::velcg_python);
+# the module velcg and its type stub go to a site-packages folder under the
+# prefix (add it to PYTHONPATH).
+if(TARGET velcg_python)
+  install(TARGETS velcg_python EXPORT velcgTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS velcg_python_module LIBRARY DESTINATION ${VELCG_PYTHON_INSTALL_DIR})
+  if(DEFINED VELCG_PYTHON_STUB)
+    install(FILES ${VELCG_PYTHON_STUB} DESTINATION ${VELCG_PYTHON_INSTALL_DIR})
+  endif()
+endif()
 install(DIRECTORY host/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velcg/host)
 
 install(EXPORT velcgTargets NAMESPACE velcg:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/velcg)

@@ -2,7 +2,8 @@
 # Builds and runs every test:
 #   1. the layout of every C++ file of the tree against .clang-format;
 #   2. an optimised build, installed into a prefix, and a separate consumer
-#      project built against that install with find_package(velcg);
+#      project built against that install with find_package(velcg), one of
+#      its programs running a Python template; the installed module imports;
 #   3. the whole suite under ThreadSanitizer (the tests labelled "threads"
 #      start threads of their own; the rest check that nothing else races);
 #   4. the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer.
@@ -33,6 +34,11 @@ fi
 cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_PREFIX_PATH="$PWD/build/install" >/dev/null
 cmake --build build/consumer -j "$jobs"
 LD_LIBRARY_PATH="$PWD/build/install/lib:${LD_LIBRARY_PATH:-}" build/consumer/velcg_consumer
+LD_LIBRARY_PATH="$PWD/build/install/lib:${LD_LIBRARY_PATH:-}" build/consumer/velcg_python_consumer
+# The installed Python module imports from its site-packages folder, with its stub beside it.
+site=$(echo build/install/lib/python3*/site-packages)
+test -f "$site/velcg.pyi"
+PYTHONPATH="$PWD/$site" /usr/bin/python3 -c 'import velcg; print("velcg module:", len(velcg.sectionNames), "section names")'
 
 echo "== all tests under ThreadSanitizer"
 cmake --preset tsan >/dev/null

@@ -30,6 +30,7 @@
 #include "velcg/ModelParameter.hpp"
 #include "velcg/Parameter.hpp"
 #include "velcg/PlexoModule.hpp"
+#include "velcg/PythonRuntime.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/Region.hpp"
 #include "velcg/State.hpp"
