@@ -108,8 +108,7 @@ void writeToDescriptor(FileRepScrivBridge& bridge, std::int32_t fileIndex, const
     file.attr("flush")();
     std::FILE* stream = vel::io::openDuplicateForWriting(fd);
     if (!stream)
-        vel::diag::throwError("VelCG:Python:CannotWrite",
-                              {section, "the file descriptor cannot be duplicated"});
+        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "the file is not open for writing"});
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(stream, &std::fclose);
     bridge.writeSection(fileIndex, section, stream);
     if (std::fflush(stream) != 0 || std::ferror(stream))

@@ -86,6 +86,12 @@ korb::Client& client() { return korb::ObjectSystem::instance().getPublicClient()
 
 py::object errorType() { return errorClass(); }
 
+void releaseModule() {
+    releaseObjects();
+    errorClass() = py::object();
+    unknownMemberClass() = py::object();
+}
+
 void defineModule(py::module_& module) {
     // The classes scripts see are those of the package; loading the module
     // loads the library the way the host does.

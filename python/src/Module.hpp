@@ -24,6 +24,10 @@ namespace py = pybind11;
 // Fills the module: its classes, functions and the translation of host
 // diagnostics into velcg.Error.
 void defineModule(py::module_& module);
+// Drops every reference to the module's classes held outside the
+// interpreter, so that an embedding runtime that shuts the interpreter down
+// lets them be freed with it. The module cannot be used afterwards.
+void releaseModule();
 
 korb::Client& client();
 

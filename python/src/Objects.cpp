@@ -158,6 +158,12 @@ py::object wrap(const vel::mi::HandleRef& ref) {
     return type(py::capsule(static_cast<void*>(object), "vel.mi.Handle"));
 }
 
+void releaseObjects() {
+    classTypes().clear();
+    objectBaseType() = py::object();
+    moduleObject() = py::module_();
+}
+
 void defineObjects(py::module_& module) {
     classTypes().clear();
     moduleObject() = module;

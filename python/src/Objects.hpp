@@ -44,5 +44,7 @@ struct HostValue {
 vel::mi::Handle& live(const vel::mi::HandleRef& ref);
 
 void defineObjects(py::module_& module);
+// Drops the references to the module's classes that defineObjects keeps.
+void releaseObjects();
 
 } // namespace VelCG::python

@@ -26,7 +26,6 @@ enum class State { NotStarted, Running, Finalized };
 struct Interpreter {
     std::mutex mutex; // guards state and the start and end of the interpreter
     State state = State::NotStarted;
-    PyThreadState* mainThread = nullptr; // the thread state saved while no template runs
 };
 
 Interpreter& interpreter() {
@@ -43,7 +42,11 @@ void ensureStarted() {
     if (in.state == State::Running) return;
     // Signal handlers stay with the host process.
     py::initialize_interpreter(/*init_signal_handlers=*/false);
-    in.mainThread = PyEval_SaveThread();
+    // pybind11 sets up its shared state on first use without a lock of its
+    // own, and every template's GIL acquisition reads it: set it up here,
+    // under the mutex that each run passes through first.
+    py::detail::get_internals();
+    PyEval_SaveThread();
     in.state = State::Running;
     std::atexit(&PythonRuntime::shutdown);
 }
@@ -51,7 +54,10 @@ void ensureStarted() {
 std::string tracebackText(const py::error_already_set& error) {
     try {
         py::object format = py::module_::import("traceback").attr("format_exception");
-        py::object lines = format(error.type(), error.value(), error.trace());
+        // An error raised before any Python frame ran (a syntax error from
+        // compile) has no traceback; format_exception takes None for it.
+        py::object trace = error.trace() ? error.trace() : py::none();
+        py::object lines = format(error.type(), error.value(), trace);
         return py::str("").attr("join")(lines).cast<std::string>();
     } catch (const py::error_already_set&) {
         return error.what();
@@ -160,7 +166,12 @@ void PythonRuntime::shutdown() {
         in.state = State::Finalized;
         return;
     }
-    PyEval_RestoreThread(in.mainThread);
+    // The interpreter ends on the calling thread with that thread's own
+    // thread state: the thread that started it may have ended since, and its
+    // state cannot be taken over. Never released: nothing is left to release
+    // it to.
+    PyGILState_Ensure();
+    python::releaseModule();
     py::finalize_interpreter();
     in.state = State::Finalized;
 }

@@ -80,7 +80,9 @@ tuvArrayPtr anyValue(py::handle v);
 tuvArrayPtr listValue(py::handle v) {
     py::sequence items = py::reinterpret_borrow<py::sequence>(v);
     const std::size_t n = items.size();
-    bool allObjects = n > 0;
+    // An empty list is an empty list of objects, so that [] clears the
+    // object lists scripts may write.
+    bool allObjects = true;
     for (py::handle item : items) allObjects = allObjects && py::isinstance<ObjectState>(item);
     if (allObjects) {
         std::vector<vel::mi::HandleRef> refs;

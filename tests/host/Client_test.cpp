@@ -87,6 +87,13 @@ private:
     std::string kind_ = "gadget";
 };
 
+// Overrides an inherited property and an inherited method with declarations
+// of other types.
+class Gizmo : public Gadget {
+public:
+    const char* getFullyQualifiedKorbTypeName() const override { return "KorbTest.Gizmo"; }
+};
+
 class Unregistered : public vel::mi::Handle {
 public:
     const char* getFullyQualifiedKorbTypeName() const override { return "KorbTest.Nobody"; }
@@ -114,8 +121,9 @@ public:
             c.property("Path", getter(&Widget::getPath), setter(&Widget::setPath));
             c.property("Dims", getter(&Widget::getDims), setter(&Widget::setDims));
             c.property("Tags", getter(&Widget::getTags), setter(&Widget::setTags));
-            c.property("Children", getter(&Widget::getChildren), setter(&Widget::setChildren));
-            c.property("Peer", getter(&Widget::getPeer));
+            c.property("Children", getter(&Widget::getChildren), setter(&Widget::setChildren))
+                .holds("KorbTest.Widget");
+            c.property("Peer", getter(&Widget::getPeer)).holds("KorbTest.Widget");
             c.property("Plain", getter(&Widget::getPlain));
             c.method("greet", method(&Widget::greet));
             c.method("bump", method(&Widget::bump));
@@ -125,6 +133,11 @@ public:
             c.superclass("KorbTest.Widget");
             c.property("Kind", getter(&Gadget::getKind));
             c.property("Label", getterFn<Gadget>([](const Gadget& g) { return "G:" + g.getLabel(); }));
+        }));
+        system.registerClass(ClassInfo::make("Gizmo", "A gizmo", [](ClassInfo& c) {
+            c.superclass("KorbTest.Gadget");
+            c.property("Count", getterFn<Gizmo>([](const Gizmo& g) { return std::to_string(g.getCount()); }));
+            c.method("bump", methodFn<Gizmo, Widget*, int>([](Gizmo& g, int) { return g.peer_; }));
         }));
     }
 };
@@ -374,6 +387,82 @@ TEST_F(ClientTest, SubclassesAnswerInheritedMembersAndHideOverridden) {
     EXPECT_TRUE(client.hasProperty(g, "Kind"));
     EXPECT_FALSE(client.hasProperty(Widget(), "Kind"));
     EXPECT_EQ((std::vector<std::string>{"greet", "bump", "fail"}), client.getMethodNames(g));
+}
+
+TEST_F(ClientTest, DescribesClassMembersAlongTheChainTheMostDerivedDeclarationWinning) {
+    const auto* gizmo = client.findClass("KorbTest.Gizmo");
+    ASSERT_NE(nullptr, gizmo);
+    std::vector<std::string> described;
+    for (const korb::PropertyInfo& p : client.describeProperties(*gizmo))
+        described.push_back(p.name + ":" + p.hostType + "/" + (p.readOnly ? "ro" : "rw:" + p.setterType) +
+                            "/" + p.elementClass + (p.oneObject ? "(one)" : "") + "@" + p.definedBy);
+    // Inherited members keep their place; an override changes type, setter
+    // and declaring class but not the position.
+    EXPECT_EQ((std::vector<std::string>{
+                  "Enabled:logical scalar/rw:logical scalar/@KorbTest.Widget",
+                  "Count:char/ro/@KorbTest.Gizmo",
+                  "Id:uint32 scalar/ro/@KorbTest.Widget",
+                  "Big:int64 scalar/rw:int64 scalar/@KorbTest.Widget",
+                  "Gain:double scalar/rw:double scalar/@KorbTest.Widget",
+                  "Label:char/ro/@KorbTest.Gadget",
+                  "Path:char/rw:char/@KorbTest.Widget",
+                  "Dims:int32 vector/rw:int32 vector/@KorbTest.Widget",
+                  "Tags:cell/rw:cell/@KorbTest.Widget",
+                  "Children:any/rw:any/KorbTest.Widget@KorbTest.Widget",
+                  "Peer:any/ro/KorbTest.Widget(one)@KorbTest.Widget",
+                  "Plain:any/ro/(one)@KorbTest.Widget",
+                  "Kind:char/ro/@KorbTest.Gadget",
+              }),
+              described);
+
+    std::vector<std::string> methods;
+    for (const korb::MethodInfo& m : client.describeMethods(*gizmo)) {
+        std::string args;
+        for (const auto& a : m.argumentTypes) args += (args.empty() ? "" : ",") + a;
+        methods.push_back(m.name + "(" + args + ")->" + m.resultType + (m.returnsOneObject ? "(one)" : "") +
+                          "@" + m.definedBy);
+    }
+    EXPECT_EQ(
+        (std::vector<std::string>{"greet(char,int32 scalar)->char@KorbTest.Widget",
+                                  "bump(int32 scalar)->any(one)@KorbTest.Gizmo", "fail()->@KorbTest.Widget"}),
+        methods);
+
+    // Lookup by name follows the same chain.
+    Gizmo g;
+    g.setCount(4);
+    EXPECT_EQ("4", client.getProperty(g.makeRef(), "Count")->toUtf8());
+    g.peer_ = &g;
+    EXPECT_EQ(&g, client.callMethod(g.makeRef(), "bump", {tuvArray::int32(1)})->handles().at(0).get());
+    EXPECT_EQ(gizmo->findOwnProperty("Count"), client.findProperty(*gizmo, "Count"));
+    EXPECT_EQ(client.findClass("KorbTest.Gadget")->findOwnProperty("Label"),
+              client.findProperty(*gizmo, "Label"));
+    EXPECT_EQ(client.findClass("KorbTest.Widget")->findOwnMethod("greet"),
+              client.findMethod(*gizmo, "greet"));
+    EXPECT_EQ(nullptr, client.findProperty(*gizmo, "Nope"));
+    EXPECT_EQ(nullptr, client.findProperty(*gizmo, "greet")) << "a method is not a property";
+    EXPECT_EQ(nullptr, client.findMethod(*gizmo, "Kind")) << "a property is not a method";
+}
+
+TEST_F(ClientTest, SuperclassesAndElementClassesAreFoundByName) {
+    std::vector<std::string> chain;
+    for (const auto* c = client.findClass("KorbTest.Gizmo"); c; c = client.getSuperclass(*c))
+        chain.push_back(c->getQualifiedName());
+    EXPECT_EQ((std::vector<std::string>{"KorbTest.Gizmo", "KorbTest.Gadget", "KorbTest.Widget",
+                                        korb::kHeterogeneous}),
+              chain);
+
+    const auto classes = client.getClasses("KorbTest");
+    ASSERT_EQ(3u, classes.size());
+    EXPECT_EQ("KorbTest.Gizmo", classes[2]->getQualifiedName()) << "registration order";
+    EXPECT_TRUE(client.getClasses("NoSuchPackage").empty());
+
+    Gadget g;
+    EXPECT_EQ("KorbTest.Widget", client.getElementClass(g, "Children")) << "inherited";
+    EXPECT_EQ("", client.getElementClass(g, "Kind"));
+    EXPECT_EQ("Korb:UnknownProperty(Nope, KorbTest.Gadget)",
+              diagnosticWithArgumentsOf([&] { client.getElementClass(g, "Nope"); }));
+    EXPECT_EQ("Korb:UnknownProperty(greet, KorbTest.Gadget)",
+              diagnosticWithArgumentsOf([&] { client.getElementClass(g, "greet"); }));
 }
 
 } // namespace

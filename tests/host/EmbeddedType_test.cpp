@@ -1,13 +1,17 @@
 #include "CG/EmbeddedType.hpp"
 
 #include <gtest/gtest.h>
+#include <memory>
 
 #include <boost/intrusive_ptr.hpp>
 
 #include "CG/Type.hpp"
+#include "DiagnosticTesting.hpp"
 #include "vel/tuvArray.hpp"
 
 namespace {
+
+using testing_support::diagnosticOf;
 
 TEST(EmbeddedType, ReferencesAreCountedAcrossOwnersAndHostValues) {
     long before = CG::EmbeddedType::liveCount();
@@ -29,6 +33,22 @@ TEST(EmbeddedType, ReferencesAreCountedAcrossOwnersAndHostValues) {
 
 TEST(EmbeddedType, NullConvertsToTheEmptyValue) {
     EXPECT_TRUE(CG::EmbeddedType::toTuvArray(nullptr)->isEmpty());
+}
+
+TEST(EmbeddedType, HostValuesConvertBackOnlyFromTheirOwnClass) {
+    auto* t = CG::EmbeddedType::createFromIRType(*CG::Type::floating("double", 64));
+    auto hostValue = CG::EmbeddedType::toTuvArray(t);
+    EXPECT_EQ(t, CG::EmbeddedType::fromTuvArray(*hostValue));
+    EXPECT_EQ(nullptr, CG::EmbeddedType::fromTuvArray(*tuvArray::empty()));
+    t->release();
+    const tuvArrayPtr others[] = {
+        tuvArray::float64(1),
+        tuvArray::cell(0),
+        tuvArray::opaque("coder.DataInterface", std::make_shared<int>(0)),
+    };
+    for (const auto& other : others)
+        EXPECT_EQ("Korb:TypeMismatch", diagnosticOf([&] { CG::EmbeddedType::fromTuvArray(*other); }))
+            << other->describe();
 }
 
 } // namespace

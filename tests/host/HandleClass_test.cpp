@@ -10,6 +10,7 @@
 namespace {
 
 using testing_support::diagnosticOf;
+using testing_support::diagnosticWithArgumentsOf;
 
 class Counter : public vel::mi::Handle {
 public:
@@ -28,6 +29,7 @@ public:
     Record() : HandleClass("Counter", "counts") {}
     using HandleClass::addMethod;
     using HandleClass::addProperty;
+    using HandleClass::setElementClass;
 
 protected:
     void registerMembers() override {}
@@ -66,6 +68,19 @@ TEST(HandleClass, AMemberNameIsUsedOnce) {
     Record r;
     r.addMethod("m", korb::method(&Counter::bump));
     EXPECT_EQ("Korb:DuplicateMember", diagnosticOf([&] { r.addProperty("m", korb::getter(&Counter::get)); }));
+}
+
+TEST(HandleClass, AnElementClassIsDeclaredForAnOwnPropertyOnly) {
+    Record r;
+    r.addProperty("Items", korb::getter(&Counter::get));
+    r.addMethod("bump", korb::method(&Counter::bump));
+    r.setElementClass("Items", "Test.Counter");
+    EXPECT_EQ("Test.Counter", r.findOwnProperty("Items")->elementClass);
+    EXPECT_EQ("Korb:UnknownProperty(Missing, Counter)",
+              diagnosticWithArgumentsOf([&] { r.setElementClass("Missing", "Test.Counter"); }));
+    EXPECT_EQ("Korb:UnknownProperty(bump, Counter)",
+              diagnosticWithArgumentsOf([&] { r.setElementClass("bump", "Test.Counter"); }))
+        << "a method holds nothing";
 }
 
 } // namespace

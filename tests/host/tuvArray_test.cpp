@@ -1,6 +1,8 @@
 #include "vel/tuvArray.hpp"
 
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <vector>
 
 #include "DiagnosticTesting.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -66,6 +68,28 @@ TEST(tuvArray, TypedReadsRefuseOtherClassesAndShapes) {
     EXPECT_EQ("tuv:NotScalar", diagnosticOf([] { tuvArray::empty()->doubleValue(); }));
     EXPECT_EQ("tuv:IndexOutOfRange", diagnosticOf([] { tuvArray::int32Vector({1})->numericAt(1); }));
     EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::cell(1)->handles(); }));
+}
+
+TEST(tuvArray, TypedElementReadsKeepIntegersBeyondDoublePrecision) {
+    // 2^53 + 1 is the first integer a double cannot hold.
+    const std::int64_t beyond = (std::int64_t(1) << 53) + 1;
+    const std::vector<std::int64_t> values{beyond, -beyond, INT64_MAX, INT64_MIN};
+    auto v = tuvArray::int64Vector(values);
+    EXPECT_EQ(1u, v->rows());
+    EXPECT_EQ(4u, v->cols());
+    EXPECT_EQ(values, v->int64Data());
+    EXPECT_EQ(beyond, tuvArray::int64(beyond)->int64Value());
+    EXPECT_EQ(std::vector<std::int64_t>{beyond}, tuvArray::int64(beyond)->int64Data());
+    EXPECT_EQ(0u, tuvArray::int64Vector({})->numel());
+
+    EXPECT_EQ(std::vector<std::uint32_t>{UINT32_MAX}, tuvArray::uint32(UINT32_MAX)->uint32Data());
+    EXPECT_EQ((std::vector<double>{0.1, -2.5}), tuvArray::doubleVector({0.1, -2.5})->doubleData());
+    EXPECT_EQ((std::vector<std::uint8_t>{1}), tuvArray::logical(true)->logicalData());
+
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([&] { v->int32Data(); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([&] { v->doubleData(); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::int32Vector({1})->int64Data(); }));
+    EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::fromUtf8("a")->logicalData(); }));
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "CG/DataInterface.hpp"
 #include "CG/Type.hpp"
@@ -33,6 +35,9 @@
 #include "velcg/System.hpp"
 #include "velcg/ToAsyncQueueBlock.hpp"
 #include "velcg/VarGroup.hpp"
+#include "velcg/VelCGFileRepository.hpp"
+#include "velcg/VelCGFileSectionKind.hpp"
+#include "velcg/VelCGModuleFile.hpp"
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
 
@@ -276,6 +281,81 @@ TEST_F(ModelClassBindings, RegistersModelClassesInOrderAfterFileClasses) {
         EXPECT_EQ(expected[i][1], cls->getDescription()) << i;
         EXPECT_EQ(expected[i][2], cls->getSuperclassName()) << i;
         EXPECT_FALSE(cls->isAbstract()) << i;
+    }
+}
+
+// The objects a property value holds: its handles, or those of its cells.
+// `onlyObjects` is false when the value is something else than objects, the
+// empty value or cells of those.
+struct HeldObjects {
+    std::vector<vel::mi::HandleRef> refs;
+    bool onlyObjects = true;
+};
+
+HeldObjects heldObjects(const tuvArray& value) {
+    HeldObjects held;
+    const auto take = [&held](const tuvArray& a) {
+        if (a.classId() == tuvClass::Object)
+            held.refs.insert(held.refs.end(), a.handles().begin(), a.handles().end());
+        else if (a.classId() != tuvClass::Double || !a.isEmpty())
+            held.onlyObjects = false;
+    };
+    if (value.classId() == tuvClass::Cell)
+        for (std::size_t i = 0; i < value.numel(); ++i) take(*value.getCell(i));
+    else
+        take(value);
+    return held;
+}
+
+TEST_F(ModelClassBindings, ObjectHoldingPropertiesDeclareTheClassOfWhatTheyHold) {
+    for (const auto* cls : client.getClasses("VelCG")) {
+        for (const auto& p : client.describeProperties(*cls))
+            EXPECT_TRUE(p.elementClass.empty() || client.findClass(p.elementClass))
+                << cls->getQualifiedName() << "." << p.name << " holds " << p.elementClass;
+    }
+
+    // Every object reachable through properties from the scene's model and
+    // from a repository with one file of each kind, whose sections are only
+    // reached through methods.
+    Scene s;
+    VelCGFileRepository repository;
+    VelCGModuleFile& module = repository.createModuleSourceFile("m.c", {0});
+    repository.createDataTypesFile("m_types.h");
+    repository.createGenericFile("main.c");
+    std::vector<vel::mi::Handle*> pending{&s.model, &repository, module.korb_getFileSection(BANNER_SECTION),
+                                          module.korb_getFileSection(INCLUDES_SECTION),
+                                          module.korb_getFileSection(FUNCTIONS_SECTION)};
+    std::set<const vel::mi::Handle*> visited;
+    std::set<std::string> classesVisited;
+    while (!pending.empty()) {
+        vel::mi::Handle* object = pending.back();
+        pending.pop_back();
+        if (!visited.insert(object).second) continue;
+        const auto& cls = client.classOf(*object);
+        classesVisited.insert(cls.getQualifiedName());
+        for (const korb::PropertyInfo& p : client.describeProperties(cls)) {
+            SCOPED_TRACE(cls.getQualifiedName() + "." + p.name);
+            const tuvArrayPtr value = client.getProperty(object->makeRef(), p.name);
+            const HeldObjects held = heldObjects(*value);
+            const bool declared = !p.elementClass.empty();
+            EXPECT_TRUE(!declared || held.onlyObjects) << render(*value);
+            EXPECT_TRUE(declared || held.refs.empty())
+                << "objects of an undeclared class: " << render(*value);
+            const bool oneOrNone = value->classId() == tuvClass::Object
+                                       ? value->numel() <= 1
+                                       : value->classId() == tuvClass::Double && value->isEmpty();
+            EXPECT_TRUE(!p.oneObject || oneOrNone) << render(*value);
+            for (const vel::mi::HandleRef& ref : held.refs) {
+                ASSERT_NE(nullptr, ref.get());
+                EXPECT_TRUE(!declared || client.isA(*ref.get(), p.elementClass))
+                    << client.classOf(*ref.get()).getQualifiedName();
+                pending.push_back(ref.get());
+            }
+        }
+    }
+    for (const auto* cls : client.getClasses("VelCG")) {
+        EXPECT_TRUE(cls->isAbstract() || classesVisited.count(cls->getQualifiedName()))
+            << cls->getQualifiedName() << " was not reached";
     }
 }
 
