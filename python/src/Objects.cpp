@@ -40,6 +40,18 @@ std::string shortNameOf(const std::string& qualified) {
     return dot == std::string::npos ? qualified : qualified.substr(dot + 1);
 }
 
+// Members of the object-system classes, resolved once per class: a Python
+// class holds one descriptor per own property and method, so that reading
+// `obj.Name` goes straight to the object system instead of failing the
+// ordinary attribute lookup first.
+struct PropertyDescriptor {
+    std::string name;
+    Shape shape;
+};
+struct MethodDescriptor {
+    std::string name;
+};
+
 // The Python class for a registered class: a subclass of the Python class
 // of its superclass, or of velcg.Object. Classes of the package "VelCG" are
 // also attributes of the module, by short name.
@@ -57,6 +69,10 @@ py::object pythonClassFor(const vel::mi::HandleClass& cls) {
     members["__module__"] = py::str("velcg");
     members["__doc__"] = py::str(cls.getDescription());
     members["__qualname__"] = py::str(shortNameOf(name));
+    for (const auto& p : cls.getProperties())
+        members[py::str(p.name)] = py::cast(PropertyDescriptor{
+            p.name, shapeOf(p.getter->hostTypeName(), p.getter->deliversOneObject(), p.elementClass)});
+    for (const auto& m : cls.getMethods()) members[py::str(m.name)] = py::cast(MethodDescriptor{m.name});
     py::object type = py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(&PyType_Type))(
         shortNameOf(name), py::make_tuple(base), members);
     types.emplace(name, type);
@@ -245,6 +261,28 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
     module.def(
         "classOf", [](const ObjectState& self) { return classOfLive(live(self.ref)).getQualifiedName(); },
         py::arg("obj"), "The fully qualified object-system class of a live object.");
+
+    py::class_<PropertyDescriptor>(module, "PropertyDescriptor", "A property of an object-system class.")
+        .def("__get__",
+             [](const PropertyDescriptor& self, py::handle target, py::handle) -> py::object {
+                 if (target.is_none()) return py::cast(self);
+                 const ObjectState& state = target.cast<const ObjectState&>();
+                 return toPython(*client().getProperty(state.ref, self.name), self.shape);
+             })
+        .def("__set__",
+             [](const PropertyDescriptor& self, py::handle target, py::handle value) {
+                 setAttribute(target.cast<const ObjectState&>(), self.name, value);
+             })
+        .def("__repr__", [](const PropertyDescriptor& self) { return "<property " + self.name + ">"; });
+    py::class_<MethodDescriptor>(module, "MethodDescriptor", "A method of an object-system class.")
+        .def("__get__",
+             [](const MethodDescriptor& self, py::handle target, py::handle) -> py::object {
+                 if (target.is_none()) return py::cast(self);
+                 const ObjectState& state = target.cast<const ObjectState&>();
+                 live(state.ref);
+                 return py::cast(BoundMethod{state.ref, state.className, self.name});
+             })
+        .def("__repr__", [](const MethodDescriptor& self) { return "<method " + self.name + ">"; });
 
     // One Python class per class of the package, so that isinstance works
     // and editors can complete members from the generated stub.

@@ -137,8 +137,17 @@ py::object toPython(const tuvArray& value, Shape shape) {
             if (value.isEmpty() && shape != Shape::List) return py::none();
             return scalarOrList(value.doubleData(), shape, [](double d) { return py::float_(d); });
         case tuvClass::Char: {
-            const std::string text = value.toUtf8();
-            return py::str(text.data(), text.size());
+            // Straight from the host's UTF-16; text that is not valid
+            // Unicode takes the host's conversion, which reports it.
+            const std::u16string& text = value.charData();
+            int byteOrder = 0; // native
+            PyObject* str = PyUnicode_DecodeUTF16(reinterpret_cast<const char*>(text.data()),
+                                                  static_cast<Py_ssize_t>(text.size() * sizeof(char16_t)),
+                                                  "strict", &byteOrder);
+            if (str) return py::reinterpret_steal<py::str>(str);
+            PyErr_Clear();
+            const std::string utf8 = value.toUtf8();
+            return py::str(utf8.data(), utf8.size());
         }
         case tuvClass::Cell: {
             py::list out(value.numel());
