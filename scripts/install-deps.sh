@@ -9,7 +9,7 @@ packages=(
   libsqlite3-dev sqlite3 libsqlitecpp-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format
-  pybind11-dev python3-dev python3-pytest
+  pybind11-dev python3-dev python3-pytest python3-jsonschema
 )
 
 missing=()

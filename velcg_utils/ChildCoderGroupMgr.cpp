@@ -46,6 +46,13 @@ std::vector<std::string> ChildCoderGroupMgr::getChildCoderGroupNames(
     return names;
 }
 
+std::vector<vel::i18n::ustring> ChildCoderGroupMgr::getChildModelNames() const {
+    std::vector<vel::i18n::ustring> names;
+    names.reserve(groupsByChildModel_.size());
+    for (const auto& entry : groupsByChildModel_) names.push_back(entry.first);
+    return names;
+}
+
 std::string ChildCoderGroupMgr::getChildSelfGroupName(const vel::i18n::ustring& childModel) const {
     auto model = groupsByChildModel_.find(childModel);
     if (model == groupsByChildModel_.end()) return {};
@@ -85,6 +92,13 @@ std::string ChildCoderGroupMgr::getChildCoderGroupVarName(const std::string& gro
     auto var = block->second->find(groupName);
     if (var == block->second->end()) throw std::out_of_range("invalid unordered_map<K, T> key");
     return var->second;
+}
+
+std::vector<std::string> ChildCoderGroupMgr::getVariableGroupNames() const {
+    std::vector<std::string> names;
+    names.reserve(varInfoByGroup_.size());
+    for (const auto& entry : varInfoByGroup_) names.push_back(entry.first);
+    return names;
 }
 
 const std::vector<ChildCoderGroupVarInfo>* ChildCoderGroupMgr::getVarInfoForGroup(

@@ -36,6 +36,30 @@ namespace {
          }},
         {"VelCG:FunctionsSection",
          {{"InvalidFunctionIndex", "{1} index {2} is out of range: the section has {3} of them."}}},
+        // {1} is the source name (a file path) and {2} the place in the
+        // document as a JSON pointer, unless said otherwise.
+        {"VelCG:ModelDescription",
+         {
+             {"MalformedJson", "{1}:{2}:{3}: not valid JSON: {4}."},
+             {"NotADescription",
+              "{1}: not a model description: {2} (a model description is an object whose \"format\" is "
+              "\"velcg-model-description\")."},
+             {"UnsupportedVersion",
+              "{1}: {2}: format version {3} is not supported; this reader knows version {4}."},
+             {"MissingField", "{1}: {2}: the required field is missing."},
+             {"WrongType", "{1}: {2}: expected {3}, found {4}."},
+             {"UnknownField", "{1}: {2}: unknown field \"{3}\"."},
+             {"DuplicateField", "{1}: {2}: the field appears more than once in its object."},
+             {"DanglingReference", "{1}: {2}: {3} names nothing in {4}, which has {5} entries."},
+             {"Cycle", "{1}: {2}: cycle: {3}."},
+             {"UnknownEnumerator", "{1}: {2}: \"{3}\" is not one of {4}."},
+             {"InvalidValue", "{1}: {2}: {3}."},
+             // {1} is the path of the file.
+             {"ReadFailed", "Cannot read the model description \"{1}\": {2}."},
+             {"WriteFailed", "Cannot write the model description \"{1}\": {2}."},
+             // {1} is the place the writer was at.
+             {"NotDescribable", "The model cannot be described: {1}: {2}."},
+         }},
         {"VelCG:VelCGFile",
          {
              {"NullBuilder", "Cannot create the file '{1}' without a content builder."},

@@ -11,11 +11,13 @@
 #include "velcg/Parameter.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/Region.hpp"
+#include "velcg/StoredCGModel.hpp"
 #include "velcg/StoredDataInterfaceRecord.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
 #include "velcg/StoredGraphicalSubsystem.hpp"
 #include "velcg/StoredModelParameter.hpp"
 #include "velcg/StoredParameter.hpp"
+#include "velcg/StoredSystem.hpp"
 #include "velcg/System.hpp"
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
@@ -26,21 +28,6 @@ namespace example {
 using namespace VelCG;
 
 namespace {
-
-// The code generator derives its own model and system classes and answers
-// the identity queries the library leaves open.
-class GainModel : public CGModel {
-public:
-    std::wstring getName() const override { return L"gain_model"; }
-    std::wstring getVersion() const override { return L"1.4"; }
-};
-
-class RootSystem : public System {
-public:
-    std::string getName() const override { return "gain_model"; }
-    bool isRootSystem() const override { return true; }
-    std::string getSystemType() const override { return "root"; }
-};
 
 // Type indices in the model's code-generation type list.
 enum TypeIndex { kReal = 0, kInt32, kBoolean, kExtU, kExtY, kDW, kP };
@@ -97,7 +84,10 @@ std::unique_ptr<StoredGraphicalBlock> block(const CGModel& model, const std::wst
 } // namespace
 
 std::unique_ptr<CGModel> buildGainModel() {
-    auto model = std::make_unique<GainModel>();
+    // The identity queries that a code generator answers in classes of its
+    // own are stored fields here.
+    auto model = std::make_unique<StoredCGModel>(L"gain_model");
+    model->setVersion(L"1.4");
     model->setModelReferenceTargetType("NONE");
     model->setMaxMultiWordBits(128);
 
@@ -123,7 +113,9 @@ std::unique_ptr<CGModel> buildGainModel() {
     addCGType(*model, "gain_model_Params", -1, {{"K", kReal}},
               *CG::Type::structure("gain_model_Params", {{"K", real}}));
 
-    auto root = std::make_unique<RootSystem>();
+    auto root = std::make_unique<StoredSystem>("gain_model");
+    root->setIsRootSystem(true);
+    root->setSystemType("root");
     root->setIdentifier("gain_model");
     root->setStartFcn("gain_model_initialize");
     root->setOutputUpdateFcn("gain_model_step");

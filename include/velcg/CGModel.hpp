@@ -105,6 +105,10 @@ public:
     void addFunctionForSystem(const std::string& functionName, System* system);
     // Null for an unknown name.
     System* getSystemForFunction(const std::string& functionName) const;
+    // Every recorded function name with its system, in no particular order.
+    const std::unordered_map<std::string, System*>& getFunctionSystems() const {
+        return functionSystemIndex_;
+    }
 
     const std::vector<System*>& getSystems() const { return systems_; }
     const std::vector<VelCGType*>& getVelCGTypes() const { return velCGTypes_; }
@@ -211,6 +215,10 @@ public:
     boost::shared_ptr<StringMap> getStringMap() const { return stringMap_; }
     const std::wstring& getSharedCodeManagerPath() const { return sharedCodeManagerPath_; }
     void setSharedCodeManagerPath(const std::wstring& v) { sharedCodeManagerPath_ = v; }
+
+    // The function-prototype I/O map that getOverwritableOutputPort and
+    // setOverwritableIOPair forward to.
+    const FPCIOMap& getFPCIOMap() const { return *fpcIOMap_; }
 
     const CGModelCPPConfig& getCPPConfig() const { return cppConfig_; }
     CGModelCPPConfig& getCPPConfig() { return cppConfig_; }

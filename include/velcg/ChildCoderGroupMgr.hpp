@@ -34,6 +34,8 @@ public:
                                              const std::string& groupName) const;
     // Empty for an unknown model; otherwise in the manager's iteration order.
     std::vector<std::string> getChildCoderGroupNames(const vel::i18n::ustring& childModel) const;
+    // The child models that have groups, in the manager's iteration order.
+    std::vector<vel::i18n::ustring> getChildModelNames() const;
     // The first self group of the child model, or an empty string.
     std::string getChildSelfGroupName(const vel::i18n::ustring& childModel) const;
 
@@ -47,6 +49,8 @@ public:
     // Empty for an unknown block; std::out_of_range ("invalid
     // unordered_map<K, T> key") for a known block without that group.
     std::string getChildCoderGroupVarName(const std::string& groupName, int compiledModelBlockIndex) const;
+    // The group names that have variables, in the manager's iteration order.
+    std::vector<std::string> getVariableGroupNames() const;
     // Null for an unknown group; valid until the next addition for it.
     const std::vector<ChildCoderGroupVarInfo>* getVarInfoForGroup(const std::string& groupName) const;
 

@@ -49,6 +49,13 @@ public:
 
     // Where the source port sits in the model's block hierarchy map.
     void setGrSrcPortIdx(int subsystemIdx, int blockIdx, int portIdx);
+    struct SourceIndices {
+        int subsystem;
+        int block;
+        int port;
+    };
+    // The indices given to setGrSrcPortIdx; -1 each until set.
+    SourceIndices getGrSrcPortIdx() const { return {srcSubsystemIdx_, srcBlockIdx_, srcPortIdx_}; }
 
     // The port that feeds this one, resolved through the model's block
     // hierarchy map and cached. Null when no model is set, when the

@@ -1,0 +1,9 @@
+#include "velcg/StoredCoderDataGroup.hpp"
+
+namespace VelCG {
+
+StoredCoderDataGroup::~StoredCoderDataGroup() = default;
+
+void StoredCoderDataGroup::WriteToBriskFile() const {}
+
+} // namespace VelCG

@@ -1,0 +1,7 @@
+#include "velcg/StoredSystem.hpp"
+
+namespace VelCG {
+
+StoredSystem::~StoredSystem() = default;
+
+} // namespace VelCG
