@@ -211,10 +211,23 @@ def classOf(obj: Object) -> str: ...
 
 // Names the stub defines or imports at module level besides the package's
 // classes; a class of the package cannot take one of them.
-const std::set<std::string> kModuleNames = {
-    "Any",          "BinaryIO",  "Bridge", "CustomContents",     "DataInterface",
-    "EmbeddedType", "Error",     "Object", "annotations",        "bridge",
-    "classOf",      "HostValue", "Method", "UnknownMemberError", "sectionNames"};
+const std::set<std::string> kModuleNames = {"Any",
+                                            "BinaryIO",
+                                            "Bridge",
+                                            "CustomContents",
+                                            "DataInterface",
+                                            "EmbeddedType",
+                                            "Error",
+                                            "Object",
+                                            "annotations",
+                                            "bridge",
+                                            "classOf",
+                                            "HostValue",
+                                            "Method",
+                                            "MethodDescriptor",
+                                            "PropertyDescriptor",
+                                            "UnknownMemberError",
+                                            "sectionNames"};
 
 bool isPythonName(const std::string& name) {
     static const std::set<std::string> keywords = {

@@ -23,4 +23,13 @@ std::FILE* openDuplicateForWriting(int fd) {
     return stream;
 }
 
+bool isTerminal(std::FILE* stream) {
+    if (!stream) return false;
+#ifdef _WIN32
+    return _isatty(_fileno(stream)) != 0;
+#else
+    return ::isatty(::fileno(stream)) != 0;
+#endif
+}
+
 } // namespace vel::io

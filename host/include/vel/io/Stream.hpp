@@ -12,4 +12,8 @@ namespace vel::io {
 // share one file position. Null on failure, with errno set.
 VELHOST_API std::FILE* openDuplicateForWriting(int fd);
 
+// True when the stream writes to a terminal (progress output is for people,
+// not for files or pipes).
+VELHOST_API bool isTerminal(std::FILE* stream);
+
 } // namespace vel::io
