@@ -10,38 +10,40 @@ namespace VelCG::description {
 
 namespace {
 
-// Follows the parser through the document, keeping the place of the value
-// being read, and remembers the first key an object names twice.
-class DuplicateKeyFinder {
+// Follows a valid document event by event, keeping the place of the value
+// being read, and remembers the first key an object names twice. The
+// parser's DOM callbacks cannot do this: they rescan a container's elements
+// each time one of them ends, which makes long lists quadratic.
+class DuplicateKeyFinder final : public nlohmann::json_sax<Json> {
 public:
-    bool operator()(int /*depth*/, nlohmann::json::parse_event_t event, Json& parsed) {
-        using Event = nlohmann::json::parse_event_t;
-        switch (event) {
-            case Event::object_start:
-                stack_.push_back(Frame{false});
-                break;
-            case Event::array_start:
-                stack_.push_back(Frame{true});
-                break;
-            case Event::key: {
-                Frame& frame = stack_.back();
-                frame.key = parsed.get<std::string>();
-                if (!frame.keys.insert(frame.key).second && !found_) {
-                    found_ = true;
-                    duplicate_ = placeOfKey();
-                }
-                break;
-            }
-            case Event::value:
-                valueDone();
-                break;
-            case Event::object_end:
-            case Event::array_end:
-                stack_.pop_back();
-                valueDone();
-                break;
+    bool null() override { return valueDone(); }
+    bool boolean(bool) override { return valueDone(); }
+    bool number_integer(number_integer_t) override { return valueDone(); }
+    bool number_unsigned(number_unsigned_t) override { return valueDone(); }
+    bool number_float(number_float_t, const string_t&) override { return valueDone(); }
+    bool string(string_t&) override { return valueDone(); }
+    bool binary(binary_t&) override { return valueDone(); }
+    bool start_object(std::size_t) override {
+        stack_.push_back(Frame{false});
+        return true;
+    }
+    bool key(string_t& name) override {
+        Frame& frame = stack_.back();
+        frame.key = name;
+        if (!frame.keys.insert(frame.key).second && !found_) {
+            found_ = true;
+            duplicate_ = placeOfKey();
         }
         return true;
+    }
+    bool end_object() override { return endContainer(); }
+    bool start_array(std::size_t) override {
+        stack_.push_back(Frame{true});
+        return true;
+    }
+    bool end_array() override { return endContainer(); }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override {
+        return false;
     }
 
     bool found() const { return found_; }
@@ -56,8 +58,13 @@ private:
         std::set<std::string> keys;
     };
 
-    void valueDone() {
+    bool valueDone() {
         if (!stack_.empty() && stack_.back().isArray) ++stack_.back().index;
+        return true;
+    }
+    bool endContainer() {
+        stack_.pop_back();
+        return valueDone();
     }
     Place placeOfKey() const {
         Place place;
@@ -152,10 +159,9 @@ void print(const Json& value, std::size_t indent, std::size_t used, std::string&
 } // namespace
 
 Json parseJson(const std::string& text, const std::string& sourceName) {
-    DuplicateKeyFinder finder;
     Json document;
     try {
-        document = Json::parse(text, std::ref(finder));
+        document = Json::parse(text);
     } catch (const nlohmann::json::parse_error& e) {
         // e.byte counts from 1 and names the character the parser stopped at.
         malformed(text, sourceName, e.byte == 0 ? 0 : e.byte - 1, reasonOf(e.what()));
@@ -172,6 +178,10 @@ Json parseJson(const std::string& text, const std::string& sourceName) {
         while (!reason.empty() && reason.back() == '.') reason.pop_back();
         malformed(text, sourceName, at == std::string::npos ? 0 : at, reason);
     }
+    // The document is valid JSON: a second, DOM-free pass looks for keys
+    // an object names twice (the DOM keeps only one of them).
+    DuplicateKeyFinder finder;
+    Json::sax_parse(text, &finder);
     if (finder.found()) raise(key::kDuplicateField, {sourceName, finder.duplicate().pointer()});
     return document;
 }
