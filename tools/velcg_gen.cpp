@@ -47,7 +47,7 @@ int usage(const char* message) {
     return 1;
 }
 
-bool parseArguments(int argc, char** argv, Options& options, const char*& error) {
+bool parseArguments(int argc, char** argv, Options& options, const char*& error, bool& unknownOption) {
     std::vector<std::string> positional;
     for (int i = 1; i < argc; ++i) {
         if (!std::strcmp(argv[i], "-o")) {
@@ -59,7 +59,8 @@ bool parseArguments(int argc, char** argv, Options& options, const char*& error)
         } else if (!std::strcmp(argv[i], "--times")) {
             options.times = true;
         } else if (argv[i][0] == '-' && argv[i][1] != '\0') {
-            error = "unknown option";
+            error = argv[i];
+            unknownOption = true;
             return false;
         } else {
             positional.push_back(argv[i]);
@@ -149,7 +150,9 @@ double seconds(Clock::duration d) { return std::chrono::duration<double>(d).coun
 int main(int argc, char** argv) {
     Options options;
     const char* error = nullptr;
-    if (!parseArguments(argc, argv, options, error)) return usage(error);
+    bool unknownOption = false;
+    if (!parseArguments(argc, argv, options, error, unknownOption))
+        return usage(unknownOption ? ("unknown option " + std::string(error)).c_str() : error);
 
     Progress progress;
     PlexoInitialize_velcg();
