@@ -99,8 +99,8 @@ private:
     using StringGetter = boost::function<const std::string&(const VelCGFile&)>;
     using StringArrayGetter = boost::function<const std::vector<std::string>&(const VelCGFile&)>;
     using SectionWriter = boost::function<void(VelCGFile&, std::FILE*)>;
-    using SectionContentAdder =
-        boost::function<void(VelCGFile&, const boost::shared_ptr<FileSectionFragment>&)>;
+    // Takes the fragment over from the caller's pointer.
+    using SectionContentAdder = boost::function<void(VelCGFile&, boost::shared_ptr<FileSectionFragment>&)>;
     using CustomSectionAdder = boost::function<void(VelCGFile&, const char*)>;
     using SectionTokenAppender = boost::function<void(VelCGFile&)>;
 
@@ -119,7 +119,7 @@ private:
     void addFileCustomSection(VelCGFile& file, const char* customSectionName, VelCGFileSectionKind kind);
     void appendFileSectionTokens(VelCGFile& file, VelCGFileSectionKind kind);
     void writeFileSectionToDisk(VelCGFile& file, std::FILE* stream, VelCGFileSectionKind kind);
-    void addFileSectionContent(VelCGFile& file, const boost::shared_ptr<FileSectionFragment>& fragment,
+    void addFileSectionContent(VelCGFile& file, boost::shared_ptr<FileSectionFragment>& fragment,
                                VelCGFileSectionKind kind);
 
     VelCGFileRepository& repository_;

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <iosfwd>
-#include <list>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <boost/shared_ptr.hpp>
 
@@ -35,6 +36,11 @@ public:
     FileSection& operator=(const FileSection&) = delete;
     ~FileSection() override;
 
+    // Sections are allocated on a cache line of their own: a template that
+    // sweeps many files reaches each section's fragment list in one line.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* section, std::size_t size);
+
     // "VelCG.FileSection".
     const char* getFullyQualifiedKorbTypeName() const override;
 
@@ -59,7 +65,9 @@ public:
     // Appends the fragment itself (shared, not copied).
     virtual void addFragment(FragmentPtr fragment);
 
-    // Writes every fragment's bytes to stream, in order.
+    // Writes every fragment's bytes to stream, in order. The bytes of
+    // consecutive plain string fragments reach the stream in large blocks;
+    // other fragments write themselves.
     virtual void writeToFile(std::FILE* stream) const;
 
     // A new section of the same class holding the same fragments.
@@ -77,8 +85,12 @@ protected:
     virtual const std::string& getSectionFragment(std::uint32_t i) const;
 
 private:
-    std::list<FragmentPtr> fragments_;
-    mutable std::string contentCache_;
+    // In order of addition; a vector, so that writing walks them in one
+    // sweep and appending allocates only now and then.
+    std::vector<FragmentPtr> fragments_;
+    // The last rendering, allocated by the first getContent: most sections
+    // are only ever written, never rendered.
+    mutable std::unique_ptr<std::string> contentCache_;
 };
 
 } // namespace VelCG

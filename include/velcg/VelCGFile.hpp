@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -133,6 +134,10 @@ protected:
 
 private:
     std::unique_ptr<VelCGFileContent> content_;
+    // The section of every slot (the content's empty section where the file
+    // has none), filled once: the content's sections never change after
+    // construction, and this spares a step on every section access.
+    std::array<FileSection*, kNumberOfSectionSlots> sectionsBySlot_{};
     std::wstring name_;
     std::string nameAscii_;
     std::string baseName_;

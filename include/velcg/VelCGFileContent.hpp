@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -62,7 +63,8 @@ public:
     void setSection(VelCGFileSectionKind kind, std::unique_ptr<FileSection> section);
 
 private:
-    std::vector<std::unique_ptr<FileSection>> sections_;
+    // Held in the table itself, so that reaching a section is one step.
+    std::array<std::unique_ptr<FileSection>, kNumberOfSectionSlots> sections_;
     EmptyFileSection emptySection_;
 };
 

@@ -16,6 +16,7 @@ namespace VelCG::files_detail {
 // "VelCG:FileSection:NullStream"; a stream that takes fewer bytes raises
 // "VelCG:FileSection:WriteFailed".
 void writeBytes(std::FILE* stream, const std::string& text);
+void writeBytes(std::FILE* stream, const char* data, std::size_t size);
 
 // A list of names in order of addition with the set that de-duplicates it.
 // Appends name unless the set already holds it.

@@ -33,7 +33,10 @@ VelCGFile::VelCGFile(const std::string& name, std::unique_ptr<VelCGFileContentBu
       nameAscii_(name),
       baseName_(boost::filesystem::path(name).stem().string()),
       nameWithoutExtension_(withoutLastExtension(name)),
-      customContents_(name) {}
+      customContents_(name) {
+    for (int k = 0; k < kNumberOfSectionSlots; ++k)
+        sectionsBySlot_[k] = &content_->getSection(static_cast<VelCGFileSectionKind>(k));
+}
 
 VelCGFile::~VelCGFile() = default;
 
@@ -56,10 +59,18 @@ void VelCGFile::clearContents() {
 
 bool VelCGFile::hasSection(VelCGFileSectionKind kind) const { return content_->hasSection(kind); }
 
-FileSection& VelCGFile::getFileSection(VelCGFileSectionKind kind) { return content_->getSection(kind); }
+namespace {
+bool isSlot(VelCGFileSectionKind kind) {
+    return static_cast<unsigned>(kind) < static_cast<unsigned>(kNumberOfSectionSlots);
+}
+} // namespace
+
+FileSection& VelCGFile::getFileSection(VelCGFileSectionKind kind) {
+    return isSlot(kind) ? *sectionsBySlot_[kind] : content_->getSection(kind);
+}
 
 const FileSection& VelCGFile::getFileSection(VelCGFileSectionKind kind) const {
-    return content_->getSection(kind);
+    return isSlot(kind) ? *sectionsBySlot_[kind] : content_->getSection(kind);
 }
 
 void VelCGFile::writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream) {

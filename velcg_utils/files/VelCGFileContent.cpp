@@ -30,9 +30,9 @@ const std::string& VelCGFileContent::EmptyFileSection::getSectionFragment(std::u
 
 // VelCGFileContent
 
-VelCGFileContent::VelCGFileContent() : sections_(kNumberOfSectionSlots) {}
+VelCGFileContent::VelCGFileContent() = default;
 
-VelCGFileContent::VelCGFileContent(const VelCGFileContent& other) : sections_(kNumberOfSectionSlots) {
+VelCGFileContent::VelCGFileContent(const VelCGFileContent& other) {
     for (int k = 0; k < kNumberOfSectionSlots; ++k)
         if (other.sections_[k]) sections_[k] = other.sections_[k]->clone();
 }

@@ -149,7 +149,7 @@ void FileRepScrivBridge::fillSectionTables() {
             writeFileSectionToDisk(f, stream, kind);
         };
         sectionContentAdders_[name] = [this, kind](VelCGFile& f,
-                                                   const boost::shared_ptr<FileSectionFragment>& fragment) {
+                                                   boost::shared_ptr<FileSectionFragment>& fragment) {
             addFileSectionContent(f, fragment, kind);
         };
     }
@@ -286,9 +286,9 @@ void FileRepScrivBridge::writeFileSectionToDisk(VelCGFile& file, std::FILE* stre
 }
 
 void FileRepScrivBridge::addFileSectionContent(VelCGFile& file,
-                                               const boost::shared_ptr<FileSectionFragment>& fragment,
+                                               boost::shared_ptr<FileSectionFragment>& fragment,
                                                VelCGFileSectionKind kind) {
-    file.getFileSection(kind).addFragment(fragment);
+    file.getFileSection(kind).addFragment(std::move(fragment));
 }
 
 } // namespace VelCG

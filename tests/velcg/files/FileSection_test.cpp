@@ -1,5 +1,6 @@
 #include "velcg/FileSection.hpp"
 
+#include <cctype>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -48,6 +49,53 @@ TEST(FileSection, RendersPrintsAndWritesFragmentsInOrderByteForByte) {
     s.clearContent();
     EXPECT_TRUE(s.isEmpty());
     EXPECT_EQ("", s.getContent());
+}
+
+namespace {
+// A fragment class of a code generator's own: it writes something other
+// than its content, so a section must let it write itself.
+class UpperCaseFragment : public StringFileSectionFragment {
+public:
+    explicit UpperCaseFragment(std::string text) : StringFileSectionFragment(std::move(text)) {}
+    void writeToFile(std::FILE* stream) const override {
+        std::string upper = getContent();
+        for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        std::fputs(upper.c_str(), stream);
+    }
+};
+} // namespace
+
+TEST(FileSection, WritesManyAndLargeFragmentsExactlyAndLetsOtherClassesWriteThemselves) {
+    // Fragment sizes around the sizes at which writing gathers bytes into
+    // blocks, with fragments of another class between them.
+    FileSection s;
+    std::string expected, rendered;
+    std::size_t n = 0;
+    for (std::size_t size : {1u, 63u, 4096u, 16383u, 16384u, 16385u, 40000u, 0u, 7u}) {
+        for (int repeat = 0; repeat < 3; ++repeat) {
+            std::string text(size, static_cast<char>('a' + n++ % 26));
+            s.addFragment(fragment(text));
+            expected += text;
+            rendered += text;
+        }
+        s.addFragment(boost::shared_ptr<FileSectionFragment>(new UpperCaseFragment("mid;")));
+        expected += "MID;";
+        rendered += "mid;";
+    }
+    for (int i = 0; i < 10000; ++i) {
+        const std::string line = "line " + std::to_string(i) + "\n";
+        s.addContent(line);
+        expected += line;
+        rendered += line;
+    }
+    EXPECT_EQ(expected, bytesWrittenBy([&](std::FILE* f) { s.writeToFile(f); }));
+    // Writing does not consume the section.
+    EXPECT_EQ(expected + expected, bytesWrittenBy([&](std::FILE* f) {
+                  s.writeToFile(f);
+                  s.writeToFile(f);
+              }));
+    // Rendering asks every fragment for its content.
+    EXPECT_EQ(rendered, s.getContent());
 }
 
 TEST(FileSection, RejectsNullArgumentsAndRefusedWritesWithDiagnostics) {
