@@ -62,10 +62,16 @@ const std::vector<GraphicalBlock*>& BlockHierarchyMap::getReducedBlocks() const 
     if (!reducedBlocks_.empty()) return reducedBlocks_;
     // Collected aside: a block whose query fails must not leave a partial
     // list in the cache, where later calls would take it as complete.
+    // Sized for every block, then trimmed to the reduced ones, so that a
+    // large list is allocated once and keeps no slack.
+    std::size_t blocks = 0;
+    for (const GraphicalSubsystem* subsystem : subsystems_) blocks += subsystem->getBlocks().size();
     std::vector<GraphicalBlock*> reduced;
+    reduced.reserve(blocks);
     for (const GraphicalSubsystem* subsystem : subsystems_)
         for (GraphicalBlock* block : subsystem->getBlocks())
             if (block->isReduced()) reduced.push_back(block);
+    if (reduced.size() < reduced.capacity()) reduced.shrink_to_fit();
     reducedBlocks_.swap(reduced);
     return reducedBlocks_;
 }

@@ -1,5 +1,7 @@
 #include "velcg/GraphicalSubsystem.hpp"
 
+#include <algorithm>
+
 #include "OwnedList.hpp"
 #include "Serialization.hpp"
 #include "coder/descriptor/GraphicalSystem.hpp"
@@ -63,7 +65,10 @@ GraphicalBlock* GraphicalSubsystem::addGraphicalBlock(std::unique_ptr<GraphicalB
         kindList = &subsystemBlocks_;
     else if (block->isDataStoreMemory())
         kindList = &dataStoreBlocks_;
-    if (kindList) kindList->reserve(kindList->size() + 1);
+    // Room for the kind list first, so that filing the block cannot fail
+    // once it is owned; grown geometrically, as many blocks may be of one kind.
+    if (kindList && kindList->size() == kindList->capacity())
+        kindList->reserve(std::max<std::size_t>(4, 2 * kindList->capacity()));
     GraphicalBlock* added = detail::appendOwned(blocks_, std::move(block), "A graphical block");
     added->setParentSubsystem(this);
     if (kindList) kindList->push_back(added);
@@ -77,7 +82,10 @@ void GraphicalSubsystem::finalize(std::size_t firstChildIndex) {
     if (count > 0 && (firstChildIndex >= subsystems.size() || count > subsystems.size() - firstChildIndex))
         throwIndexOutOfRange("the subsystems of the block hierarchy map",
                              static_cast<std::int64_t>(firstChildIndex + count - 1), subsystems.size());
+    childSubsystems_.reserve(childSubsystems_.size() + count);
     for (std::size_t i = 0; i < count; ++i) childSubsystems_.push_back(subsystems[firstChildIndex + i]);
+    // The subsystem is complete: give back the room the lists grew into.
+    blocks_.shrink_to_fit();
 }
 
 GraphicalBlock* GraphicalSubsystem::getSubsystemBlock() const {

@@ -26,6 +26,18 @@ const char* Port::getFullyQualifiedKorbTypeName() const { return "VelCG.Port"; }
 std::wstring Port::getVelName() const { return {}; }
 bool Port::getConnected() const { return false; }
 
+const std::wstring& Port::getSignalLabel() const {
+    static const std::wstring none;
+    return signalLabel_ ? *signalLabel_ : none;
+}
+
+void Port::setSignalLabel(const std::wstring& label) {
+    if (signalLabel_)
+        *signalLabel_ = label;
+    else if (!label.empty())
+        signalLabel_ = std::make_unique<std::wstring>(label);
+}
+
 void Port::addRegion(std::unique_ptr<Region> region) {
     detail::appendOwned(regions_, std::move(region), "A region");
 }
@@ -64,7 +76,7 @@ void Port::setVelName(const std::wstring&) {}
 coder::descriptor::Port Port::createRecord(coder::Repository& repository) const {
     coder::descriptor::PortCreator creator(repository);
     creator.setGraphicalName(vel::i18n::toUString(getVelName()));
-    creator.setSignalLabel(vel::i18n::toUString(signalLabel_));
+    creator.setSignalLabel(vel::i18n::toUString(getSignalLabel()));
     creator.setConnected(getConnected());
     creator.setTestPoint(testPoint_);
     return creator.createPort();

@@ -34,8 +34,10 @@ public:
     virtual std::wstring getVelName() const;
     virtual bool getConnected() const;
 
-    const std::wstring& getSignalLabel() const { return signalLabel_; }
-    void setSignalLabel(const std::wstring& label) { signalLabel_ = label; }
+    // While no label is set, a shared empty text: a reference taken then
+    // does not show a later label.
+    const std::wstring& getSignalLabel() const;
+    void setSignalLabel(const std::wstring& label);
     bool getTestPoint() const { return testPoint_; }
     void setTestPoint(bool value) { testPoint_ = value; }
     bool getMdlRefSimLoggableTestPoint() const { return mdlRefSimLoggableTestPoint_; }
@@ -90,15 +92,16 @@ private:
     // The port's own record, without its source and data interfaces.
     coder::descriptor::Port createRecord(coder::Repository& repository) const;
 
-    std::wstring signalLabel_;
-    bool testPoint_ = false;
-    bool mdlRefSimLoggableTestPoint_ = false;
+    std::vector<Region*> regions_;
+    const CGModel* model_ = nullptr;
+    mutable const Port* graphicalSource_ = nullptr;
+    // Most ports have no label: it takes room only once set.
+    std::unique_ptr<std::wstring> signalLabel_;
     int srcSubsystemIdx_ = -1;
     int srcBlockIdx_ = -1;
     int srcPortIdx_ = -1;
-    mutable const Port* graphicalSource_ = nullptr;
-    std::vector<Region*> regions_;
-    const CGModel* model_ = nullptr;
+    bool testPoint_ = false;
+    bool mdlRefSimLoggableTestPoint_ = false;
 };
 
 } // namespace VelCG

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,8 @@ namespace VelCG {
 class VELCG_API Region : public vel::mi::Handle {
 public:
     Region() = default;
-    Region(const Region&) = default;
-    Region& operator=(const Region&) = default;
+    Region(const Region& other);
+    Region& operator=(const Region& other);
     ~Region() override;
 
     const char* getFullyQualifiedKorbTypeName() const override;
@@ -50,8 +51,10 @@ public:
     void setSource(const std::string& source) { source_ = source; }
     int getOffset() const { return offset_; }
     void setOffset(int offset) { offset_ = offset; }
-    const std::vector<int>& getDimensions() const { return dimensions_; }
-    void setDimensions(const std::vector<int>& dims) { dimensions_ = dims; }
+    // [1] until set. Until dimensions other than [1] are set this is a
+    // shared list, so a reference taken then does not show later ones.
+    const std::vector<int>& getDimensions() const;
+    void setDimensions(const std::vector<int>& dims);
     // -1 when no function argument carries the region.
     int getFunctionArgumentIdx() const { return functionArgumentIdx_; }
     void setFunctionArgumentIdx(int index) { functionArgumentIdx_ = index; }
@@ -69,10 +72,11 @@ public:
 
 private:
     std::string source_;
-    int offset_ = 0;
-    std::vector<int> dimensions_{1};
-    int functionArgumentIdx_ = -1;
+    // Null for the scalar [1] of most regions, which then takes no room.
+    std::unique_ptr<std::vector<int>> dimensions_;
     boost::intrusive_ptr<const CG::DataInterface> dataInterface_;
+    int offset_ = 0;
+    int functionArgumentIdx_ = -1;
 };
 
 } // namespace VelCG

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +11,10 @@
 
 namespace VelCG {
 
+namespace detail {
+class PackedText;
+} // namespace detail
+
 // A GraphicalBlockIF that answers every query from stored, settable
 // fields, for tools that build a model without a modelling environment.
 //
@@ -16,62 +22,66 @@ namespace VelCG {
 // records added to it and deletes them when it is destroyed (that is, when
 // the GraphicalBlock facade that owns it is destroyed). The model pointer is
 // not owned.
+//
+// The lists other than the data ports are created on the first add; until
+// then their getters return a shared empty list, so a reference taken before
+// that add does not show the element.
 class VELCG_API StoredGraphicalBlock : public GraphicalBlockIF {
 public:
-    StoredGraphicalBlock() = default;
+    StoredGraphicalBlock();
     explicit StoredGraphicalBlock(std::wstring name);
     ~StoredGraphicalBlock() override;
     StoredGraphicalBlock(const StoredGraphicalBlock&) = delete;
     StoredGraphicalBlock& operator=(const StoredGraphicalBlock&) = delete;
 
-    std::wstring getName() override { return name_; }
-    std::wstring getVelName() override { return velName_; }
-    std::wstring getSID() const override { return sid_; }
-    std::wstring getCompactSID() const override { return compactSid_; }
-    std::wstring getBlockPath() override { return blockPath_; }
-    std::wstring getType() const override { return type_; }
-    std::wstring getDescription() const override { return description_; }
-    std::wstring getReferencedModelName() const override { return referencedModelName_; }
-    bool getIsProtectedModelBlock() const override { return isProtectedModelBlock_; }
+    std::wstring getName() override;
+    std::wstring getVelName() override;
+    std::wstring getSID() const override;
+    std::wstring getCompactSID() const override;
+    std::wstring getBlockPath() override;
+    std::wstring getType() const override;
+    std::wstring getDescription() const override;
+    std::wstring getReferencedModelName() const override;
+    bool getIsProtectedModelBlock() const override { return flags_ & kProtectedModelBlock; }
     BlockVirtuality getVirtual() override { return virtuality_; }
     const std::vector<Port*>& getDataInputPorts() const override { return dataInputPorts_; }
     const std::vector<Port*>& getDataOutputPorts() const override { return dataOutputPorts_; }
-    const std::vector<Port*>& getControlInputPorts() const override { return controlInputPorts_; }
-    int getNumFcnCallOutputPorts() const override { return numFcnCallOutputPorts_; }
-    const std::vector<Parameter*>& getParameters() const override { return parameters_; }
-    const std::vector<State*>& getContinuousStates() const override { return continuousStates_; }
-    const std::vector<State*>& getDerivatives() const override { return derivatives_; }
-    const std::vector<DataInterfaceRecord*>& getDiscreteStates() const override { return discreteStates_; }
-    const std::vector<DataInterfaceRecord*>& getDWorks() const override { return dWorks_; }
-    bool isReduced() const override { return isReduced_; }
+    const std::vector<Port*>& getControlInputPorts() const override;
+    int getNumFcnCallOutputPorts() const override;
+    const std::vector<Parameter*>& getParameters() const override;
+    const std::vector<State*>& getContinuousStates() const override;
+    const std::vector<State*>& getDerivatives() const override;
+    const std::vector<DataInterfaceRecord*>& getDiscreteStates() const override;
+    const std::vector<DataInterfaceRecord*>& getDWorks() const override;
+    bool isReduced() const override { return flags_ & kReduced; }
     // Nothing to initialize: every answer is stored.
     void initializeCodegenInfo() override {}
-    std::string getRLSCommentName() const override { return rlsCommentName_; }
+    std::string getRLSCommentName() const override;
     // The number of data output ports added.
     int getNumDataOutputPorts() const override { return static_cast<int>(dataOutputPorts_.size()); }
-    bool isInport() const override { return isInport_; }
-    bool isOutport() const override { return isOutport_; }
-    bool isSubsystem() const override { return isSubsystem_; }
-    bool isDataStoreMemory() const override { return isDataStoreMemory_; }
+    bool isInport() const override { return flags_ & kInport; }
+    bool isOutport() const override { return flags_ & kOutport; }
+    bool isSubsystem() const override { return flags_ & kSubsystem; }
+    bool isDataStoreMemory() const override { return flags_ & kDataStoreMemory; }
     const CGModel* getCGModel() const override { return model_; }
 
-    void setName(const std::wstring& value) { name_ = value; }
-    void setVelName(const std::wstring& value) { velName_ = value; }
-    void setSID(const std::wstring& value) { sid_ = value; }
-    void setCompactSID(const std::wstring& value) { compactSid_ = value; }
-    void setBlockPath(const std::wstring& value) { blockPath_ = value; }
-    void setType(const std::wstring& value) { type_ = value; }
-    void setDescription(const std::wstring& value) { description_ = value; }
-    void setReferencedModelName(const std::wstring& value) { referencedModelName_ = value; }
-    void setIsProtectedModelBlock(bool value) { isProtectedModelBlock_ = value; }
+    void setName(const std::wstring& value);
+    void setVelName(const std::wstring& value);
+    void setSID(const std::wstring& value);
+    void setCompactSID(const std::wstring& value);
+    void setBlockPath(const std::wstring& value);
+    void setType(const std::wstring& value);
+    void setDescription(const std::wstring& value);
+    void setReferencedModelName(const std::wstring& value);
+    void setIsProtectedModelBlock(bool value) { setFlag(kProtectedModelBlock, value); }
     void setVirtual(BlockVirtuality value) { virtuality_ = value; }
-    void setNumFcnCallOutputPorts(int value) { numFcnCallOutputPorts_ = value; }
-    void setIsReduced(bool value) { isReduced_ = value; }
-    void setRLSCommentName(const std::string& value) { rlsCommentName_ = value; }
-    void setIsInport(bool value) { isInport_ = value; }
-    void setIsOutport(bool value) { isOutport_ = value; }
-    void setIsSubsystem(bool value) { isSubsystem_ = value; }
-    void setIsDataStoreMemory(bool value) { isDataStoreMemory_ = value; }
+    void setNumFcnCallOutputPorts(int value);
+    void setIsReduced(bool value) { setFlag(kReduced, value); }
+    void setRLSCommentName(const std::string& value);
+    void setIsInport(bool value) { setFlag(kInport, value); }
+    void setIsOutport(bool value) { setFlag(kOutport, value); }
+    void setIsSubsystem(bool value) { setFlag(kSubsystem, value); }
+    void setIsDataStoreMemory(bool value) { setFlag(kDataStoreMemory, value); }
     void setCGModel(const CGModel* model) { model_ = model; }
 
     // Each appends and takes ownership; a null element raises
@@ -86,32 +96,34 @@ public:
     DataInterfaceRecord* addDWork(std::unique_ptr<DataInterfaceRecord> record);
 
 private:
-    std::wstring name_;
-    std::wstring velName_;
-    std::wstring sid_;
-    std::wstring compactSid_;
-    std::wstring blockPath_;
-    std::wstring type_;
-    std::wstring description_;
-    std::wstring referencedModelName_;
-    bool isProtectedModelBlock_ = false;
-    BlockVirtuality virtuality_ = BlockVirtuality::NonVirtual;
+    // The lists that most blocks leave empty, and the function-call output
+    // count, which most leave at zero: kept aside, created on first use.
+    struct Rare;
+    Rare& rare();
+    void setText(std::size_t field, const std::wstring& value);
+
+    enum Flag : std::uint8_t {
+        kProtectedModelBlock = 1,
+        kReduced = 2,
+        kInport = 4,
+        kOutport = 8,
+        kSubsystem = 16,
+        kDataStoreMemory = 32,
+    };
+    void setFlag(Flag flag, bool value) {
+        flags_ = static_cast<std::uint8_t>(value ? flags_ | flag : flags_ & ~flag);
+    }
+
+    // The data ports, which nearly every block has, stay inline.
     std::vector<Port*> dataInputPorts_;
     std::vector<Port*> dataOutputPorts_;
-    std::vector<Port*> controlInputPorts_;
-    int numFcnCallOutputPorts_ = 0;
-    std::vector<Parameter*> parameters_;
-    std::vector<State*> continuousStates_;
-    std::vector<State*> derivatives_;
-    std::vector<DataInterfaceRecord*> discreteStates_;
-    std::vector<DataInterfaceRecord*> dWorks_;
-    bool isReduced_ = false;
-    std::string rlsCommentName_;
-    bool isInport_ = false;
-    bool isOutport_ = false;
-    bool isSubsystem_ = false;
-    bool isDataStoreMemory_ = false;
+    // The names, SIDs, path, type, description and comment name, all in one
+    // block (null while all are empty).
+    detail::PackedText* text_ = nullptr;
+    std::unique_ptr<Rare> rare_;
     const CGModel* model_ = nullptr;
+    BlockVirtuality virtuality_ = BlockVirtuality::NonVirtual;
+    std::uint8_t flags_ = 0;
 };
 
 } // namespace VelCG

@@ -67,6 +67,45 @@ TEST(GraphicalSubsystem, BlocksGoIntoTheFirstMatchingKindList) {
     EXPECT_EQ(&s, s.getBlocks()[0]->getParentSubsystem());
 }
 
+TEST(GraphicalSubsystem, ManyBlocksKeepTheirOrderInEveryListAcrossFinalize) {
+    // Blocks of every kind, many of each, half added before the map is
+    // finalized and half after; every list holds its blocks in the order
+    // added, and the reduced blocks are every third.
+    BlockHierarchyMap map;
+    GraphicalSubsystem* root = map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
+    std::string all, inports, outports, subsystems, stores, reduced;
+    const auto add = [&](int i) {
+        const std::wstring name = L"b" + std::to_wstring(i);
+        Kind k;
+        k.inport = i % 5 == 1;
+        k.outport = i % 5 == 2;
+        k.subsystem = i % 5 == 3;
+        k.dsm = i % 5 == 4;
+        k.reduced = i % 3 == 0;
+        root->addGraphicalBlock(block(name.c_str(), k));
+        const std::string n = "b" + std::to_string(i);
+        for (auto [list, member] : {std::pair{&all, true},
+                                    {&inports, k.inport},
+                                    {&outports, k.outport},
+                                    {&subsystems, k.subsystem},
+                                    {&stores, k.dsm},
+                                    {&reduced, k.reduced}})
+            if (member) *list += (list->empty() ? "" : ",") + n;
+    };
+    for (int i = 0; i < 600; ++i) add(i);
+    for (int i = 0; i < 120; ++i) map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
+    map.finalize();
+    EXPECT_EQ(120u, root->getChildSubsystems().size());
+    for (int i = 600; i < 1000; ++i) add(i);
+    EXPECT_EQ(all, names(root->getBlocks()));
+    EXPECT_EQ(inports, names(root->getInputPortBlocks()));
+    EXPECT_EQ(outports, names(root->getOutputPortBlocks()));
+    EXPECT_EQ(subsystems, names(root->getSubsystemBlocks()));
+    EXPECT_EQ(stores, names(root->getDataStoreBlocks()));
+    EXPECT_EQ(reduced, names(map.getReducedBlocks()));
+    EXPECT_EQ(root->getBlocks()[999], map.getBlockGivenIndices(0, 999));
+}
+
 TEST(GraphicalSubsystem, AFailingKindQueryLeavesTheSubsystemUnchanged) {
     bool failing = true;
     GraphicalSubsystem s;

@@ -87,4 +87,53 @@ TEST(Region, SerializesGroundLabelSourceAndDimensions) {
         coder::descriptor::dumpText(region.serialize(repository)));
 }
 
+TEST(Region, DimensionsAndCopiesStayTheirOwn) {
+    // Each value set once, then after another and back, reads as given;
+    // the scalar [1] is the default too.
+    const std::vector<std::vector<int>> values = {{1}, {2, 3}, {}, {1, 1}, {0}, {-1}, {1}};
+    for (const auto& first : values)
+        for (const auto& second : values) {
+            Region r;
+            r.setDimensions(first);
+            EXPECT_EQ(first, r.getDimensions());
+            r.setDimensions(second);
+            EXPECT_EQ(second, r.getDimensions());
+        }
+
+    Region original;
+    original.setSource("u");
+    original.setOffset(2);
+    original.setFunctionArgumentIdx(1);
+    original.setDimensions({4, 5});
+    Region copy(original);
+    Region assigned;
+    assigned = original;
+    original.setDimensions({1});
+    original.setSource("v");
+    for (const Region* r : {&copy, &assigned}) {
+        EXPECT_EQ((std::vector<int>{4, 5}), r->getDimensions()) << "a copy keeps its own dimensions";
+        EXPECT_EQ("u", r->getSource());
+        EXPECT_EQ(2, r->getOffset());
+        EXPECT_EQ(1, r->getFunctionArgumentIdx());
+    }
+    EXPECT_EQ((std::vector<int>{1}), original.getDimensions());
+    Region scalarCopy(original);
+    scalarCopy.setDimensions({7});
+    EXPECT_EQ((std::vector<int>{1}), original.getDimensions());
+    assigned = scalarCopy;
+    EXPECT_EQ((std::vector<int>{7}), assigned.getDimensions());
+    const Region& self = assigned;
+    assigned = self;
+    EXPECT_EQ((std::vector<int>{7}), assigned.getDimensions()) << "assigning a region to itself keeps it";
+}
+
+TEST(Port, SignalLabelReadsAsLastSet) {
+    Port p;
+    EXPECT_EQ(L"", p.getSignalLabel());
+    for (const wchar_t* label : {L"speed", L"", L"\u4e2d", L"", L""}) {
+        p.setSignalLabel(label);
+        EXPECT_EQ(label, p.getSignalLabel());
+    }
+}
+
 } // namespace
