@@ -30,6 +30,13 @@ py::object& objectBaseType() {
     return *base;
 }
 
+// The type of property descriptors (velcg.PropertyDescriptor), made with
+// the module.
+py::object& propertyDescriptorType() {
+    static auto* type = new py::object();
+    return *type;
+}
+
 py::module_& moduleObject() {
     static auto* module = new py::module_();
     return *module;
@@ -44,13 +51,120 @@ std::string shortNameOf(const std::string& qualified) {
 // class holds one descriptor per own property and method, so that reading
 // `obj.Name` goes straight to the object system instead of failing the
 // ordinary attribute lookup first.
-struct PropertyDescriptor {
-    std::string name;
-    Shape shape;
-};
 struct MethodDescriptor {
     std::string name;
 };
+
+// The native state of a velcg.Object, straight from the instance; any other
+// target takes pybind11's cast, which refuses it.
+const ObjectState& stateOf(PyObject* target) {
+    PyObject* base = objectBaseType().ptr();
+    if (base && PyObject_TypeCheck(target, reinterpret_cast<PyTypeObject*>(base))) {
+        auto* instance = reinterpret_cast<py::detail::instance*>(target);
+        if (instance->simple_layout && instance->simple_holder_constructed)
+            return *static_cast<const ObjectState*>(instance->simple_value_holder[0]);
+        // Made by __new__ alone: there is no state to read.
+        if (instance->simple_layout) throw py::type_error("the velcg object was never initialized");
+    }
+    return py::handle(target).cast<const ObjectState&>();
+}
+
+// Sets the Python error for the exception being handled, as pybind11 does
+// for its own functions (velcg.Error for host diagnostics).
+void raiseCurrentException() {
+    try {
+        throw;
+    } catch (py::error_already_set& e) {
+        e.restore();
+    } catch (...) {
+        if (py::detail::apply_exception_translators(
+                py::detail::get_local_internals().registered_exception_translators))
+            return;
+        if (py::detail::apply_exception_translators(
+                py::detail::get_internals().registered_exception_translators))
+            return;
+        PyErr_SetString(PyExc_SystemError, "Exception escaped from default exception translator!");
+    }
+}
+
+// A property of an object-system class, as a plain CPython descriptor: a
+// read costs one C call, the client's read and the conversion of the value.
+struct PropertyDescriptorObject {
+    PyObject ob_base; // the object header
+    std::string* name;
+    Shape shape;
+};
+
+PyObject* propertyGet(PyObject* self, PyObject* target, PyObject*) {
+    if (!target || target == Py_None) {
+        Py_INCREF(self);
+        return self;
+    }
+    const auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
+    try {
+        const ObjectState& state = stateOf(target);
+        return toPython(*client().getProperty(state.ref, *d->name), d->shape).release().ptr();
+    } catch (...) {
+        raiseCurrentException();
+        return nullptr;
+    }
+}
+
+void setAttribute(const ObjectState& self, const std::string& name, py::handle value);
+
+int propertySet(PyObject* self, PyObject* target, PyObject* value) {
+    if (!value) {
+        PyErr_SetString(PyExc_AttributeError, "__delete__");
+        return -1;
+    }
+    const auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
+    try {
+        setAttribute(stateOf(target), *d->name, value);
+        return 0;
+    } catch (...) {
+        raiseCurrentException();
+        return -1;
+    }
+}
+
+PyObject* propertyRepr(PyObject* self) {
+    const auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
+    const std::string text = "<property " + *d->name + ">";
+    return PyUnicode_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size()));
+}
+
+void propertyDealloc(PyObject* self) {
+    PyTypeObject* type = Py_TYPE(self);
+    delete reinterpret_cast<PropertyDescriptorObject*>(self)->name;
+    type->tp_free(self);
+    Py_DECREF(type); // instances of heap types hold their type
+}
+
+py::object makePropertyDescriptorType() {
+    static PyType_Slot slots[] = {{Py_tp_descr_get, reinterpret_cast<void*>(&propertyGet)},
+                                  {Py_tp_descr_set, reinterpret_cast<void*>(&propertySet)},
+                                  {Py_tp_repr, reinterpret_cast<void*>(&propertyRepr)},
+                                  {Py_tp_dealloc, reinterpret_cast<void*>(&propertyDealloc)},
+                                  {Py_tp_doc, const_cast<char*>("A property of an object-system class.")},
+                                  {0, nullptr}};
+    static PyType_Spec spec = {"velcg.PropertyDescriptor", sizeof(PropertyDescriptorObject), 0,
+                               Py_TPFLAGS_DEFAULT, slots};
+    PyObject* type = PyType_FromSpec(&spec);
+    if (!type) throw py::error_already_set();
+    return py::reinterpret_steal<py::object>(type);
+}
+
+py::object makePropertyDescriptor(const std::string& name, Shape shape) {
+    auto* type = reinterpret_cast<PyTypeObject*>(propertyDescriptorType().ptr());
+    PyObject* self = type->tp_alloc(type, 0);
+    if (!self) throw py::error_already_set();
+    auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
+    d->shape = shape;
+    d->name = nullptr;
+    py::object owned = py::reinterpret_steal<py::object>(self);
+    d->name = new std::string(name);
+    return owned;
+}
 
 // The Python class for a registered class: a subclass of the Python class
 // of its superclass, or of velcg.Object. Classes of the package "VelCG" are
@@ -70,8 +184,8 @@ py::object pythonClassFor(const vel::mi::HandleClass& cls) {
     members["__doc__"] = py::str(cls.getDescription());
     members["__qualname__"] = py::str(shortNameOf(name));
     for (const auto& p : cls.getProperties())
-        members[py::str(p.name)] = py::cast(PropertyDescriptor{
-            p.name, shapeOf(p.getter->hostTypeName(), p.getter->deliversOneObject(), p.elementClass)});
+        members[py::str(p.name)] = makePropertyDescriptor(
+            p.name, shapeOf(p.getter->hostTypeName(), p.getter->deliversOneObject(), p.elementClass));
     for (const auto& m : cls.getMethods()) members[py::str(m.name)] = py::cast(MethodDescriptor{m.name});
     py::object type = py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(&PyType_Type))(
         shortNameOf(name), py::make_tuple(base), members);
@@ -177,6 +291,7 @@ py::object wrap(const vel::mi::HandleRef& ref) {
 void releaseObjects() {
     classTypes().clear();
     objectBaseType() = py::object();
+    propertyDescriptorType() = py::object();
     moduleObject() = py::module_();
 }
 
@@ -262,18 +377,8 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
         "classOf", [](const ObjectState& self) { return classOfLive(live(self.ref)).getQualifiedName(); },
         py::arg("obj"), "The fully qualified object-system class of a live object.");
 
-    py::class_<PropertyDescriptor>(module, "PropertyDescriptor", "A property of an object-system class.")
-        .def("__get__",
-             [](const PropertyDescriptor& self, py::handle target, py::handle) -> py::object {
-                 if (target.is_none()) return py::cast(self);
-                 const ObjectState& state = target.cast<const ObjectState&>();
-                 return toPython(*client().getProperty(state.ref, self.name), self.shape);
-             })
-        .def("__set__",
-             [](const PropertyDescriptor& self, py::handle target, py::handle value) {
-                 setAttribute(target.cast<const ObjectState&>(), self.name, value);
-             })
-        .def("__repr__", [](const PropertyDescriptor& self) { return "<property " + self.name + ">"; });
+    propertyDescriptorType() = makePropertyDescriptorType();
+    module.attr("PropertyDescriptor") = propertyDescriptorType();
     py::class_<MethodDescriptor>(module, "MethodDescriptor", "A method of an object-system class.")
         .def("__get__",
              [](const MethodDescriptor& self, py::handle target, py::handle) -> py::object {

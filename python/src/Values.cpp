@@ -19,7 +19,7 @@ bool endsWith(const std::string& s, const char* suffix) {
 }
 
 template <class T, class Convert>
-py::object scalarOrList(const std::vector<T>& data, Shape shape, Convert convert) {
+py::object scalarOrList(tuvElements<T> data, Shape shape, Convert convert) {
     if (shape != Shape::List && data.size() == 1) return convert(data.front());
     py::list out(data.size());
     for (std::size_t i = 0; i < data.size(); ++i) out[i] = convert(data[i]);

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "DiagnosticTesting.hpp"
@@ -90,6 +92,45 @@ TEST(tuvArray, TypedElementReadsKeepIntegersBeyondDoublePrecision) {
     EXPECT_EQ("tuv:WrongClass", diagnosticOf([&] { v->doubleData(); }));
     EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::int32Vector({1})->int64Data(); }));
     EXPECT_EQ("tuv:WrongClass", diagnosticOf([] { tuvArray::fromUtf8("a")->logicalData(); }));
+}
+
+TEST(tuvArray, ScalarsAndVectorsGiveTheSameElementViews) {
+    // Scalars keep their element inside the array; vectors of one element
+    // do not. Both read alike, and copies read their own element.
+    struct Row {
+        tuvArrayPtr a;
+        std::vector<double> elements;
+    } rows[] = {
+        {tuvArray::logical(true), {1}},
+        {tuvArray::int32(-7), {-7}},
+        {tuvArray::int32Vector({-7}), {-7}},
+        {tuvArray::uint32(9), {9}},
+        {tuvArray::int64(-(std::int64_t(1) << 40)), {-1099511627776.0}},
+        {tuvArray::int64Vector({1, 2}), {1, 2}},
+        {tuvArray::float64(0.5), {0.5}},
+        {tuvArray::doubleVector({0.5}), {0.5}},
+        {tuvArray::empty(), {}},
+    };
+    for (const auto& r : rows) {
+        const std::string shown = r.a->describe();
+        ASSERT_EQ(r.elements.size(), r.a->numel()) << shown;
+        const auto copy = std::make_shared<tuvArray>(*r.a);
+        tuvArrayPtr original = r.a;
+        for (std::size_t i = 0; i < r.elements.size(); ++i) {
+            EXPECT_EQ(r.elements[i], original->numericAt(i)) << shown;
+            EXPECT_EQ(r.elements[i], copy->numericAt(i)) << shown;
+        }
+        original.reset();
+        EXPECT_EQ(shown, copy->describe());
+    }
+    const auto scalar = tuvArray::int32(5);
+    const auto vector = tuvArray::int32Vector({5});
+    EXPECT_EQ(scalar->int32Data(), vector->int32Data());
+    EXPECT_NE(scalar->int32Data(), tuvArray::int32Vector({5, 6})->int32Data());
+    const std::vector<std::int32_t> converted = scalar->int32Data();
+    EXPECT_EQ(std::vector<std::int32_t>{5}, converted);
+    EXPECT_TRUE(tuvArray::empty()->doubleData().empty());
+    EXPECT_TRUE(tuvArray::int32Vector({})->int32Data().empty());
 }
 
 } // namespace

@@ -415,3 +415,22 @@ def test_equality_and_hash_are_the_identity_of_the_native_object(objects):
     assert hash(block) == hash(again) and len({block, again, objects["inport"]}) == 2
     assert block != objects["inport"] and block != "Gain" and block != None  # noqa: E711
     assert objects["queue"] == objects["model"].TAQBlocks[0]
+
+
+def test_properties_are_descriptors_of_their_class(objects):
+    cg_type = objects["cgType"]
+    descriptor = type(cg_type).__dict__["Name"]
+    assert isinstance(descriptor, velcg.PropertyDescriptor)
+    # Read on the class, a property is its descriptor, the same each time.
+    assert velcg.VelCGType.Name is descriptor and repr(descriptor) == "<property Name>"
+    assert descriptor.__get__(cg_type, type(cg_type)) == cg_type.Name
+    before = cg_type.Name
+    with pytest.raises(AttributeError):
+        del cg_type.Name
+    assert cg_type.Name == before
+    # Anything but an initialized velcg object is refused, not read.
+    for target in (object(), 5, velcg.VelCGType.__new__(velcg.VelCGType)):
+        with pytest.raises((TypeError, RuntimeError)):
+            descriptor.__get__(target, type(target))
+        with pytest.raises((TypeError, RuntimeError)):
+            descriptor.__set__(target, "x")

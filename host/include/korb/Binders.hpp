@@ -5,6 +5,7 @@
 #include <string>
 #include <tuple>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -38,8 +39,18 @@ decltype(auto) argumentAt(const std::vector<tuvArrayPtr>& args, std::size_t i) {
 // Resolves a handle to the native class a binder is bound to. The dynamic
 // cast performs the pointer adjustment that multiple inheritance needs (a
 // class deriving from an element class and from the handle base).
+template <class T, class = void>
+inline constexpr bool kIsPlainHandle = false;
+template <class T>
+inline constexpr bool
+    kIsPlainHandle<T, std::void_t<decltype(static_cast<T*>(std::declval<vel::mi::Handle*>()))>> = true;
+
 template <class T>
 T& nativeObject(vel::mi::Handle& object) {
+    // An object of exactly T needs no search of its class hierarchy when T
+    // reaches its handle base without virtual or ambiguous inheritance.
+    if constexpr (kIsPlainHandle<T>)
+        if (typeid(object) == typeid(T)) return static_cast<T&>(object);
     auto* p = dynamic_cast<T*>(&object);
     if (!p) detail::wrongClass(object, typeid(T).name());
     return *p;

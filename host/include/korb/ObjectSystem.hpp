@@ -14,6 +14,10 @@ namespace korb {
 
 class Client;
 class PackageInfo;
+namespace detail {
+struct ClassEntry;
+class TypeNameCache;
+} // namespace detail
 
 // The host's registry of packages and classes. It starts out knowing the
 // package "plexo.mixin" with the abstract class "plexo.mixin.Heterogeneous".
@@ -55,8 +59,20 @@ public:
     Client& getPublicClient();
 
 private:
+    friend class Client;
+    // The resolved members of a class registered here; null for any other.
+    const detail::ClassEntry* entryOf(const vel::mi::HandleClass& cls) const;
+    // The entry of the class an object's type name names; null when unknown.
+    // Remembered per name pointer until the registry changes.
+    const detail::ClassEntry* entryForTypeName(const char* typeName) const;
+    // Resolves the entry of a newly registered class, and again those whose
+    // chain was cut (all of them when `all`).
+    void resolveEntries(const vel::mi::HandleClass* added, bool all);
+
     struct Impl;
     std::unique_ptr<Impl> impl_;
+    // Read by the client inline; see entryForTypeName.
+    std::unique_ptr<detail::TypeNameCache> typeNames_;
 };
 
 } // namespace korb

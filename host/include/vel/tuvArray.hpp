@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -11,6 +12,43 @@
 #include "vel/mi/Handle.hpp"
 
 class tuvArray;
+
+// A read-only view of the elements of a numeric or logical array,
+// column-major. Compares equal to a vector holding the same elements and
+// converts to one.
+template <class T>
+class tuvElements {
+public:
+    using value_type = T;
+    using iterator = const T*;
+    using const_iterator = const T*;
+
+    tuvElements(const T* data, std::size_t size) : data_(data), size_(size) {}
+
+    const T* data() const { return data_; }
+    std::size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+    const T* begin() const { return data_; }
+    const T* end() const { return data_ + size_; }
+    const T& operator[](std::size_t i) const { return data_[i]; }
+    const T& front() const { return data_[0]; }
+    operator std::vector<T>() const { return std::vector<T>(begin(), end()); }
+
+    friend bool operator==(const tuvElements& a, const tuvElements& b) {
+        return a.size_ == b.size_ && std::equal(a.begin(), a.end(), b.begin());
+    }
+    friend bool operator==(const tuvElements& a, const std::vector<T>& b) {
+        return a == tuvElements(b.data(), b.size());
+    }
+    friend bool operator==(const std::vector<T>& a, const tuvElements& b) { return b == a; }
+    friend bool operator!=(const tuvElements& a, const tuvElements& b) { return !(a == b); }
+    friend bool operator!=(const tuvElements& a, const std::vector<T>& b) { return !(a == b); }
+    friend bool operator!=(const std::vector<T>& a, const tuvElements& b) { return !(b == a); }
+
+private:
+    const T* data_;
+    std::size_t size_;
+};
 
 // Shared owning handle of a host array. Host arrays are immutable once they
 // have been handed out, except for the cells of a cell array under
@@ -35,6 +73,10 @@ VELHOST_API const char* tuvClassName(tuvClass c);
 // arrays hold UTF-16 text (the host's Unicode strings); a 0-by-0 double array
 // is the empty value.
 class VELHOST_API tuvArray {
+    struct Private {
+        explicit Private() = default;
+    };
+
 public:
     static tuvArrayPtr empty();
     static tuvArrayPtr logical(bool value);
@@ -79,12 +121,13 @@ public:
     std::string toUtf8() const;
     std::wstring toWide() const;
     // The elements of a numeric or logical array of that class, exactly as
-    // stored (column-major); "tuv:WrongClass" for another class.
-    const std::vector<std::uint8_t>& logicalData() const;
-    const std::vector<std::int32_t>& int32Data() const;
-    const std::vector<std::uint32_t>& uint32Data() const;
-    const std::vector<std::int64_t>& int64Data() const;
-    const std::vector<double>& doubleData() const;
+    // stored (column-major); "tuv:WrongClass" for another class. The view
+    // lives as long as the array.
+    tuvElements<std::uint8_t> logicalData() const;
+    tuvElements<std::int32_t> int32Data() const;
+    tuvElements<std::uint32_t> uint32Data() const;
+    tuvElements<std::int64_t> int64Data() const;
+    tuvElements<double> doubleData() const;
 
     // Cells, column-major. Raise "tuv:IndexOutOfRange" past the end.
     const tuvArrayPtr& getCell(std::size_t i) const;
@@ -98,19 +141,39 @@ public:
     std::string describe() const;
 
 private:
+    struct Opaque {
+        std::string className;
+        std::shared_ptr<const void> payload;
+    };
+    // Numeric and logical arrays of at most one element keep it in scalar_
+    // (data_ then holds std::monostate), so that a scalar is one allocation.
+    union Scalar {
+        std::uint8_t logical;
+        std::int32_t int32;
+        std::uint32_t uint32;
+        std::int64_t int64;
+        double float64;
+    };
     using Storage =
-        std::variant<std::vector<std::uint8_t>, std::vector<std::int32_t>, std::vector<std::uint32_t>,
-                     std::vector<std::int64_t>, std::vector<double>, std::u16string, std::vector<tuvArrayPtr>,
-                     std::vector<vel::mi::HandleRef>, std::shared_ptr<const void>>;
+        std::variant<std::monostate, std::vector<std::uint8_t>, std::vector<std::int32_t>,
+                     std::vector<std::uint32_t>, std::vector<std::int64_t>, std::vector<double>,
+                     std::u16string, std::vector<tuvArrayPtr>, std::vector<vel::mi::HandleRef>, Opaque>;
 
-    tuvArray(tuvClass c, std::size_t rows, std::size_t cols, Storage data, std::string foreignClass = {});
+public:
+    // For the factories only (make_shared needs a public constructor).
+    tuvArray(Private, tuvClass c, std::size_t rows, std::size_t cols, Storage data);
+    tuvArray(Private, tuvClass c, Scalar value) : class_(c), rows_(1), cols_(1), scalar_(value) {}
+
+private:
     template <class T>
     const T& storage(tuvClass c) const;
+    template <class T>
+    tuvElements<T> elements(tuvClass c) const;
     void requireScalar() const;
 
     tuvClass class_;
     std::size_t rows_;
     std::size_t cols_;
+    Scalar scalar_{};
     Storage data_;
-    std::string foreignClass_;
 };

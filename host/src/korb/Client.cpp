@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "ClassEntry.hpp"
 #include "korb/Binders.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -13,9 +14,11 @@
 namespace korb {
 
 namespace {
-vel::mi::Handle& live(const vel::mi::HandleRef& ref) {
+[[noreturn]] void invalidHandle() { vel::diag::throwError("Korb:InvalidHandle", {}); }
+
+inline vel::mi::Handle& live(const vel::mi::HandleRef& ref) {
     vel::mi::Handle* h = ref.get();
-    if (!h) vel::diag::throwError("Korb:InvalidHandle", {});
+    if (!h) invalidHandle();
     return *h;
 }
 
@@ -32,12 +35,20 @@ std::vector<const vel::mi::HandleClass*> chainOf(const ObjectSystem& system,
     return chain;
 }
 
+[[noreturn]] void unknownProperty(const std::string& name, const vel::mi::HandleClass& cls) {
+    vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
+}
+
+[[noreturn]] void unknownClass(const char* name) {
+    vel::diag::throwError("Korb:UnknownClass", {name ? name : ""});
+}
+
 // The member along the class chain of the object, the most derived first.
 const vel::mi::HandleClass::Property& requireProperty(const Client& client, const vel::mi::Handle& object,
                                                       const std::string& name) {
     const auto& cls = client.classOf(object);
     if (const auto* p = client.findProperty(cls, name)) return *p;
-    vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
+    unknownProperty(name, cls);
 }
 
 const vel::mi::HandleClass::Method& requireMethod(const Client& client, const vel::mi::Handle& object,
@@ -102,6 +113,8 @@ std::vector<MethodInfo> Client::describeMethods(const vel::mi::HandleClass& cls)
 
 const vel::mi::HandleClass::Property* Client::findProperty(const vel::mi::HandleClass& cls,
                                                            const std::string& name) const {
+    if (const auto* entry = system_.entryOf(cls)) return entry->properties.find(name);
+    // A class not registered with this client's registry: walk its chain.
     for (const auto* c : chainOf(system_, cls))
         if (const auto* p = c->findOwnProperty(name)) return p;
     return nullptr;
@@ -109,6 +122,7 @@ const vel::mi::HandleClass::Property* Client::findProperty(const vel::mi::Handle
 
 const vel::mi::HandleClass::Method* Client::findMethod(const vel::mi::HandleClass& cls,
                                                        const std::string& name) const {
+    if (const auto* entry = system_.entryOf(cls)) return entry->methods.find(name);
     for (const auto* c : chainOf(system_, cls))
         if (const auto* m = c->findOwnMethod(name)) return m;
     return nullptr;
@@ -124,9 +138,9 @@ const vel::mi::HandleClass* Client::findClass(const std::string& qualifiedName) 
 
 const vel::mi::HandleClass& Client::classOf(const vel::mi::Handle& object) const {
     const char* name = object.getFullyQualifiedKorbTypeName();
-    const auto* cls = system_.findClass(name ? name : "");
-    if (!cls) vel::diag::throwError("Korb:UnknownClass", {name ? name : ""});
-    return *cls;
+    const auto* entry = system_.entryForTypeName(name);
+    if (!entry) unknownClass(name);
+    return *entry->cls;
 }
 
 bool Client::isA(const vel::mi::Handle& object, const std::string& qualifiedName) const {
@@ -165,9 +179,7 @@ std::vector<std::string> Client::getMethodNames(const vel::mi::Handle& object) c
 }
 
 bool Client::hasProperty(const vel::mi::Handle& object, const std::string& name) const {
-    for (const auto* c : chainOf(system_, classOf(object)))
-        if (c->findOwnProperty(name)) return true;
-    return false;
+    return findProperty(classOf(object), name) != nullptr;
 }
 
 bool Client::isReadOnly(const vel::mi::Handle& object, const std::string& name) const {
@@ -180,7 +192,13 @@ const std::string& Client::getPropertyType(const vel::mi::Handle& object, const 
 
 tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string& name) const {
     vel::mi::Handle& object = live(ref);
-    return requireProperty(*this, object, name).getter->getArray(object);
+    // The common read, straight through the class's resolved entry.
+    const char* typeName = object.getFullyQualifiedKorbTypeName();
+    const auto* entry = system_.typeNames_->find(typeName);
+    if (!entry && !(entry = system_.entryForTypeName(typeName))) unknownClass(typeName);
+    const auto* property = entry->properties.find(name);
+    if (!property) unknownProperty(name, *entry->cls);
+    return property->getter->getArray(object);
 }
 
 Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string& name) const {

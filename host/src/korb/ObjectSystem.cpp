@@ -2,8 +2,10 @@
 
 #include <map>
 #include <mutex>
+#include <string_view>
 #include <unordered_map>
 
+#include "ClassEntry.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/Client.hpp"
 #include "korb/PackageInfo.hpp"
@@ -33,9 +35,15 @@ struct ObjectSystem::Impl {
     // The package whose classes are being registered, if any.
     std::string registering;
     std::unique_ptr<Client> client;
+
+    // Resolved members of every registered class, by record and by
+    // qualified name (views of the records' own names).
+    std::unordered_map<const vel::mi::HandleClass*, std::unique_ptr<detail::ClassEntry>> entries;
+    std::unordered_map<std::string_view, const detail::ClassEntry*> entriesByName;
 };
 
-ObjectSystem::ObjectSystem() : impl_(std::make_unique<Impl>()) {
+ObjectSystem::ObjectSystem()
+    : impl_(std::make_unique<Impl>()), typeNames_(std::make_unique<detail::TypeNameCache>()) {
     impl_->client = std::make_unique<Client>(*this);
     addPackage(std::make_unique<MixinPackage>());
 }
@@ -81,7 +89,9 @@ void ObjectSystem::registerClass(std::unique_ptr<vel::mi::HandleClass> cls) {
     if (!super.empty() && !impl_->classes.count(super))
         vel::diag::throwError("Korb:UnknownSuperclass", {qualified, super});
     impl_->classOrder[impl_->registering].push_back(qualified);
+    const vel::mi::HandleClass* added = cls.get();
     impl_->classes.emplace(qualified, std::move(cls));
+    resolveEntries(added, false);
 }
 
 void ObjectSystem::removeClasses(const std::string& packageName) {
@@ -90,6 +100,62 @@ void ObjectSystem::removeClasses(const std::string& packageName) {
     if (it == impl_->classOrder.end()) return;
     for (const auto& name : it->second) impl_->classes.erase(name);
     it->second.clear();
+    resolveEntries(nullptr, true);
+}
+
+void ObjectSystem::resolveEntries(const vel::mi::HandleClass* added, bool all) {
+    using Property = vel::mi::HandleClass::Property;
+    using Method = vel::mi::HandleClass::Method;
+    auto resolve = [&](const vel::mi::HandleClass& cls) {
+        // The chain most derived first, bounded so that a cycle of
+        // superclass names cannot loop forever.
+        std::vector<const vel::mi::HandleClass*> chain{&cls};
+        bool complete = true;
+        while (chain.size() < 64 && !chain.back()->getSuperclassName().empty()) {
+            auto it = impl_->classes.find(chain.back()->getSuperclassName());
+            if (it == impl_->classes.end()) {
+                complete = false;
+                break;
+            }
+            chain.push_back(it->second.get());
+        }
+        std::vector<const Property*> properties;
+        std::vector<const Method*> methods;
+        for (const auto* c : chain) {
+            for (const auto& p : c->getProperties()) properties.push_back(&p);
+            for (const auto& m : c->getMethods()) methods.push_back(&m);
+        }
+        auto entry = std::make_unique<detail::ClassEntry>(detail::ClassEntry{
+            &cls, detail::NameIndex<Property>(properties), detail::NameIndex<Method>(methods), complete});
+        impl_->entriesByName[cls.getQualifiedName()] = entry.get();
+        impl_->entries[&cls] = std::move(entry);
+    };
+    typeNames_->clear();
+    if (all) {
+        impl_->entries.clear();
+        impl_->entriesByName.clear();
+        for (const auto& [name, cls] : impl_->classes) resolve(*cls);
+        return;
+    }
+    std::vector<const vel::mi::HandleClass*> cut;
+    for (const auto& [cls, entry] : impl_->entries)
+        if (!entry->complete) cut.push_back(cls);
+    for (const auto* cls : cut) resolve(*cls);
+    if (added) resolve(*added);
+}
+
+const detail::ClassEntry* ObjectSystem::entryOf(const vel::mi::HandleClass& cls) const {
+    auto it = impl_->entries.find(&cls);
+    return it == impl_->entries.end() ? nullptr : it->second.get();
+}
+
+const detail::ClassEntry* ObjectSystem::entryForTypeName(const char* typeName) const {
+    if (!typeName) return nullptr;
+    if (const auto* entry = typeNames_->find(typeName)) return entry;
+    auto it = impl_->entriesByName.find(std::string_view(typeName));
+    if (it == impl_->entriesByName.end()) return nullptr;
+    typeNames_->remember(typeName, it->second);
+    return it->second;
 }
 
 PackageInfo* ObjectSystem::findPackage(const std::string& name) const {

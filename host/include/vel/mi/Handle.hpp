@@ -47,7 +47,10 @@ public:
     Handle& operator=(const Handle&) noexcept { return *this; }
     virtual ~Handle();
 
-    // The object-system class of this object, "Package.Class".
+    // The object-system class of this object, "Package.Class". The text must
+    // stay unchanged at that address for as long as the class is registered
+    // (a string literal, typically): the object system remembers classes by
+    // the pointer.
     virtual const char* getFullyQualifiedKorbTypeName() const = 0;
 
     // The object as a host value: a 1-by-1 array holding a reference to it.

@@ -1,0 +1,181 @@
+// Members found by name through the client's resolved class entries: every
+// name finds its own member and only it, objects reach their native class
+// whatever their layout, and registry changes reach lookups made before.
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "DiagnosticTesting.hpp"
+#include "korb/ClassInfo.hpp"
+#include "korb/Client.hpp"
+#include "korb/ObjectSystem.hpp"
+#include "korb/PackageInfo.hpp"
+#include "vel/mi/Handle.hpp"
+
+namespace {
+
+using korb::ClassInfo;
+using korb::ObjectSystem;
+using testing_support::diagnosticOf;
+
+class Package : public korb::PackageInfo {
+public:
+    Package(const char* name, std::function<void(ObjectSystem&)> classes)
+        : name_(name), classes_(std::move(classes)) {}
+    const char* getName() const override { return name_; }
+    void registerClasses(ObjectSystem& system) override { classes_(system); }
+
+private:
+    const char* name_;
+    std::function<void(ObjectSystem&)> classes_;
+};
+
+// An object of any class, named at run time (so that its type name is not a
+// literal and two objects of one class name it at different addresses).
+class Named : public vel::mi::Handle {
+public:
+    explicit Named(std::string type) : type_(std::move(type)) {}
+    const char* getFullyQualifiedKorbTypeName() const override { return type_.c_str(); }
+
+private:
+    std::string type_;
+};
+
+// Derived from a bound class, and a handle reached through a second base:
+// both need the pointer adjustment of a real cast.
+class NamedChild : public Named {
+public:
+    using Named::Named;
+};
+class Polymorphic {
+public:
+    virtual ~Polymorphic() = default;
+    int filler = 7;
+};
+class SecondBase : public Polymorphic, public vel::mi::Handle {
+public:
+    const char* getFullyQualifiedKorbTypeName() const override { return "Lk.Second"; }
+    int value = 41;
+};
+
+std::unique_ptr<korb::GetterBinder> constant(int n) {
+    return korb::getterFn<Named>([n](const Named&) { return n; });
+}
+
+int readInt(const korb::Client& client, const vel::mi::Handle& object, const std::string& name) {
+    return client.getProperty(object.makeRef(), name)->int32Value();
+}
+
+TEST(ClassLookup, EveryNameFindsItsOwnMemberAndNoOther) {
+    // Names of every length, alike in their first, middle and last
+    // characters and in the words that longer names are compared by.
+    const std::vector<std::string> names = {"a",
+                                            "b",
+                                            "ab",
+                                            "ba",
+                                            "abc",
+                                            "acc",
+                                            "abcd",
+                                            "abdd",
+                                            "abcdefg",
+                                            "abcdefgh",
+                                            "abcdefgi",
+                                            "abcdefghijklmnop",
+                                            "abcdefghijklmnoq",
+                                            "abcdefghijklmnopq",
+                                            "abcdefghXjklmnopq",
+                                            std::string(40, 'x'),
+                                            std::string(20, 'x') + "y" + std::string(19, 'x')};
+    const std::vector<std::string> misses = {
+        "", "c", "abcde", "abcdefghijklmno", "abce", "Abcdefgh", "abcdefghYjklmnopq", std::string(39, 'x')};
+    ObjectSystem system;
+    system.addPackage(std::make_unique<Package>("Lk", [&](ObjectSystem& s) {
+        s.registerClass(ClassInfo::make("Many", "many names", [&](ClassInfo& c) {
+            for (std::size_t i = 0; i < names.size(); ++i)
+                c.property(names[i], constant(static_cast<int>(i)));
+            c.method("m" + names.back(), korb::methodFn<Named, int>([](Named&) { return 1; }));
+        }));
+    }));
+    const korb::Client& client = system.getPublicClient();
+    Named object("Lk.Many");
+    for (std::size_t i = 0; i < names.size(); ++i)
+        EXPECT_EQ(static_cast<int>(i), readInt(client, object, names[i]));
+    for (const auto& miss : misses) {
+        EXPECT_EQ("Korb:UnknownProperty", diagnosticOf([&] { client.getProperty(object.makeRef(), miss); }))
+            << miss;
+        EXPECT_FALSE(client.hasProperty(object, miss)) << miss;
+    }
+    EXPECT_EQ(1, client.callMethod(object.makeRef(), "m" + names.back())->int32Value());
+    EXPECT_EQ("Korb:UnknownMethod", diagnosticOf([&] { client.callMethod(object.makeRef(), names.back()); }));
+}
+
+TEST(ClassLookup, ObjectsReachTheirNativeClassWhateverTheirLayout) {
+    ObjectSystem system;
+    system.addPackage(std::make_unique<Package>("Lk", [](ObjectSystem& s) {
+        s.registerClass(
+            ClassInfo::make("Named", "by name", [](ClassInfo& c) { c.property("Answer", constant(42)); }));
+        s.registerClass(ClassInfo::make("Second", "second base", [](ClassInfo& c) {
+            c.property("Value", korb::getterFn<SecondBase>([](const SecondBase& o) { return o.value; }));
+        }));
+    }));
+    const korb::Client& client = system.getPublicClient();
+    // Two objects naming one class from different addresses, one of a
+    // class derived from the bound one.
+    Named first("Lk.Named");
+    NamedChild second("Lk.Named");
+    EXPECT_EQ(42, readInt(client, first, "Answer"));
+    EXPECT_EQ(42, readInt(client, second, "Answer"));
+    EXPECT_EQ(&client.classOf(first), &client.classOf(second));
+    SecondBase multi;
+    EXPECT_EQ(41, readInt(client, multi, "Value"));
+    // The same text at another address still names an unknown class.
+    EXPECT_EQ("Korb:UnknownClass", diagnosticOf([&] { readInt(client, Named("Lk.Nobody"), "Answer"); }));
+}
+
+TEST(ClassLookup, RegistryChangesReachLookupsMadeBefore) {
+    ObjectSystem system;
+    const korb::Client& client = system.getPublicClient();
+    system.addPackage(std::make_unique<Package>("LkBase", [](ObjectSystem& s) {
+        s.registerClass(ClassInfo::make("Root", "root", [](ClassInfo& c) {
+            c.property("Shared", constant(1));
+            c.property("Inherited", constant(10));
+        }));
+    }));
+    system.addPackage(std::make_unique<Package>("LkLeaf", [](ObjectSystem& s) {
+        s.registerClass(ClassInfo::make("Leaf", "leaf", [](ClassInfo& c) {
+            c.superclass("LkBase.Root");
+            c.property("Shared", constant(2));
+        }));
+    }));
+    Named root("LkBase.Root"), leaf("LkLeaf.Leaf");
+    EXPECT_EQ(1, readInt(client, root, "Shared"));
+    EXPECT_EQ(2, readInt(client, leaf, "Shared"));
+    EXPECT_EQ(10, readInt(client, leaf, "Inherited"));
+
+    // The superclass goes: its objects are unknown, and the subclass keeps
+    // only its own members.
+    system.removeClasses("LkBase");
+    EXPECT_EQ("Korb:UnknownClass", diagnosticOf([&] { readInt(client, root, "Shared"); }));
+    EXPECT_EQ(2, readInt(client, leaf, "Shared"));
+    EXPECT_EQ("Korb:UnknownProperty", diagnosticOf([&] { readInt(client, leaf, "Inherited"); }));
+    EXPECT_EQ(nullptr, client.findProperty(client.classOf(leaf), "Inherited"));
+
+    // A package that failed is added again with other members.
+    Named again("LkAgain.Thing");
+    auto thing = [](int value, bool fail) {
+        return std::make_unique<Package>("LkAgain", [value, fail](ObjectSystem& s) {
+            s.registerClass(ClassInfo::make("Thing", "thing",
+                                            [value](ClassInfo& c) { c.property("Value", constant(value)); }));
+            if (fail) throw std::runtime_error("registration failed");
+        });
+    };
+    EXPECT_THROW(system.addPackage(thing(3, true)), std::runtime_error);
+    EXPECT_EQ("Korb:UnknownClass", diagnosticOf([&] { readInt(client, again, "Value"); }));
+    system.addPackage(thing(4, false));
+    EXPECT_EQ(4, readInt(client, again, "Value"));
+}
+
+} // namespace
