@@ -41,6 +41,11 @@ void BM_BridgeSweepGetStringAttribute(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());
 }
 
+// Both sizes hold the same number of fragments: every kFragmentsHeld
+// additions the sections are cleared, untimed. So the figures differ only
+// in how many files the additions are spread over.
+constexpr std::int64_t kFragmentsHeld = 1 << 16;
+
 void BM_BridgeSweepAddSectionContent(benchmark::State& state) {
     const auto files = static_cast<std::int32_t>(state.range(0));
     VelCG::VelCGFileRepository repo;
@@ -50,17 +55,14 @@ void BM_BridgeSweepAddSectionContent(benchmark::State& state) {
         new VelCG::StringFileSectionFragment("#define X 1\n"));
     const std::string section = "Defines";
     std::int32_t index = 0;
-    std::int64_t sweeps = 0;
+    std::int64_t held = 0;
     for (auto _ : state) {
         bridge.addSectionContent(index, section, fragment);
-        if (++index < files) continue;
-        index = 0;
-        // Keep the sections short, untimed, so that the figure is the
-        // bridge's and not the allocator's paging in memory for ever longer
-        // fragment lists.
-        if (++sweeps % 64 == 0) {
+        if (++index == files) index = 0;
+        if (++held == kFragmentsHeld) {
             state.PauseTiming();
             for (VelCG::VelCGFile* file : repo.getFileList()) file->clearContents();
+            held = 0;
             state.ResumeTiming();
         }
     }
