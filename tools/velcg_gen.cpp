@@ -13,7 +13,9 @@
 // default the first pass runs while the template does).
 //
 // Exit status: 0 on success, 1 for bad input (usage, description, files),
-// 2 when the template raised (its traceback is printed).
+// 2 when the template raised (its traceback is printed). Warnings about
+// text the library dropped go to standard error as
+// "velcg-gen: warning: IDENTIFIER: MESSAGE" and do not change the status.
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -162,6 +164,12 @@ int main(int argc, char** argv) {
     VelCG::setDiagnosticReporter([&status](const vel::diag::Diagnostic& d) {
         std::fprintf(stderr, "velcg-gen: %s\n", d.message().c_str());
         status = 1;
+    });
+    // Text or values the library dropped by design are reported, without
+    // failing the run.
+    const vel::diag::ScopedWarningSink warnings([&progress](const vel::diag::Diagnostic& d) {
+        progress.done();
+        std::fprintf(stderr, "velcg-gen: warning: %s: %s\n", d.identifier().c_str(), d.message().c_str());
     });
     try {
         const fs::path directory(options.outputDirectory);

@@ -17,8 +17,26 @@ namespace {
 // can raise a diagnostic.
 [[maybe_unused]] const bool kCatalogsRegistered = [] {
     const std::map<std::string, std::map<std::string, std::string>> catalogs = {
+        {"VelCG:Binding",
+         {{"IgnoredWrite",
+           "The value written to property '{3}' of {1} '{2}' was ignored: writes to it have no "
+           "effect."}}},
         {"VelCG:CustomContents",
-         {{"NullContent", "Cannot add a null string to custom section '{2}' of file '{1}'."}}},
+         {
+             {"NullContent", "Cannot add a null string to custom section '{2}' of file '{1}'."},
+             {"TextAfterNul",
+              "{3} byte(s) of the content added to custom section '{2}' of file '{1}' followed an embedded "
+              "NUL and were dropped."},
+             {"PlacedNotRetrieved",
+              "Custom section '{2}' of file '{1}' was placed but never retrieved: its {3} byte(s) were not "
+              "written."},
+             {"NoBuiltinSection",
+              "Custom section '{2}' of file '{1}' belongs to the {3} section, which the file does not "
+              "have: its {4} byte(s) were not written."},
+             {"NotWritten",
+              "Custom section '{2}' of file '{1}' was neither retrieved nor appended to the {3} "
+              "section: its {4} byte(s) were not written."},
+         }},
         {"VelCG:FileRepScrivBridge",
          {
              {"InvalidFileIndex", "File index {1} is out of range: the repository holds {2} file(s)."},
@@ -33,6 +51,8 @@ namespace {
              {"NullStream", "Cannot write a file section: the output stream is null."},
              {"WriteFailed", "Writing {1} byte(s) of a file section to the output stream failed."},
              {"InvalidFragmentIndex", "Fragment index {1} is out of range for a section of {2} fragment(s)."},
+             {"TextAfterNul",
+              "{1} of the {2} byte(s) added to a file section followed an embedded NUL and were dropped."},
          }},
         {"VelCG:FunctionsSection",
          {{"InvalidFunctionIndex", "{1} index {2} is out of range: the section has {3} of them."}}},
@@ -66,7 +86,10 @@ namespace {
              {"NullStream", "Cannot write section '{2}' of file '{1}': the output stream is null."},
          }},
         {"VelCG:VelCGFileContent",
-         {{"InvalidSlot", "Cannot place a section in slot {1} of a file's section table: {2}."}}},
+         {
+             {"InvalidSlot", "Cannot place a section in slot {1} of a file's section table: {2}."},
+             {"MissingSection", "{1} byte(s) added to a section the file does not have were dropped."},
+         }},
     };
     vel::diag::MessageCatalog& host = vel::diag::MessageCatalog::instance();
     for (const auto& [catalog, templates] : catalogs) host.addCatalog(catalog, templates);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,11 @@ class FileSection;
 //   "CustomContentSectionAlreadyRetrieved" section name, context, section name
 // A failed call leaves the registry unchanged. A null content pointer raises
 // "VelCG:CustomContents:NullContent".
+//
+// Warnings: "VelCG:CustomContents:TextAfterNul" (content dropped after an
+// embedded NUL), and from warnUnwrittenContent
+// "VelCG:CustomContents:PlacedNotRetrieved", "...:NoBuiltinSection" and
+// "...:NotWritten".
 class VELCG_API CustomContents {
 public:
     using SectionPtr = boost::shared_ptr<CustomSection>;
@@ -57,6 +63,13 @@ public:
     // tied to builtin that is required, not marked in use and not yet
     // retrieved, and marks each appended section retrieved.
     void appendMissingTokens(FileSection& target, VelCGFileSectionKind builtin);
+
+    // Warns once for every section whose content has not reached the output
+    // (neither retrieved nor appended) and is not empty, saying why: its
+    // token was placed but the section never retrieved; the file has no
+    // section of its built-in kind (fileHasSection answers that); or it was
+    // otherwise never written. Called when the file is done with.
+    void warnUnwrittenContent(const std::function<bool(VelCGFileSectionKind)>& fileHasSection) const;
 
 private:
     bool sectionTokenInUse(const SectionPtr& section) const;

@@ -27,6 +27,7 @@ namespace VelCG {
 // "VelCG:FileSection:NullFragment" (null fragment),
 // "VelCG:FileSection:NullStream" (null stream),
 // "VelCG:FileSection:WriteFailed" (the stream refused bytes).
+// Warnings: "VelCG:FileSection:TextAfterNul" (addContent dropped text).
 class VELCG_API FileSection : public vel::mi::Handle {
 public:
     using FragmentPtr = boost::shared_ptr<FileSectionFragment>;
@@ -59,7 +60,7 @@ public:
     virtual void addContent_cstr(const char* text);
 
     // Appends the string's character data through addContent_cstr, so text
-    // after an embedded NUL is dropped.
+    // after an embedded NUL is dropped (with a warning).
     virtual void addContent(const std::string& text);
 
     // Appends the fragment itself (shared, not copied).

@@ -101,6 +101,9 @@ public:
     // sections the template declared for it but never placed, then the
     // section's bytes. Does nothing when the file has no such section.
     // REQUIRES: stream is not null ("VelCG:VelCGFile:NullStream").
+    // A file of which a section was written warns, when destroyed, about
+    // every custom section whose content never reached the output (see
+    // CustomContents::warnUnwrittenContent).
     void writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream);
 
 protected:
@@ -157,6 +160,9 @@ private:
     std::string group_;
     std::string definedMacro_;
     bool notEmpty_ = false;
+    // Set by the first writeSectionToFile: from then on, custom content left
+    // unwritten when the file is destroyed is reported as lost.
+    bool writingStarted_ = false;
     CustomContents customContents_;
 };
 

@@ -18,7 +18,8 @@ namespace VelCG {
 class VELCG_API VelCGFileContent {
 public:
     // Stands in for every section a file does not have: always empty,
-    // renders as "", and drops what is added to it.
+    // renders as "", and drops what is added to it, warning
+    // "VelCG:VelCGFileContent:MissingSection" when text is dropped.
     class VELCG_API EmptyFileSection : public FileSection {
     public:
         EmptyFileSection();

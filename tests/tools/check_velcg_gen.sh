@@ -123,6 +123,10 @@ bridge.addSectionContent(0, "Includes", "/* from the bridge */\n")
 with open(os.path.join(outputDirectory, bridge.getStringAttribute(0, "Name")), "w") as f:
     f.write("/* written by the template */\n")
 bridge.setAttribute(0, "WrittenToDisk", True)
+# Placed but never retrieved: velcg-gen writes the file and warns.
+bridge.addCustomSection(1, "Declarations", "Notes")
+bridge.customContents(1).addContentToSection("Notes", "/* never retrieved */\n")
+bridge.customContents(1).setCustomTokenInUse("Notes")
 EOF
 run "$gen" "$examples/sensor_bus/model.json" "$work/writes.py" -o "$work/writes"
 expect_status 0 "velcg-gen with a template that writes a file"
@@ -131,6 +135,9 @@ if [ "$(cat "$work/writes/sensor_bus.h" 2>&1)" != "/* written by the template */
   cat "$work/writes/sensor_bus.h"
 fi
 [ -e "$work/writes/sensor_bus.c" ] || fail "velcg-gen did not write the files the template left"
+expect_in "$work/stderr" "velcg-gen: warning: VelCG:CustomContents:PlacedNotRetrieved: Custom section 'Notes' of file" \
+  "velcg-gen with a custom section placed but never retrieved"
+! grep -qF "never retrieved */" "$work/writes/"* || fail "velcg-gen wrote a custom section placed but never retrieved"
 
 if [ "$failures" -ne 0 ]; then
   echo "$failures check(s) failed; files kept in $work"

@@ -4,6 +4,7 @@
 
 #include "ClassBindings.hpp"
 #include "korb/ClassInfo.hpp"
+#include "vel/diag/Diagnostic.hpp"
 #include "vel/i18n/Text.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
@@ -115,8 +116,14 @@ std::unique_ptr<ClassInfo> velCGTypeClass() {
         c.property("IsLoweredMultiword", getter(&VelCGType::isLoweredMultiword));
         c.property("StructAlignment", getter(&VelCGType::getStructAlignment));
         c.property("Members", getter(&VelCGType::getMembers)).holds("VelCG.CGTypeMember");
-        c.property("EmbeddedType", getter(&VelCGType::getEmbeddedTypeAsTuvArray),
-                   setter(&VelCGType::setEmbeddedTypeFromTuvArray));
+        // Scripts may write the property, without effect; the write is
+        // reported so that it is not lost unnoticed.
+        c.property(
+            "EmbeddedType", getter(&VelCGType::getEmbeddedTypeAsTuvArray),
+            setterFn<VelCGType, tuvArray>([](VelCGType& type, const tuvArray& value) {
+                type.setEmbeddedTypeFromTuvArray(value);
+                vel::diag::warn("VelCG:Binding:IgnoredWrite", {"VelCGType", type.getName(), "EmbeddedType"});
+            }));
         c.method("getContainerTypeName", method(&VelCGType::getContainerTypeName));
     });
 }

@@ -92,7 +92,13 @@ void FileSection::addContent_cstr(const char* text) {
     addFragment(boost::make_shared<StringFileSectionFragment>(text));
 }
 
-void FileSection::addContent(const std::string& text) { addContent_cstr(text.c_str()); }
+void FileSection::addContent(const std::string& text) {
+    addContent_cstr(text.c_str());
+    const std::size_t kept = std::strlen(text.c_str());
+    if (kept < text.size())
+        vel::diag::warn("VelCG:FileSection:TextAfterNul",
+                        {std::to_string(text.size() - kept), std::to_string(text.size())});
+}
 
 void FileSection::addFragment(FragmentPtr fragment) {
     if (!fragment) vel::diag::throwError("VelCG:FileSection:NullFragment", {});

@@ -38,7 +38,16 @@ VelCGFile::VelCGFile(const std::string& name, std::unique_ptr<VelCGFileContentBu
         sectionsBySlot_[k] = &content_->getSection(static_cast<VelCGFileSectionKind>(k));
 }
 
-VelCGFile::~VelCGFile() = default;
+VelCGFile::~VelCGFile() {
+    // Once the file has been written, custom content that did not reach it
+    // never will.
+    if (!writingStarted_) return;
+    try {
+        customContents_.warnUnwrittenContent([this](VelCGFileSectionKind kind) { return hasSection(kind); });
+    } catch (...) {
+        // Warnings never make destruction fail.
+    }
+}
 
 const char* VelCGFile::getFullyQualifiedKorbTypeName() const { return "VelCG.VelCGFile"; }
 
@@ -74,6 +83,7 @@ const FileSection& VelCGFile::getFileSection(VelCGFileSectionKind kind) const {
 }
 
 void VelCGFile::writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream) {
+    writingStarted_ = true;
     if (!hasSection(kind)) return;
     if (!stream)
         vel::diag::throwError("VelCG:VelCGFile:NullStream", {nameAscii_, getScrivSectionNameFromEnum(kind)});

@@ -1,5 +1,7 @@
 #include "velcg/VelCGFileContent.hpp"
 
+#include <cstring>
+
 #include "vel/diag/Diagnostic.hpp"
 
 namespace VelCG {
@@ -16,9 +18,19 @@ VelCGFileContent::EmptyFileSection::EmptyFileSection() = default;
 VelCGFileContent::EmptyFileSection::EmptyFileSection(const EmptyFileSection& other) = default;
 VelCGFileContent::EmptyFileSection::~EmptyFileSection() = default;
 
-void VelCGFileContent::EmptyFileSection::addContent_cstr(const char*) {}
-void VelCGFileContent::EmptyFileSection::addContent(const std::string&) {}
-void VelCGFileContent::EmptyFileSection::addFragment(FragmentPtr) {}
+namespace {
+void warnDropped(std::size_t bytes) {
+    if (bytes != 0) vel::diag::warn("VelCG:VelCGFileContent:MissingSection", {std::to_string(bytes)});
+}
+} // namespace
+
+void VelCGFileContent::EmptyFileSection::addContent_cstr(const char* text) {
+    if (text) warnDropped(std::strlen(text));
+}
+void VelCGFileContent::EmptyFileSection::addContent(const std::string& text) { warnDropped(text.size()); }
+void VelCGFileContent::EmptyFileSection::addFragment(FragmentPtr fragment) {
+    if (fragment) warnDropped(fragment->getContent().size());
+}
 
 std::unique_ptr<FileSection> VelCGFileContent::EmptyFileSection::clone() const {
     return std::make_unique<EmptyFileSection>();

@@ -1,5 +1,8 @@
 #include "velcg/CustomContents.hpp"
 
+#include <algorithm>
+#include <cstring>
+
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CustomSection.hpp"
 
@@ -14,6 +17,12 @@ template <class Container>
 void configure(Container& c) {
     c.max_load_factor(1.0f);
     c.rehash(kInitialBuckets);
+}
+
+std::string kindName(VelCGFileSectionKind kind) {
+    std::string name = getScrivSectionNameFromEnum(kind);
+    if (name.empty()) name = getSectionKindEnumName(kind);
+    return name.empty() ? std::to_string(static_cast<int>(kind)) : name;
 }
 } // namespace
 
@@ -51,6 +60,10 @@ bool CustomContents::isCustomSection(const std::string& name) const {
 
 void CustomContents::addContentToSection(const std::string& name, const std::string& content) {
     addContentToSection(name, content.c_str());
+    const std::size_t kept = std::strlen(content.c_str());
+    if (kept < content.size())
+        vel::diag::warn("VelCG:CustomContents:TextAfterNul",
+                        {fileName_, name, std::to_string(content.size() - kept)});
 }
 
 void CustomContents::addContentToSection(const std::string& name, const char* content) {
@@ -81,6 +94,31 @@ void CustomContents::appendMissingTokens(FileSection& target, VelCGFileSectionKi
         if (!section->isRequired() || sectionTokenInUse(section) || section->isRetrieved()) continue;
         target.addContent(section->getContent());
         section->setIsRetrieved();
+    }
+}
+
+void CustomContents::warnUnwrittenContent(
+    const std::function<bool(VelCGFileSectionKind)>& fileHasSection) const {
+    // Kinds in order, so that the warnings come in the same order every run.
+    std::vector<VelCGFileSectionKind> kinds;
+    for (const auto& entry : sectionsByBuiltin_) kinds.push_back(entry.first);
+    std::sort(kinds.begin(), kinds.end());
+    for (VelCGFileSectionKind kind : kinds) {
+        for (const SectionPtr& section : sectionsByBuiltin_.at(kind)) {
+            if (section->isRetrieved()) continue;
+            const std::size_t size = section->getContent().size();
+            if (size == 0) continue;
+            const std::string bytes = std::to_string(size);
+            if (sectionTokenInUse(section))
+                vel::diag::warn("VelCG:CustomContents:PlacedNotRetrieved",
+                                {fileName_, section->getName(), bytes});
+            else if (!fileHasSection(kind))
+                vel::diag::warn("VelCG:CustomContents:NoBuiltinSection",
+                                {fileName_, section->getName(), kindName(kind), bytes});
+            else
+                vel::diag::warn("VelCG:CustomContents:NotWritten",
+                                {fileName_, section->getName(), kindName(kind), bytes});
+        }
     }
 }
 

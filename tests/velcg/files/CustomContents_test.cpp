@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "DiagnosticTesting.hpp"
+#include "files/FileTesting.hpp"
 #include "velcg/CustomSection.hpp"
 #include "velcg/FileSection.hpp"
 
@@ -100,4 +101,19 @@ TEST(CustomContents, AppendsUnplacedRequiredSectionsOnceInDeclarationOrder) {
     FileSection again;
     cc.appendMissingTokens(again, TYPEDEFS_SECTION);
     EXPECT_TRUE(again.isEmpty());
+}
+
+TEST(CustomContents, ContentAfterAnEmbeddedNulIsDroppedWithAWarning) {
+    CustomContents contents("m.c");
+    contents.addCustomSection("Decls", DECLARATIONS_SECTION);
+    vel::diag::WarningCollector warnings;
+    contents.addContentToSection("Decls", std::string("int a;\0int b;\n", 14));
+    contents.addContentToSection("Decls", std::string("int c;\n"));
+    EXPECT_EQ("int a;int c;\n", contents.getCustomSectionContent("Decls", "test"));
+    // A refused addition warns about nothing.
+    EXPECT_EQ("Brisk:codeGen:CustomContentSectionDoesNotExist(m.c, None)", diagnosticWithArgumentsOf([&] {
+                  contents.addContentToSection("None", std::string("x\0y", 3));
+              }));
+    EXPECT_EQ((std::vector<std::string>{"VelCG:CustomContents:TextAfterNul(m.c, Decls, 8)"}),
+              files_testing::warningsOf(warnings));
 }

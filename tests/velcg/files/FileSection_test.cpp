@@ -20,6 +20,8 @@
 using namespace VelCG;
 using files_testing::bytesWrittenBy;
 using files_testing::fragment;
+using files_testing::warningsOf;
+using Strings = std::vector<std::string>;
 using testing_support::diagnosticOf;
 
 TEST(FileSection, RendersPrintsAndWritesFragmentsInOrderByteForByte) {
@@ -49,6 +51,19 @@ TEST(FileSection, RendersPrintsAndWritesFragmentsInOrderByteForByte) {
     s.clearContent();
     EXPECT_TRUE(s.isEmpty());
     EXPECT_EQ("", s.getContent());
+}
+
+TEST(FileSection, TextAfterAnEmbeddedNulIsDroppedWithAWarning) {
+    vel::diag::WarningCollector warnings;
+    FileSection s;
+    s.addContent(std::string("ab\0cde", 6));
+    s.addContent(std::string("\0", 1));
+    s.addContent("plain");
+    s.addContent("");
+    s.addContent_cstr("cstr");
+    EXPECT_EQ("abplaincstr", bytesWrittenBy([&](std::FILE* f) { s.writeToFile(f); }));
+    EXPECT_EQ((Strings{"VelCG:FileSection:TextAfterNul(4, 6)", "VelCG:FileSection:TextAfterNul(1, 1)"}),
+              warningsOf(warnings));
 }
 
 namespace {
@@ -169,15 +184,24 @@ TEST(VelCGFileContent, EmptySectionStandsInForMissingAndOutOfRangeKinds) {
     for (int k : {-1, 0, 10, 22, 23, 1000})
         EXPECT_FALSE(content.hasSection(static_cast<VelCGFileSectionKind>(k))) << k;
 
-    // The empty section, and a clone of it, drop whatever is added.
+    // The empty section, and a clone of it, drop whatever is added and say
+    // how much text they dropped.
     FileSection& missing = content.getSection(FUNCTIONS_SECTION);
     std::unique_ptr<FileSection> missingClone = missing.clone();
     for (FileSection* s : {&missing, missingClone.get()}) {
-        s->addContent("dropped");
-        s->addContent_cstr("dropped");
-        s->addFragment(fragment("dropped"));
+        vel::diag::WarningCollector warnings;
+        s->addContent(std::string("dro\0ped", 7));
+        s->addContent_cstr("drop");
+        s->addFragment(fragment("dr"));
+        s->addContent("");
+        s->addContent_cstr(nullptr);
+        s->addFragment(nullptr);
         EXPECT_TRUE(s->isEmpty());
         EXPECT_EQ("", s->getContent());
+        EXPECT_EQ(
+            (Strings{"VelCG:VelCGFileContent:MissingSection(7)", "VelCG:VelCGFileContent:MissingSection(4)",
+                     "VelCG:VelCGFileContent:MissingSection(2)"}),
+            warningsOf(warnings));
     }
     EXPECT_EQ(&missing, &content.getSection(static_cast<VelCGFileSectionKind>(-5)));
     EXPECT_TRUE(content.isEmpty());

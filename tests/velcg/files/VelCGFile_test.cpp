@@ -158,3 +158,49 @@ TEST(VelCGFile, WritingASectionAppendsUnplacedCustomSectionsFirst) {
     EXPECT_EQ("/* banner */\n", custom.getCustomSectionContent("Top", "test"));
     EXPECT_EQ("", writeSection(f, static_cast<VelCGFileSectionKind>(40)));
 }
+
+TEST(VelCGFile, CustomContentThatNeverReachesAWrittenFileIsReportedOnceWhenTheFileIsDestroyed) {
+    vel::diag::WarningCollector warnings;
+    {
+        VelCGModuleFile f("m.c");
+        CustomContents& custom = f.getCustomContent();
+        const struct {
+            const char* name;
+            VelCGFileSectionKind kind;
+            const char* content;
+        } declared[] = {
+            {"Placed", DEFINES_SECTION, "#define PLACED\n"},     // token placed, never retrieved
+            {"Appended", DEFINES_SECTION, "#define APPENDED\n"}, // appended when Defines is written
+            {"Top", BANNER_SECTION, "/* banner */\n"},           // a module file has no banner
+            {"Doc", DOCUMENTATION_SECTION, "doc"},               // never appended
+            {"Taken", DECLARATIONS_SECTION, "int taken;\n"},     // retrieved by the template
+            {"Blank", FUNCTIONS_SECTION, ""},                    // nothing to lose
+        };
+        for (const auto& d : declared) {
+            custom.addCustomSection(d.name, d.kind);
+            custom.addContentToSection(d.name, d.content);
+        }
+        custom.setCustomTokenInUse("Placed");
+        EXPECT_EQ("int taken;\n", custom.getCustomSectionContent("Taken", "test"));
+
+        std::string written;
+        for (int k = BANNER_SECTION; k <= USERBOTTOM_SECTION; ++k)
+            written += writeSection(f, static_cast<VelCGFileSectionKind>(k));
+        EXPECT_EQ("#define APPENDED\n", written);
+        EXPECT_TRUE(warnings.warnings().empty()) << "the file can still be written";
+    }
+    const std::vector<std::string> lost = {
+        "VelCG:CustomContents:NoBuiltinSection(m.c, Top, Banner, 13)",
+        "VelCG:CustomContents:PlacedNotRetrieved(m.c, Placed, 15)",
+        "VelCG:CustomContents:NotWritten(m.c, Doc, Documentation, 3)",
+    };
+    EXPECT_EQ(lost, files_testing::warningsOf(warnings));
+
+    // A file never written loses nothing to its output, so it says nothing.
+    {
+        VelCGModuleFile unwritten("u.c");
+        unwritten.getCustomContent().addCustomSection("Top", BANNER_SECTION);
+        unwritten.getCustomContent().addContentToSection("Top", "/* banner */\n");
+    }
+    EXPECT_EQ(lost, files_testing::warningsOf(warnings));
+}

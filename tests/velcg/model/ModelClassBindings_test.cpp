@@ -829,10 +829,18 @@ TEST_F(ModelClassWrites, LeafElementsWriteReordersTheLeaves) {
     EXPECT_EQ(L"leaf2", s.taq->getLeafElements()[0]->getName());
 }
 
-TEST_F(ModelClassWrites, WritingEmbeddedTypeHasNoEffect) {
+TEST_F(ModelClassWrites, WritingEmbeddedTypeHasNoEffectAndIsReported) {
     const CG::EmbeddedType* embedded = s.cgType->getEmbeddedType();
+    vel::diag::WarningCollector warnings;
     client.setProperty(s.cgType->makeRef(), "EmbeddedType", *tuvArray::empty());
     EXPECT_EQ(embedded, s.cgType->getEmbeddedType());
+    ASSERT_EQ(1u, warnings.warnings().size());
+    EXPECT_EQ("VelCG:Binding:IgnoredWrite", warnings.warnings()[0].identifier());
+    EXPECT_EQ((std::vector<std::string>{"VelCGType", "int32_t", "EmbeddedType"}),
+              warnings.warnings()[0].arguments());
+    // Reading is not a write.
+    client.getProperty(s.cgType->makeRef(), "EmbeddedType");
+    EXPECT_EQ(1u, warnings.warnings().size());
 }
 
 TEST_F(ModelClassWrites, EveryOtherModelPropertyIsReadOnly) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -53,5 +54,54 @@ private:
 // Shorthands for the common case of creating and throwing at once.
 [[noreturn]] VELHOST_API void throwError(std::string identifier, std::vector<std::string> arguments);
 [[noreturn]] VELHOST_API void throwErrorText(std::string identifier, std::string text);
+
+// Warnings: diagnostics about text or values the library drops by design,
+// raised without changing what the raising code does.
+//
+// A warning goes to every WarningCollector alive on the raising thread;
+// when none is, to the process-wide sink; when no sink is installed (the
+// default), it is discarded. The sink may be called from several threads
+// at once and must not throw.
+using WarningSink = std::function<void(const Diagnostic&)>;
+
+// Creates the warning from the catalog and delivers it. Never throws: a
+// warning that cannot be created or delivered is dropped.
+VELHOST_API void warn(std::string identifier, std::vector<std::string> arguments) noexcept;
+
+// Installs the process-wide sink (an empty function discards warnings) and
+// returns the one it replaces.
+VELHOST_API WarningSink setWarningSink(WarningSink sink);
+
+// Installs a process-wide sink for its lifetime, then puts back the sink it
+// replaced.
+class VELHOST_API ScopedWarningSink {
+public:
+    explicit ScopedWarningSink(WarningSink sink);
+    ~ScopedWarningSink();
+    ScopedWarningSink(const ScopedWarningSink&) = delete;
+    ScopedWarningSink& operator=(const ScopedWarningSink&) = delete;
+
+private:
+    WarningSink previous_;
+};
+
+// Records every warning raised on the thread that created it, while it is
+// alive; the sink does not see them. Collectors nest: each one alive
+// records the warning. Must be destroyed on the thread that created it.
+class VELHOST_API WarningCollector {
+public:
+    WarningCollector();
+    ~WarningCollector();
+    WarningCollector(const WarningCollector&) = delete;
+    WarningCollector& operator=(const WarningCollector&) = delete;
+
+    // In the order raised.
+    const std::vector<Diagnostic>& warnings() const { return warnings_; }
+    void clear() { warnings_.clear(); }
+
+private:
+    friend void warn(std::string, std::vector<std::string>) noexcept;
+    std::vector<Diagnostic> warnings_;
+};
 
 } // namespace vel::diag
