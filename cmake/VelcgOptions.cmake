@@ -9,10 +9,28 @@ if(VELCG_WARNINGS_AS_ERRORS)
     $<$<CXX_COMPILER_ID:MSVC>:/WX>)
 endif()
 
-if(VELCG_SANITIZER)
+# The sanitizers of VELCG_SANITIZER, lower-cased. The fuzz targets need
+# libFuzzer, which only clang provides, and always run under
+# AddressSanitizer and UndefinedBehaviorSanitizer.
+set(_sanitizers "")
+foreach(_san IN LISTS VELCG_SANITIZER)
+  string(TOLOWER "${_san}" _san)
+  list(APPEND _sanitizers "${_san}")
+endforeach()
+if(VELCG_BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "VELCG_BUILD_FUZZERS needs clang (libFuzzer)")
+  endif()
+  if("thread" IN_LIST _sanitizers)
+    message(FATAL_ERROR "VELCG_BUILD_FUZZERS cannot be combined with the Thread sanitizer")
+  endif()
+  list(APPEND _sanitizers address undefined)
+  list(REMOVE_DUPLICATES _sanitizers)
+endif()
+
+if(_sanitizers)
   set(_san_flags "")
-  foreach(_san IN LISTS VELCG_SANITIZER)
-    string(TOLOWER "${_san}" _san)
+  foreach(_san IN LISTS _sanitizers)
     if(_san STREQUAL "address")
       list(APPEND _san_flags -fsanitize=address)
     elseif(_san STREQUAL "undefined")
@@ -28,6 +46,12 @@ if(VELCG_SANITIZER)
   add_link_options(${_san_flags})
 endif()
 
+# Every target is instrumented for libFuzzer's coverage feedback; only the
+# fuzz targets link the fuzzer runtime and its main (velcg_fuzzer).
+if(VELCG_BUILD_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # Declares a GoogleTest executable and registers its tests with CTest.
 function(velcg_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
@@ -36,4 +60,13 @@ function(velcg_test name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
     PROPERTIES LABELS "${ARG_LABELS}")
+endfunction()
+
+# Declares a libFuzzer target: one source defining LLVMFuzzerTestOneInput,
+# linked with the fuzzer runtime and its main.
+function(velcg_fuzzer name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} velcg_build_flags)
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
 endfunction()

@@ -8,7 +8,7 @@ packages=(
   libboost-dev libboost-filesystem-dev libboost-thread-dev libboost-locale-dev
   libsqlite3-dev sqlite3 libsqlitecpp-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  clang-format
+  clang-format clang libclang-rt-dev
   pybind11-dev python3-dev python3-pytest python3-jsonschema
 )
 

@@ -6,7 +6,9 @@
 #      its programs running a Python template; the installed module imports;
 #   3. the whole suite under ThreadSanitizer (the tests labelled "threads"
 #      start threads of their own; the rest check that nothing else races);
-#   4. the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer.
+#   4. the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer;
+#   5. every libFuzzer target for 60 seconds on its checked-in corpus
+#      (scripts/fuzz.sh), failing on any finding.
 # The presets of steps 2 to 4 treat compiler warnings as errors.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -49,3 +51,6 @@ echo "== all tests under AddressSanitizer and UndefinedBehaviorSanitizer"
 cmake --preset asan >/dev/null
 cmake --build --preset asan -j "$jobs"
 ctest --preset asan -j "$jobs"
+
+echo "== fuzz targets, 60 s each"
+scripts/fuzz.sh 60

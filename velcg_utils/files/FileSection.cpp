@@ -113,9 +113,10 @@ void FileSection::writeToFile(std::FILE* stream) const {
         // A plain string fragment writes exactly its text, so its bytes can
         // join the block; any other class of fragment writes itself, after
         // what came before it.
-        if (typeid(*f) == typeid(StringFileSectionFragment)) {
-            out.append(
-                static_cast<const StringFileSectionFragment&>(*f).StringFileSectionFragment::getContent());
+        const FileSectionFragment& fragment = *f;
+        if (typeid(fragment) == typeid(StringFileSectionFragment)) {
+            out.append(static_cast<const StringFileSectionFragment&>(fragment)
+                           .StringFileSectionFragment::getContent());
         } else {
             out.flush();
             f->writeToFile(stream);
