@@ -147,9 +147,9 @@ py::object makePropertyDescriptorType() {
                                   {Py_tp_dealloc, reinterpret_cast<void*>(&propertyDealloc)},
                                   {Py_tp_doc, const_cast<char*>("A property of an object-system class.")},
                                   {0, nullptr}};
-    static PyType_Spec spec = {"velcg.PropertyDescriptor", sizeof(PropertyDescriptorObject), 0,
-                               Py_TPFLAGS_DEFAULT, slots};
-    PyObject* type = PyType_FromSpec(&spec);
+    static PyType_Spec descriptorType = {"velcg.PropertyDescriptor", sizeof(PropertyDescriptorObject), 0,
+                                         Py_TPFLAGS_DEFAULT, slots};
+    PyObject* type = PyType_FromSpec(&descriptorType);
     if (!type) throw py::error_already_set();
     return py::reinterpret_steal<py::object>(type);
 }

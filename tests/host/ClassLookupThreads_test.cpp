@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "PackageTesting.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -18,36 +19,28 @@ namespace {
 using korb::ClassInfo;
 using korb::ObjectSystem;
 
-class Package : public korb::PackageInfo {
-public:
-    const char* getName() const override { return "Lk"; }
-    void registerClasses(ObjectSystem& s) override {
+using Named = testing_support::NamedObject;
+
+// Eight classes "Lk.C0" to "Lk.C7", each answering "Index" with its number.
+std::unique_ptr<korb::PackageInfo> eightClasses() {
+    return std::make_unique<testing_support::FunctionPackage>("Lk", [](ObjectSystem& s) {
         for (int k = 0; k < 8; ++k)
             s.registerClass(ClassInfo::make("C" + std::to_string(k), "one of several", [k](ClassInfo& c) {
                 c.property("Index", korb::getterFn<Named>([k](const Named&) { return k; }));
             }));
-    }
-
-    class Named : public vel::mi::Handle {
-    public:
-        explicit Named(std::string type) : type_(std::move(type)) {}
-        const char* getFullyQualifiedKorbTypeName() const override { return type_.c_str(); }
-
-    private:
-        std::string type_;
-    };
-};
+    });
+}
 
 TEST(ClassLookup, ReadsFromSeveralThreadsAgree) {
     ObjectSystem system;
-    system.addPackage(std::make_unique<Package>());
+    system.addPackage(eightClasses());
     const korb::Client& client = system.getPublicClient();
     // Handles are referenced on the host's thread; the references are then
     // shared.
-    std::vector<std::unique_ptr<Package::Named>> objects;
+    std::vector<std::unique_ptr<Named>> objects;
     std::vector<vel::mi::HandleRef> refs;
     for (int k = 0; k < 8; ++k) {
-        objects.push_back(std::make_unique<Package::Named>("Lk.C" + std::to_string(k)));
+        objects.push_back(std::make_unique<Named>("Lk.C" + std::to_string(k)));
         refs.push_back(objects.back()->makeRef());
     }
     std::vector<int> wrong(4, 0);

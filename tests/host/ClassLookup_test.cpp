@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "DiagnosticTesting.hpp"
+#include "PackageTesting.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -21,28 +22,8 @@ using korb::ClassInfo;
 using korb::ObjectSystem;
 using testing_support::diagnosticOf;
 
-class Package : public korb::PackageInfo {
-public:
-    Package(const char* name, std::function<void(ObjectSystem&)> classes)
-        : name_(name), classes_(std::move(classes)) {}
-    const char* getName() const override { return name_; }
-    void registerClasses(ObjectSystem& system) override { classes_(system); }
-
-private:
-    const char* name_;
-    std::function<void(ObjectSystem&)> classes_;
-};
-
-// An object of any class, named at run time (so that its type name is not a
-// literal and two objects of one class name it at different addresses).
-class Named : public vel::mi::Handle {
-public:
-    explicit Named(std::string type) : type_(std::move(type)) {}
-    const char* getFullyQualifiedKorbTypeName() const override { return type_.c_str(); }
-
-private:
-    std::string type_;
-};
+using Package = testing_support::FunctionPackage;
+using Named = testing_support::NamedObject;
 
 // Derived from a bound class, and a handle reached through a second base:
 // both need the pointer adjustment of a real cast.

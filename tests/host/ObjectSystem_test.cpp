@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "DiagnosticTesting.hpp"
+#include "PackageTesting.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/Client.hpp"
 #include "korb/PackageInfo.hpp"
@@ -17,19 +18,7 @@ using korb::ClassInfo;
 using korb::ObjectSystem;
 using testing_support::diagnosticOf;
 
-// A package whose classes are declared by a function, so that each test
-// states the classes it registers.
-class Package : public korb::PackageInfo {
-public:
-    Package(const char* name, std::function<void(ObjectSystem&)> classes)
-        : name_(name), classes_(std::move(classes)) {}
-    const char* getName() const override { return name_; }
-    void registerClasses(ObjectSystem& system) override { classes_(system); }
-
-private:
-    const char* name_;
-    std::function<void(ObjectSystem&)> classes_;
-};
+using Package = testing_support::FunctionPackage;
 
 std::unique_ptr<Package> twoClasses(const char* name) {
     return std::make_unique<Package>(name, [name](ObjectSystem& s) {
