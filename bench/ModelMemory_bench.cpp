@@ -35,9 +35,9 @@
 
 #if defined(__linux__)
 #include <malloc.h>
-#include <unistd.h>
 #endif
 
+#include "vel/sys/Process.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/GraphicalBlock.hpp"
@@ -87,20 +87,6 @@ struct ProcessMemory {
 #endif
     }
 
-    static std::uint64_t residentBytes() {
-#if defined(__linux__)
-        std::FILE* file = std::fopen("/proc/self/statm", "r");
-        if (!file) return 0;
-        unsigned long long size = 0;
-        unsigned long long resident = 0;
-        const int read = std::fscanf(file, "%llu %llu", &size, &resident);
-        std::fclose(file);
-        return read == 2 ? resident * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)) : 0;
-#else
-        return 0;
-#endif
-    }
-
     // Returns freed memory to the system, so that resident growth measured
     // from here is this run's own.
     static void trim() {
@@ -143,13 +129,13 @@ struct MemoryProbe {
         heap = ProcessMemory::heapInUse();
         allocations = allocationCount.load(std::memory_order_relaxed);
         releases = releaseCount.load(std::memory_order_relaxed);
-        resident = ProcessMemory::residentBytes();
+        resident = vel::sys::residentBytes();
     }
     void finish(Measurement& m) const {
         m.heapBytes = ProcessMemory::heapInUse() - heap;
         m.allocationCalls = allocationCount.load(std::memory_order_relaxed) - allocations;
         m.allocations = m.allocationCalls - (releaseCount.load(std::memory_order_relaxed) - releases);
-        const std::uint64_t now = ProcessMemory::residentBytes();
+        const std::uint64_t now = vel::sys::residentBytes();
         m.residentBytes = now > resident ? now - resident : 0;
     }
 };

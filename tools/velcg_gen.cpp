@@ -1,6 +1,6 @@
 // Generates code for a model described in a file:
 //
-//   velcg-gen MODEL.json TEMPLATE.py -o OUTDIR [--times]
+//   velcg-gen MODEL.json TEMPLATE.py -o OUTDIR [--times] [--repeat N]
 //
 // Loads the model description, creates the repository with the files it
 // describes, runs the Python template on them (globals: model, repository,
@@ -12,12 +12,21 @@
 // time the caller spent in or waiting for either pass; at the switch's
 // default the first pass runs while the template does).
 //
+// --repeat N runs the whole generation N times in this process (a soak:
+// each run loads the description anew and overwrites OUTDIR), prints what
+// the last run wrote, and reports resident memory after the first run, the
+// tenth of the runs and the last, so that growth between the last two shows
+// memory kept from run to run. A failing run ends the repetition.
+//
 // Exit status: 0 on success, 1 for bad input (usage, description, files),
 // 2 when the template raised (its traceback is printed). Warnings about
 // text the library dropped go to standard error as
 // "velcg-gen: warning: IDENTIFIER: MESSAGE" and do not change the status.
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <memory>
@@ -29,6 +38,7 @@
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/i18n/Text.hpp"
 #include "vel/io/Stream.hpp"
+#include "vel/sys/Process.hpp"
 #include "velcg/velcg.hpp"
 
 namespace {
@@ -41,11 +51,12 @@ struct Options {
     std::string templatePath;
     std::string outputDirectory;
     bool times = false;
+    long repeat = 1;
 };
 
 int usage(const char* message) {
     if (message) std::fprintf(stderr, "velcg-gen: %s\n", message);
-    std::fprintf(stderr, "usage: velcg-gen MODEL.json TEMPLATE.py -o OUTDIR [--times]\n");
+    std::fprintf(stderr, "usage: velcg-gen MODEL.json TEMPLATE.py -o OUTDIR [--times] [--repeat N]\n");
     return 1;
 }
 
@@ -60,6 +71,13 @@ bool parseArguments(int argc, char** argv, Options& options, const char*& error,
             options.outputDirectory = argv[i];
         } else if (!std::strcmp(argv[i], "--times")) {
             options.times = true;
+        } else if (!std::strcmp(argv[i], "--repeat")) {
+            char* end = nullptr;
+            options.repeat = ++i == argc ? 0 : std::strtol(argv[i], &end, 10);
+            if (i == argc || *end != '\0' || options.repeat < 1 || options.repeat > 1000000) {
+                error = "--repeat needs a count from 1 to 1000000";
+                return false;
+            }
         } else if (argv[i][0] == '-' && argv[i][1] != '\0') {
             error = argv[i];
             unknownOption = true;
@@ -147,30 +165,10 @@ std::size_t blockCount(const VelCG::CGModel& model) {
 
 double seconds(Clock::duration d) { return std::chrono::duration<double>(d).count(); }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    Options options;
-    const char* error = nullptr;
-    bool unknownOption = false;
-    if (!parseArguments(argc, argv, options, error, unknownOption))
-        return usage(unknownOption ? ("unknown option " + std::string(error)).c_str() : error);
-
-    Progress progress;
-    PlexoInitialize_velcg();
-    int status = 0;
-    // Failures the model can only report (a serialization pass that failed
-    // while the model was being destroyed) make the run fail too.
-    VelCG::setDiagnosticReporter([&status](const vel::diag::Diagnostic& d) {
-        std::fprintf(stderr, "velcg-gen: %s\n", d.message().c_str());
-        status = 1;
-    });
-    // Text or values the library dropped by design are reported, without
-    // failing the run.
-    const vel::diag::ScopedWarningSink warnings([&progress](const vel::diag::Diagnostic& d) {
-        progress.done();
-        std::fprintf(stderr, "velcg-gen: warning: %s: %s\n", d.identifier().c_str(), d.message().c_str());
-    });
+// One generation from the description to the descriptor. Failures are
+// reported here and set status (1, or 2 when the template raised); the
+// diagnostic reporter sets it too. With report, prints what was written.
+void generate(const Options& options, Progress& progress, int& status, bool report) {
     try {
         const fs::path directory(options.outputDirectory);
         fs::create_directories(directory);
@@ -219,6 +217,7 @@ int main(int argc, char** argv) {
         progress.done();
 
         if (status != 0) throw AlreadyReported();
+        if (!report) return;
         for (const Written& f : files) std::printf("wrote %s (%ju bytes)\n", f.path.c_str(), f.bytes);
         const fs::path descriptor = directory / VelCG::CGModel::kCodeDescriptorFileName;
         std::printf("wrote %s (%zu blocks)\n", descriptor.string().c_str(), blocks);
@@ -236,6 +235,49 @@ int main(int argc, char** argv) {
         progress.done();
         std::fprintf(stderr, "velcg-gen: %s\n", e.what());
         status = 1;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    const char* error = nullptr;
+    bool unknownOption = false;
+    if (!parseArguments(argc, argv, options, error, unknownOption))
+        return usage(unknownOption ? ("unknown option " + std::string(error)).c_str() : error);
+
+    Progress progress;
+    PlexoInitialize_velcg();
+    int status = 0;
+    // Failures the model can only report (a serialization pass that failed
+    // while the model was being destroyed) make the run fail too.
+    VelCG::setDiagnosticReporter([&status](const vel::diag::Diagnostic& d) {
+        std::fprintf(stderr, "velcg-gen: %s\n", d.message().c_str());
+        status = 1;
+    });
+    // Text or values the library dropped by design are reported, without
+    // failing the run.
+    const vel::diag::ScopedWarningSink warnings([&progress](const vel::diag::Diagnostic& d) {
+        progress.done();
+        std::fprintf(stderr, "velcg-gen: warning: %s: %s\n", d.identifier().c_str(), d.message().c_str());
+    });
+    // Resident memory after the first run, the tenth of the runs and the last.
+    const long tenth = std::max(1L, options.repeat / 10);
+    std::uint64_t resident[3] = {};
+    for (long run = 1; run <= options.repeat && status == 0; ++run) {
+        generate(options, progress, status, run == options.repeat);
+        if (run == 1) resident[0] = vel::sys::residentBytes();
+        if (run == tenth) resident[1] = vel::sys::residentBytes();
+        if (run == options.repeat) resident[2] = vel::sys::residentBytes();
+    }
+    if (options.repeat > 1 && status == 0) {
+        const double mib = 1024.0 * 1024.0;
+        std::fprintf(stderr,
+                     "velcg-gen: %ld runs; resident memory %.1f MiB after run 1, %.1f MiB after run %ld, "
+                     "%.1f MiB after run %ld\n",
+                     options.repeat, resident[0] / mib, resident[1] / mib, tenth, resident[2] / mib,
+                     options.repeat);
     }
     VelCG::PythonRuntime::shutdown();
     PlexoTerminate_velcg();

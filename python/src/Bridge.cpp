@@ -48,7 +48,7 @@ struct CustomContentsState {
 BridgeState makeBridge(py::handle repository) {
     if (!py::isinstance<ObjectState>(repository))
         vel::diag::throwError("VelCG:Python:NotARepository", {describePython(repository)});
-    const ObjectState& state = repository.cast<const ObjectState&>();
+    const ObjectState& state = stateOf(repository);
     vel::mi::Handle& object = live(state.ref);
     if (!dynamic_cast<VelCGFileRepository*>(&object))
         vel::diag::throwError("VelCG:Python:NotARepository", {state.className});
@@ -164,7 +164,7 @@ void writeSection(const BridgeState& self, std::int32_t fileIndex, const std::st
 
 void defineBridge(py::module_& module) {
     using Contents = CustomContentsState;
-    py::class_<Contents>(module, "CustomContents",
+    py::class_<Contents>(module, "CustomContents", nativeInstancesOnly(),
                          "The custom sections and tokens that a file's code template declared.")
         .def(
             "isCustomSection",
@@ -188,7 +188,7 @@ void defineBridge(py::module_& module) {
             py::arg("name"));
 
     using B = BridgeState;
-    py::class_<B>(module, "Bridge", R"(The script bridge of a file repository.
+    py::class_<B>(module, "Bridge", nativeInstancesOnly(), R"(The script bridge of a file repository.
 
 Files are addressed by their index in the repository's file list,
 attributes and sections by name.)")

@@ -55,20 +55,6 @@ struct MethodDescriptor {
     std::string name;
 };
 
-// The native state of a velcg.Object, straight from the instance; any other
-// target takes pybind11's cast, which refuses it.
-const ObjectState& stateOf(PyObject* target) {
-    PyObject* base = objectBaseType().ptr();
-    if (base && PyObject_TypeCheck(target, reinterpret_cast<PyTypeObject*>(base))) {
-        auto* instance = reinterpret_cast<py::detail::instance*>(target);
-        if (instance->simple_layout && instance->simple_holder_constructed)
-            return *static_cast<const ObjectState*>(instance->simple_value_holder[0]);
-        // Made by __new__ alone: there is no state to read.
-        if (instance->simple_layout) throw py::type_error("the velcg object was never initialized");
-    }
-    return py::handle(target).cast<const ObjectState&>();
-}
-
 // Sets the Python error for the exception being handled, as pybind11 does
 // for its own functions (velcg.Error for host diagnostics).
 void raiseCurrentException() {
@@ -202,7 +188,8 @@ const vel::mi::HandleClass& classOfLive(const vel::mi::Handle& object) { return 
     vel::diag::throwError(identifier, std::move(leading));
 }
 
-py::object getAttribute(const ObjectState& self, const std::string& name) {
+py::object getAttribute(py::handle target, const std::string& name) {
+    const ObjectState& self = stateOf(target);
     vel::mi::Handle& object = live(self.ref);
     const vel::mi::HandleClass& cls = classOfLive(object);
     if (const auto* property = client().findProperty(cls, name)) {
@@ -255,11 +242,17 @@ py::object callMethod(const BoundMethod& self, py::args args) {
                     shapeOf(method->binder->resultType(), method->binder->returnsOneObject(), std::string()));
 }
 
-std::vector<std::string> memberNames(const ObjectState& self) {
-    const vel::mi::Handle& object = live(self.ref);
+std::vector<std::string> memberNames(py::handle target) {
+    const vel::mi::Handle& object = live(stateOf(target).ref);
     std::vector<std::string> names = client().getPropertyNames(object);
     for (std::string& m : client().getMethodNames(object)) names.push_back(std::move(m));
     return names;
+}
+
+// Whether other is a velcg.Object for the same native object as self.
+bool sameObject(py::handle self, py::handle other) {
+    const ObjectState& state = stateOf(self);
+    return py::isinstance<ObjectState>(other) && state.ref.sameObject(stateOf(other).ref);
 }
 
 ObjectState fromCapsule(const py::capsule& capsule) {
@@ -272,6 +265,25 @@ ObjectState fromCapsule(const py::capsule& capsule) {
 }
 
 } // namespace
+
+// The native state of a velcg.Object, straight from the instance; any other
+// target takes pybind11's cast, which refuses it.
+const ObjectState& stateOf(py::handle target) {
+    PyObject* base = objectBaseType().ptr();
+    if (base && PyObject_TypeCheck(target.ptr(), reinterpret_cast<PyTypeObject*>(base))) {
+        auto* instance = reinterpret_cast<py::detail::instance*>(target.ptr());
+        if (instance->simple_layout && instance->simple_holder_constructed)
+            return *static_cast<const ObjectState*>(instance->simple_value_holder[0]);
+        // Made by __new__ alone: there is no state to read.
+        if (instance->simple_layout) throw py::type_error("the velcg object was never initialized");
+    }
+    return target.cast<const ObjectState&>();
+}
+
+py::custom_type_setup nativeInstancesOnly() {
+    return py::custom_type_setup(
+        [](PyHeapTypeObject* type) { type->ht_type.tp_flags |= Py_TPFLAGS_DISALLOW_INSTANTIATION; });
+}
 
 vel::mi::Handle& live(const vel::mi::HandleRef& ref) {
     vel::mi::Handle* object = ref.get();
@@ -308,33 +320,28 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
         .def(py::init(&fromCapsule), py::arg("handle"),
              "The object behind a capsule named \"vel.mi.Handle\" that holds a native handle pointer.")
         .def("__getattr__", &getAttribute)
-        .def("__setattr__", &setAttribute)
+        .def("__setattr__", [](py::handle self, const std::string& name,
+                               py::handle value) { setAttribute(stateOf(self), name, value); })
         .def("__dir__", &memberNames)
         .def("__repr__",
-             [](const ObjectState& self) {
-                 return "<" + self.className + (self.ref ? " object>" : " object (destroyed)>");
+             [](py::handle self) {
+                 const ObjectState& state = stateOf(self);
+                 return "<" + state.className + (state.ref ? " object>" : " object (destroyed)>");
              })
-        .def("__eq__",
-             [](const ObjectState& self, py::object other) {
-                 return py::isinstance<ObjectState>(other) &&
-                        self.ref.sameObject(other.cast<const ObjectState&>().ref);
-             })
-        .def("__ne__",
-             [](const ObjectState& self, py::object other) {
-                 return !(py::isinstance<ObjectState>(other) &&
-                          self.ref.sameObject(other.cast<const ObjectState&>().ref));
-             })
+        .def("__eq__", [](py::handle self, py::handle other) { return sameObject(self, other); })
+        .def("__ne__", [](py::handle self, py::handle other) { return !sameObject(self, other); })
         .def("__hash__",
-             [](const ObjectState& self) { return std::hash<const void*>()(self.ref.identity()); });
+             [](py::handle self) { return std::hash<const void*>()(stateOf(self).ref.identity()); });
     objectBaseType() = object;
 
-    py::class_<BoundMethod>(module, "Method", "A method of one native object; call it with its arguments.")
+    py::class_<BoundMethod>(module, "Method", nativeInstancesOnly(),
+                            "A method of one native object; call it with its arguments.")
         .def("__call__", &callMethod)
         .def("__repr__", [](const BoundMethod& self) {
             return "<method " + self.name + " of " + self.className + " object>";
         });
 
-    py::class_<DataInterfaceValue>(module, "DataInterface",
+    py::class_<DataInterfaceValue>(module, "DataInterface", nativeInstancesOnly(),
                                    "Where a piece of model data lives in generated code.")
         .def_property_readonly(
             "identifier", [](const DataInterfaceValue& d) { return d.value->getDescription().identifier; })
@@ -358,7 +365,8 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
             return "<coder.DataInterface " + d.value->getDescription().identifier + ">";
         });
 
-    py::class_<EmbeddedTypeValue>(module, "EmbeddedType", "A type of the code generator's type system.")
+    py::class_<EmbeddedTypeValue>(module, "EmbeddedType", nativeInstancesOnly(),
+                                  "A type of the code generator's type system.")
         .def_property_readonly("name", [](const EmbeddedTypeValue& t) { return t.value->getName(); })
         .def("__eq__",
              [](const EmbeddedTypeValue& self, py::object other) {
@@ -369,21 +377,23 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
         .def("__repr__",
              [](const EmbeddedTypeValue& t) { return "<embedded.type " + t.value->getName() + ">"; });
 
-    py::class_<HostValue>(module, "HostValue", "A host value of a foreign class, passed through unchanged.")
+    py::class_<HostValue>(module, "HostValue", nativeInstancesOnly(),
+                          "A host value of a foreign class, passed through unchanged.")
         .def_property_readonly("className", [](const HostValue& v) { return v.value->className(); })
         .def("__repr__", [](const HostValue& v) { return "<" + v.value->describe() + ">"; });
 
     module.def(
-        "classOf", [](const ObjectState& self) { return classOfLive(live(self.ref)).getQualifiedName(); },
+        "classOf", [](py::handle obj) { return classOfLive(live(stateOf(obj).ref)).getQualifiedName(); },
         py::arg("obj"), "The fully qualified object-system class of a live object.");
 
     propertyDescriptorType() = makePropertyDescriptorType();
     module.attr("PropertyDescriptor") = propertyDescriptorType();
-    py::class_<MethodDescriptor>(module, "MethodDescriptor", "A method of an object-system class.")
+    py::class_<MethodDescriptor>(module, "MethodDescriptor", nativeInstancesOnly(),
+                                 "A method of an object-system class.")
         .def("__get__",
              [](const MethodDescriptor& self, py::handle target, py::handle) -> py::object {
                  if (target.is_none()) return py::cast(self);
-                 const ObjectState& state = target.cast<const ObjectState&>();
+                 const ObjectState& state = stateOf(target);
                  live(state.ref);
                  return py::cast(BoundMethod{state.ref, state.className, self.name});
              })

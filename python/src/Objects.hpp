@@ -40,6 +40,16 @@ struct HostValue {
     tuvArrayPtr value;
 };
 
+// The state of a velcg.Object (of any of its classes). An instance that
+// __new__ made without __init__ has none: TypeError, as for any other
+// Python object.
+const ObjectState& stateOf(py::handle target);
+
+// For the classes whose instances only native code makes: Python cannot
+// create one (Class.__new__(Class) raises TypeError), so that no method
+// meets an instance that was never initialized.
+py::custom_type_setup nativeInstancesOnly();
+
 // The live native object, or "Korb:InvalidHandle".
 vel::mi::Handle& live(const vel::mi::HandleRef& ref);
 

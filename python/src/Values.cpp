@@ -87,7 +87,7 @@ tuvArrayPtr listValue(py::handle v) {
     if (allObjects) {
         std::vector<vel::mi::HandleRef> refs;
         refs.reserve(n);
-        for (py::handle item : items) refs.push_back(item.cast<const ObjectState&>().ref);
+        for (py::handle item : items) refs.push_back(stateOf(item).ref);
         return tuvArray::objects(std::move(refs));
     }
     tuvArrayPtr cells = tuvArray::cell(1, n);
@@ -99,7 +99,7 @@ tuvArrayPtr listValue(py::handle v) {
 // each Python type.
 tuvArrayPtr anyValue(py::handle v) {
     if (v.is_none()) return tuvArray::empty();
-    if (py::isinstance<ObjectState>(v)) return tuvArray::objects({v.cast<const ObjectState&>().ref});
+    if (py::isinstance<ObjectState>(v)) return tuvArray::objects({stateOf(v).ref});
     if (py::isinstance<DataInterfaceValue>(v))
         return CG::DataInterface::toTuvArray(v.cast<const DataInterfaceValue&>().value.get());
     if (py::isinstance<EmbeddedTypeValue>(v))

@@ -434,3 +434,23 @@ def test_properties_are_descriptors_of_their_class(objects):
             descriptor.__get__(target, type(target))
         with pytest.raises((TypeError, RuntimeError)):
             descriptor.__set__(target, "x")
+
+
+def test_instances_never_initialized_are_refused_not_read(objects):
+    # Classes whose instances only native code makes cannot be made from Python.
+    for cls in (velcg.Bridge, velcg.CustomContents, velcg.Method, velcg.DataInterface,
+                velcg.EmbeddedType, velcg.HostValue, velcg.MethodDescriptor):
+        with pytest.raises(TypeError):
+            cls.__new__(cls)
+    # An object that __new__ made without __init__ has no native state: every
+    # use of it raises TypeError instead of reading memory.
+    for bare in (velcg.Object.__new__(velcg.Object), velcg.VelCGType.__new__(velcg.VelCGType)):
+        uses = (repr, hash, dir, velcg.classOf, velcg.bridge,
+                lambda o: o == objects["cgType"], lambda o: objects["cgType"] == o,
+                lambda o: o.getName, lambda o: setattr(o, "Name", "x"),
+                lambda o: velcg.Object.__getattr__(o, "Name"),
+                lambda o: type(objects["velType"]).__dict__["getName"].__get__(o, type(o)),
+                lambda o: setattr(objects["system"], "GraphicalCallsites", [o]))
+        for use in uses:
+            with pytest.raises(TypeError):
+                use(bare)
