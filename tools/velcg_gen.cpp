@@ -23,6 +23,7 @@
 // text the library dropped go to standard error as
 // "velcg-gen: warning: IDENTIFIER: MESSAGE" and do not change the status.
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -136,18 +137,25 @@ std::vector<Written> writeFiles(VelCG::VelCGFileRepository& repository, const fs
             std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(path.string().c_str(), "wb"),
                                                                    &std::fclose);
             if (!stream)
-                vel::diag::throwErrorText("VelCG:Gen:CannotWrite",
-                                          "Cannot open '" + path.string() + "' for writing.");
-            for (int kind = VelCG::BANNER_SECTION; kind <= VelCG::USERBOTTOM_SECTION; ++kind) {
-                const std::string section =
-                    VelCG::getScrivSectionNameFromEnum(static_cast<VelCG::VelCGFileSectionKind>(kind));
-                if (section.empty()) continue;
-                bridge.appendMissingTokens(i, section);
-                bridge.writeSection(i, section, stream.get());
+                vel::diag::throwErrorText(
+                    "VelCG:Gen:CannotWrite",
+                    "Cannot open '" + path.string() + "' for writing: " + std::strerror(errno) + ".");
+            // A failure names the file; the files written before it stay as
+            // they are, and this one is not marked written.
+            try {
+                for (int kind = VelCG::BANNER_SECTION; kind <= VelCG::USERBOTTOM_SECTION; ++kind) {
+                    const std::string section =
+                        VelCG::getScrivSectionNameFromEnum(static_cast<VelCG::VelCGFileSectionKind>(kind));
+                    if (section.empty()) continue;
+                    bridge.appendMissingTokens(i, section);
+                    bridge.writeSection(i, section, stream.get());
+                }
+            } catch (const vel::diag::Exception& e) {
+                vel::diag::throwErrorText(e.identifier(), path.string() + ": " + e.diagnostic().message());
             }
             if (std::fclose(stream.release()) != 0)
-                vel::diag::throwErrorText("VelCG:Gen:CannotWrite",
-                                          "Cannot finish writing '" + path.string() + "'.");
+                vel::diag::throwErrorText("VelCG:Gen:CannotWrite", "Cannot finish writing '" + path.string() +
+                                                                       "': " + std::strerror(errno) + ".");
             bridge.setAttribute(i, "WrittenToDisk", true);
         }
         if (file.isWrittenToDisk() && fs::exists(path))

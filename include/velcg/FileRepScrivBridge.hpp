@@ -50,6 +50,9 @@ class VelCGFileRepository;
 //                                                operation (name)
 //   "VelCG:FileRepScrivBridge:NullArgument"      null value, fragment or stream
 //                                                (argument's name)
+//   "VelCG:FileRepScrivBridge:WriteFailed"       the stream refused a written
+//                                                section when flushed (file name,
+//                                                section name, system's reason)
 //   "Brisk:codeGen:CustomContentInvalidBuiltin"  addCustomSection with an unknown
 //                                                built-in name (custom name, built-in name)
 // Errors of the files' custom contents pass through unchanged.
@@ -89,7 +92,11 @@ public:
     // Writes the named section of the file to an open stream; the caller
     // opens and closes it. Not const: writing first places the custom
     // sections the template declared but never placed, and marks them
-    // retrieved (see VelCGFile::writeSectionToFile).
+    // retrieved (see VelCGFile::writeSectionToFile). Flushes the stream
+    // afterwards, so that a full disk or a file size limit is reported here
+    // rather than at the caller's fclose; a stream in an error state raises
+    // "VelCG:FileRepScrivBridge:WriteFailed" and a write the stream took
+    // short "VelCG:FileSection:WriteFailed", both with the system's reason.
     void writeSection(std::int32_t fileIndex, const std::string& sectionName, std::FILE* stream);
 
 private:

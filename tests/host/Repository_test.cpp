@@ -12,6 +12,7 @@
 
 #include <sqlite3.h>
 
+#include "ChildProcess.hpp"
 #include "DiagnosticTesting.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
@@ -25,6 +26,7 @@ using coder::Transaction;
 using namespace coder::descriptor;
 using testing_support::diagnosticOf;
 using testing_support::fileBytes;
+using testing_support::runInChild;
 using testing_support::TempDir;
 using testing_support::writeBytes;
 
@@ -215,15 +217,18 @@ TEST(Repository, AMissingDirectoryCannotBeOpened) {
 }
 
 TEST(Repository, AWriteProtectedFileIsRefusedForWriting) {
-    if (geteuid() == 0) GTEST_SKIP() << "permissions do not bind the superuser";
     TempDir dir;
     const auto path = dir / "s.strata";
     storeModel(path, u"m");
-    std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+    namespace fs = std::filesystem;
+    fs::permissions(path, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     const std::string before = fileBytes(path);
-    EXPECT_EQ("coder:Repository:ReadOnly", diagnosticOf([&] {
-                  Repository repository(path);
-                  repository.beginTransaction();
+    // Permission bits bind the superuser only once it has dropped its rights.
+    EXPECT_EQ("coder:Repository:ReadOnly", runInChild(testing_support::unprivileged(), [&] {
+                  return diagnosticOf([&] {
+                      Repository repository(path);
+                      repository.beginTransaction();
+                  });
               }));
     EXPECT_EQ(u"m", storedModelName(path));
     EXPECT_EQ(before, fileBytes(path));

@@ -139,6 +139,46 @@ expect_in "$work/stderr" "velcg-gen: warning: VelCG:CustomContents:PlacedNotRetr
   "velcg-gen with a custom section placed but never retrieved"
 ! grep -qF "never retrieved */" "$work/writes/"* || fail "velcg-gen wrote a custom section placed but never retrieved"
 
+# Faults met while writing the generated files: each run fails naming the
+# file, and the files finished before it keep their content. The descriptor
+# is switched off where it would meet the fault first.
+printf 'import shutil\n\nshutil.rmtree(outputDirectory)\n' >"$work/vanishes.py"
+run "$gen" "$examples/sensor_bus/model.json" "$work/vanishes.py" -o "$work/vanished"
+expect_status 1 "velcg-gen into a directory that vanished"
+expect_in "$work/stderr" "velcg-gen: Cannot open '$work/vanished/sensor_bus.h' for writing: No such file or directory." \
+  "velcg-gen into a directory that vanished"
+
+# A file size limit of 2 KiB (sensor_bus.c is larger), with SIGXFSZ ignored so that the write fails
+# instead of killing the process.
+out="$work/limited"
+run bash -c 'trap "" XFSZ; ulimit -f 2; exec "$@"' limited env VEL_FEATURE_VelCGDirectEmitSerialize=0 \
+  "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
+expect_status 1 "velcg-gen under a file size limit"
+expect_in "$work/stderr" "velcg-gen: $out/sensor_bus.c: " "velcg-gen under a file size limit"
+expect_in "$work/stderr" "File too large." "velcg-gen under a file size limit"
+cmp -s "$out/sensor_bus.h" "$work/sensor_bus/sensor_bus.h" ||
+  fail "velcg-gen under a file size limit damaged sensor_bus.h, written before the fault"
+
+# A write-protected output directory; the superuser, whom permissions do not
+# bind, runs velcg-gen as the user nobody (where nobody can reach the build
+# and the example; the library's own tests cover the same fault in any case).
+out="$work/protected"
+mkdir -m 555 "$out"
+as_user=()
+if [ "$(id -u)" -eq 0 ]; then
+  chmod 755 "$work"
+  as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+fi
+if "${as_user[@]}" test -x "$gen" -a -r "$examples/sensor_bus/template.py" 2>/dev/null; then
+  run "${as_user[@]}" env VEL_FEATURE_VelCGDirectEmitSerialize=0 \
+    "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
+  expect_status 1 "velcg-gen into a write-protected directory"
+  expect_in "$work/stderr" "velcg-gen: Cannot open '$out/sensor_bus.h' for writing: Permission denied." \
+    "velcg-gen into a write-protected directory"
+else
+  echo "note: the user nobody cannot run $gen; the write-protected directory case is left out"
+fi
+
 if [ "$failures" -ne 0 ]; then
   echo "$failures check(s) failed; files kept in $work"
   exit 1

@@ -1,5 +1,6 @@
 #include "velcg/FileSection.hpp"
 
+#include <cerrno>
 #include <cstring>
 #include <new>
 #include <ostream>
@@ -17,11 +18,14 @@ namespace files_detail {
 void writeBytes(std::FILE* stream, const char* data, std::size_t size) {
     if (!stream) vel::diag::throwError("VelCG:FileSection:NullStream", {});
     if (size == 0) return;
+    errno = 0;
     if (std::fwrite(data, 1, size, stream) != size)
-        vel::diag::throwError("VelCG:FileSection:WriteFailed", {std::to_string(size)});
+        vel::diag::throwError("VelCG:FileSection:WriteFailed", {std::to_string(size), systemErrorText()});
 }
 
 void writeBytes(std::FILE* stream, const std::string& text) { writeBytes(stream, text.data(), text.size()); }
+
+std::string systemErrorText() { return errno ? std::strerror(errno) : "the stream reports an error"; }
 
 namespace {
 // Collects the bytes of consecutive fragments and writes them in blocks of

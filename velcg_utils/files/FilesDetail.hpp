@@ -14,9 +14,13 @@ namespace VelCG::files_detail {
 // Writes the bytes of text to stream in one block: exactly its length, no
 // terminator, no line end added. A null stream raises
 // "VelCG:FileSection:NullStream"; a stream that takes fewer bytes raises
-// "VelCG:FileSection:WriteFailed".
+// "VelCG:FileSection:WriteFailed" with the system's reason.
 void writeBytes(std::FILE* stream, const std::string& text);
 void writeBytes(std::FILE* stream, const char* data, std::size_t size);
+
+// The system's text for errno ("No space left on device"), for a stream call
+// that failed; a general text when the call set no errno.
+std::string systemErrorText();
 
 // A list of names in order of addition with the set that de-duplicates it.
 // Appends name unless the set already holds it.

@@ -1,5 +1,8 @@
 #include "velcg/FileRepScrivBridge.hpp"
 
+#include <cerrno>
+
+#include "files/FilesDetail.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CustomContents.hpp"
 #include "velcg/FileSection.hpp"
@@ -264,6 +267,12 @@ void FileRepScrivBridge::writeSection(std::int32_t fileIndex, const std::string&
     const SectionWriter& write = handlerFor(sectionWriters_, sectionName, unknownSection);
     requireNonNull(stream, "output stream");
     write(file, stream);
+    // The stream keeps what it buffers until a flush: check that the section
+    // reached the file while the file and section can still be named.
+    errno = 0;
+    if (std::fflush(stream) != 0 || std::ferror(stream))
+        vel::diag::throwError("VelCG:FileRepScrivBridge:WriteFailed",
+                              {file.getNameAscii(), sectionName, files_detail::systemErrorText()});
 }
 
 const std::string& FileRepScrivBridge::getFileSectionContent(const VelCGFile& file,

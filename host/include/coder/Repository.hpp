@@ -51,7 +51,9 @@ struct RepositoryOptions {
 //
 // Diagnostics, each "coder:Repository:<key>" with the path first among its
 // arguments: CannotOpen, NotAStore, NewerFormat, Corrupt, ReadOnly, Busy,
-// Full, Failed (any other SQLite error), TransactionActive, NoTransaction.
+// Full (also a full disk or the process's file size limit), Failed (any
+// other SQLite error), TransactionActive, NoTransaction. Where an I/O
+// failure lies behind one, its reason names the system error.
 class VELHOST_API Repository {
 public:
     // Identifies the file as a store ("PRAGMA application_id": "VCGD").
@@ -66,7 +68,9 @@ public:
     Repository(const Repository&) = delete;
     Repository& operator=(const Repository&) = delete;
 
-    // REQUIRES: no transaction is open. Takes the write lock at once.
+    // REQUIRES: no transaction is open. Takes the write lock at once. Raises
+    // "coder:Repository:ReadOnly" on a repository opened for reading only
+    // and on a file the process may not write.
     void beginTransaction();
     // REQUIRES: a transaction is open.
     void commitTransaction();

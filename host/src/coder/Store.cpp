@@ -50,6 +50,8 @@
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Statement.h>
 #include <cassert>
+#include <cerrno>
+#include <cstring>
 #include <system_error>
 
 #include <sqlite3.h>
@@ -109,6 +111,16 @@ std::string describe(const SQLite::Exception& error) {
     return text.empty() ? "SQLite error " + std::to_string(error.getErrorCode()) : text;
 }
 
+// The system error behind the last I/O failure on db; SQLite's text for it
+// ("disk I/O error") does not say which. A failure at commit is recorded
+// only by the database file, a failure of a statement by the connection.
+int lastSystemError(sqlite3* db) {
+    int error = 0;
+    if (sqlite3_file_control(db, "main", SQLITE_FCNTL_LAST_ERRNO, &error) != SQLITE_OK || error == 0)
+        error = sqlite3_system_errno(db);
+    return error;
+}
+
 // Resets a statement when leaving scope, also when a read throws, so that
 // it holds no read lock and can be reused. Bindings stay: every use binds
 // every parameter again.
@@ -149,6 +161,8 @@ Store::Store(const std::filesystem::path& path, const RepositoryOptions& options
     } catch (const SQLite::Exception& e) {
         vel::diag::throwError("coder:Repository:CannotOpen", {pathText_, describe(e)});
     }
+    // SQLite opens a file it may not write for reading only, silently.
+    writeProtected_ = !readOnly_ && sqlite3_db_readonly(db_->getHandle(), "main") == 1;
     validateOrCreate(options);
 }
 
@@ -175,6 +189,12 @@ bool Store::inTransaction() const { return db_ && sqlite3_get_autocommit(db_->ge
 void Store::raise(const SQLite::Exception& error) const {
     const int code = error.getErrorCode() & 0xff;
     const char* key = "Failed";
+    std::string reason = describe(error);
+    const int systemError = db_ ? lastSystemError(db_->getHandle()) : 0;
+#if !defined(_WIN32)
+    if (systemError != 0 && (code == SQLITE_IOERR || code == SQLITE_CANTOPEN))
+        reason += std::string(" (") + std::strerror(systemError) + ")";
+#endif
     switch (code) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
@@ -183,8 +203,14 @@ void Store::raise(const SQLite::Exception& error) const {
         case SQLITE_FULL:
             key = "Full";
             break;
+        case SQLITE_IOERR:
+            // The disk is full, or the file reached the process's size limit.
+            if (systemError == ENOSPC || systemError == EFBIG) key = "Full";
+            break;
         case SQLITE_READONLY:
             key = "ReadOnly";
+            if (error.getExtendedErrorCode() == SQLITE_READONLY_DIRECTORY)
+                reason += " (the directory does not let the journal be created)";
             break;
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
@@ -196,13 +222,16 @@ void Store::raise(const SQLite::Exception& error) const {
         default:
             break;
     }
-    vel::diag::throwError(std::string("coder:Repository:") + key, {pathText_, describe(error)});
+    vel::diag::throwError(std::string("coder:Repository:") + key, {pathText_, reason});
 }
 
 void Store::begin() {
     requireOpen();
     if (inTransaction()) vel::diag::throwError("coder:Repository:TransactionActive", {pathText_});
     if (readOnly_) vel::diag::throwError("coder:Repository:ReadOnly", {pathText_, "opened for reading only"});
+    if (writeProtected_)
+        vel::diag::throwError("coder:Repository:ReadOnly",
+                              {pathText_, "the file cannot be opened for writing"});
     forgetPositions();
     try {
         // IMMEDIATE takes the write lock now, so two writers wait for each

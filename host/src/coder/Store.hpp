@@ -92,6 +92,8 @@ private:
 
     std::string pathText_;
     bool readOnly_;
+    // Opened for writing, but the file could be opened for reading only.
+    bool writeProtected_ = false;
     std::unique_ptr<SQLite::Database> db_;
     std::unordered_map<const RecordKind*, std::unique_ptr<KindStatements>> statements_;
 };

@@ -1,11 +1,14 @@
 #include "velcg/FileRepScrivBridge.hpp"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
 
+#include "ChildProcess.hpp"
 #include "DiagnosticTesting.hpp"
 #include "TempDir.hpp"
 #include "files/FileTesting.hpp"
@@ -251,3 +254,58 @@ TEST_F(FileRepScrivBridgeTest, BannerCustomSectionOfAFileWithoutBannerIsConsumed
               diagnosticWithArgumentsOf(
                   [&] { module.getCustomContent().getCustomSectionContent("Copyright", "end"); }));
 }
+
+#if !defined(_WIN32)
+// A stream that refuses bytes: a full device, or a file at the size limit.
+// The section write raises with the system's reason, whether the refusal
+// comes at the write (a section larger than the stream's buffer) or only
+// at the flush that follows it (a section the stream buffers); a file
+// written before keeps its bytes.
+TEST_F(FileRepScrivBridgeTest, RefusedWritesRaiseWithTheSystemsReasonAndKeepEarlierFiles) {
+    testing_support::TempDir dir;
+    const auto earlier = dir / "earlier.c";
+    bridge.addSectionContent(0, "Declarations", text("int counter;\n"));
+    std::FILE* out = std::fopen(earlier.c_str(), "wb");
+    ASSERT_NE(nullptr, out);
+    bridge.writeSection(0, "Declarations", out);
+    ASSERT_EQ(0, std::fclose(out));
+
+    const std::string small = "/* notes */\n", large(256 * 1024, 'x');
+    const std::string full = std::strerror(ENOSPC), tooLarge = std::strerror(EFBIG);
+    const std::string atFlush =
+                          "VelCG:FileRepScrivBridge:WriteFailed: Cannot write section 'Documentation' of "
+                          "file 'notes.txt': ",
+                      atWrite =
+                          "VelCG:FileSection:WriteFailed: Writing 262144 byte(s) of a file section to the "
+                          "output stream failed: ";
+    struct Row {
+        const char* target;
+        const std::string& content;
+        testing_support::ChildSetup setup;
+        std::string expected;
+    } rows[] = {
+        {"/dev/full", small, {}, atFlush + full + "."},
+        {"/dev/full", large, {}, atWrite + full + "."},
+        {"limited", small, testing_support::fileSizeLimit(4), atFlush + tooLarge + "."},
+        {"limited", large, testing_support::fileSizeLimit(4096), atWrite + tooLarge + "."},
+    };
+    for (const Row& r : rows) {
+        const std::string target = r.target[0] == '/' ? r.target : (dir / r.target).string();
+        EXPECT_EQ(r.expected, testing_support::runInChild(
+                                  r.setup,
+                                  [&]() -> std::string {
+                                      bridge.addSectionContent(1, "Documentation", text(r.content));
+                                      std::FILE* stream = std::fopen(target.c_str(), "wb");
+                                      if (!stream) return "cannot open " + target;
+                                      try {
+                                          bridge.writeSection(1, "Documentation", stream);
+                                      } catch (const vel::diag::Exception& e) {
+                                          return e.what();
+                                      }
+                                      return "no diagnostic";
+                                  }))
+            << r.target << ", " << r.content.size() << " bytes";
+    }
+    EXPECT_EQ("int counter;\n", testing_support::fileBytes(earlier));
+}
+#endif
