@@ -20,6 +20,8 @@ targets=(
   velcg_fuzz_model_description:model_description
   velcg_fuzz_text:text
   velcg_fuzz_bridge:bridge
+  velcg_fuzz_client:client
+  velcg_fuzz_store:store
 )
 
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1

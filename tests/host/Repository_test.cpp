@@ -25,6 +25,7 @@ using coder::RepositoryOptions;
 using coder::Transaction;
 using namespace coder::descriptor;
 using testing_support::diagnosticOf;
+using testing_support::diagnosticWithArgumentsOf;
 using testing_support::fileBytes;
 using testing_support::runInChild;
 using testing_support::TempDir;
@@ -209,11 +210,16 @@ TEST(Repository, BadFilesAreRefusedAndLeftUnchanged) {
     }
 }
 
-TEST(Repository, AMissingDirectoryCannotBeOpened) {
+TEST(Repository, AMissingDirectoryOrAPathHoldingANulCannotBeOpened) {
     TempDir dir;
     EXPECT_EQ("coder:Repository:CannotOpen",
               diagnosticOf([&] { Repository(dir / "no" / "such" / "s.strata"); }));
     EXPECT_FALSE(std::filesystem::exists(dir / "no"));
+    // The file named by the text before the NUL is not created either.
+    const std::string before = (dir / "s").string();
+    EXPECT_EQ("coder:Repository:CannotOpen(" + before + "\\0/x.strata, the path holds a NUL character)",
+              diagnosticWithArgumentsOf([&] { Repository(before + std::string(1, '\0') + "/x.strata"); }));
+    EXPECT_FALSE(std::filesystem::exists(dir / "s"));
 }
 
 TEST(Repository, AWriteProtectedFileIsRefusedForWriting) {

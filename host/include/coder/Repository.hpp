@@ -50,10 +50,11 @@ struct RepositoryOptions {
 // for at most busyTimeoutMs.
 //
 // Diagnostics, each "coder:Repository:<key>" with the path first among its
-// arguments: CannotOpen, NotAStore, NewerFormat, Corrupt, ReadOnly, Busy,
-// Full (also a full disk or the process's file size limit), Failed (any
-// other SQLite error), TransactionActive, NoTransaction. Where an I/O
-// failure lies behind one, its reason names the system error.
+// arguments: CannotOpen (also for a path holding a NUL), NotAStore,
+// NewerFormat, Corrupt, ReadOnly, Busy, Full (also a full disk or the
+// process's file size limit), Failed (any other SQLite error),
+// TransactionActive, NoTransaction. Where an I/O failure lies behind one,
+// its reason names the system error.
 class VELHOST_API Repository {
 public:
     // Identifies the file as a store ("PRAGMA application_id": "VCGD").

@@ -155,6 +155,14 @@ struct Store::KindStatements {
 
 Store::Store(const std::filesystem::path& path, const RepositoryOptions& options)
     : pathText_(path.u8string()), readOnly_(options.access == RepositoryOptions::Access::ReadOnly) {
+    // SQLite takes the path as a C string: one holding a NUL would open the
+    // file named by the text before it, so such a path is refused, with the
+    // NUL shown in the message.
+    if (pathText_.find('\0') != std::string::npos) {
+        std::string shown;
+        for (char c : pathText_) shown += c ? std::string(1, c) : "\\0";
+        vel::diag::throwError("coder:Repository:CannotOpen", {shown, "the path holds a NUL character"});
+    }
     int flags = readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     try {
         db_ = std::make_unique<SQLite::Database>(pathText_, flags, options.busyTimeoutMs);
