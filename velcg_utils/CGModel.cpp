@@ -1,7 +1,10 @@
 #include "velcg/CGModel.hpp"
 
+#include <atomic>
 #include <cassert>
+#include <condition_variable>
 #include <filesystem>
+#include <mutex>
 #include <stdexcept>
 #include <utility>
 
@@ -48,6 +51,30 @@ std::filesystem::path codeDescriptorPath(const std::wstring& directory) {
     return std::filesystem::path(vel::i18n::toUtf8(directory)) / name;
 #endif
 }
+
+// The background passes running in this process, of any model. Never
+// destroyed: a pass may still end while static objects are destroyed.
+struct RunningPasses {
+    std::mutex mutex;
+    std::condition_variable finished;
+    std::atomic<int> count{0};
+
+    void end() {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            count.fetch_sub(1, std::memory_order_release);
+        }
+        finished.notify_all();
+    }
+};
+
+RunningPasses& runningPasses() {
+    static auto* passes = new RunningPasses();
+    return *passes;
+}
+
+// True on the thread of a background pass.
+thread_local bool onPassThread = false;
 
 // Reports the failure of a background pass that nobody is left to raise it to.
 void reportBackgroundFailure(const std::exception_ptr& error) noexcept {
@@ -365,14 +392,34 @@ void CGModel::joinSerializationThread() {
 
 void CGModel::startSerializationThread(void (CGModel::*pass)(const std::wstring&),
                                        const std::wstring& directory) {
-    serializationThread_ = std::make_unique<boost::thread>([this, pass, directory] {
-        try {
-            (this->*pass)(directory);
-        } catch (...) {
-            // Read only after the join, which orders it after this write.
-            if (!serializationError_) serializationError_ = std::current_exception();
-        }
-    });
+    RunningPasses& passes = runningPasses();
+    passes.count.fetch_add(1, std::memory_order_relaxed);
+    try {
+        serializationThread_ = std::make_unique<boost::thread>([this, pass, directory, &passes] {
+            onPassThread = true;
+            try {
+                (this->*pass)(directory);
+            } catch (...) {
+                // Read only after the join, which orders it after this write.
+                if (!serializationError_) serializationError_ = std::current_exception();
+            }
+            passes.end();
+        });
+    } catch (...) {
+        passes.end();
+        throw;
+    }
+}
+
+void CGModel::waitForBackgroundSerialization() {
+    RunningPasses& passes = runningPasses();
+    if (onPassThread || passes.count.load(std::memory_order_acquire) == 0) return;
+    std::unique_lock<std::mutex> lock(passes.mutex);
+    passes.finished.wait(lock, [&] { return passes.count.load(std::memory_order_acquire) == 0; });
+}
+
+bool CGModel::isBackgroundSerializationRunning() {
+    return runningPasses().count.load(std::memory_order_acquire) != 0;
 }
 
 void CGModel::recordTAQActualSources() {

@@ -256,6 +256,15 @@ public:
     // throw. When several background passes fail before that, the first
     // failure is the one kept.
 
+    // Waits until no background pass of any model in this process runs;
+    // returns at once on the thread of a pass. Scripts reach the model only
+    // through the object system, whose model classes call this before every
+    // read, write and call, so that a script running while the first pass
+    // does (the usual order: serializeModel, the templates, then
+    // serializeModelAfterScriv) never races with it.
+    static void waitForBackgroundSerialization();
+    static bool isBackgroundSerializationRunning();
+
     // The first pass, once the model is complete: the model's name, version
     // and shared code manager path, the block hierarchy map, the async-queue
     // blocks and the function-prototype I/O map (at 4 or more also systems

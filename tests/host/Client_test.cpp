@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "DiagnosticTesting.hpp"
+#include "PackageTesting.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "korb/PackageInfo.hpp"
@@ -463,6 +464,78 @@ TEST_F(ClientTest, SuperclassesAndElementClassesAreFoundByName) {
               diagnosticWithArgumentsOf([&] { client.getElementClass(g, "Nope"); }));
     EXPECT_EQ("Korb:UnknownProperty(greet, KorbTest.Gadget)",
               diagnosticWithArgumentsOf([&] { client.getElementClass(g, "greet"); }));
+}
+
+// Objects of the classes "GuardTest.Base", "GuardTest.Mid" (derived from
+// Base) and "GuardTest.Top" (derived from Mid), logging their member calls
+// and their classes' access guards into one log.
+std::string& guardLog() {
+    static std::string log;
+    return log;
+}
+
+class Guarded : public vel::mi::Handle {
+public:
+    explicit Guarded(const char* type) : type_(type) {}
+    const char* getFullyQualifiedKorbTypeName() const override { return type_; }
+    int getValue() const {
+        guardLog() += "get;";
+        return value_;
+    }
+    void setValue(int v) {
+        guardLog() += "set;";
+        value_ = v;
+    }
+    int twice(int x) {
+        guardLog() += "call;";
+        return 2 * x;
+    }
+
+private:
+    const char* type_;
+    int value_ = 0;
+};
+
+TEST_F(ClientTest, AccessGuardsRunBeforeEveryReadWriteAndCallTheMostDerivedWinning) {
+    using namespace korb;
+    auto& sys = ObjectSystem::instance();
+    if (!sys.findPackage("GuardTest"))
+        sys.addPackage(std::make_unique<testing_support::FunctionPackage>("GuardTest", [](ObjectSystem& s) {
+            auto base = ClassInfo::make("Base", "guarded", [](ClassInfo& c) {
+                c.property("Value", getter(&Guarded::getValue), setter(&Guarded::setValue));
+                c.method("twice", method(&Guarded::twice));
+            });
+            base->setAccessGuard([] { guardLog() += "A;"; });
+            s.registerClass(std::move(base));
+            s.registerClass(ClassInfo::make("Mid", "inherits the guard",
+                                            [](ClassInfo& c) { c.superclass("GuardTest.Base"); }));
+            auto top = ClassInfo::make("Top", "a guard of its own",
+                                       [](ClassInfo& c) { c.superclass("GuardTest.Mid"); });
+            top->setAccessGuard([] { guardLog() += "B;"; });
+            s.registerClass(std::move(top));
+        }));
+
+    for (const auto& [type, guard] : std::vector<std::pair<const char*, std::string>>{
+             {"GuardTest.Base", "A;"}, {"GuardTest.Mid", "A;"}, {"GuardTest.Top", "B;"}}) {
+        SCOPED_TRACE(type);
+        Guarded object(type);
+        const auto ref = object.makeRef();
+        guardLog().clear();
+        client.getProperty(ref, "Value");
+        client.getPropertyValue(ref, "Value");
+        client.setProperty(ref, "Value", *tuvArray::int32(3));
+        EXPECT_EQ(6, client.callMethod(ref, "twice", {tuvArray::int32(3)})->int32Value());
+        EXPECT_EQ(guard + "get;" + guard + "get;" + guard + "set;" + guard + "call;", guardLog());
+
+        // Questions about the class touch no object; refused accesses reach no member.
+        guardLog().clear();
+        client.getPropertyNames(object);
+        client.isReadOnly(object, "Value");
+        client.describeProperties(client.classOf(object));
+        EXPECT_EQ("Korb:UnknownProperty", diagnosticOf([&] { client.getProperty(ref, "Nope"); }));
+        EXPECT_EQ("Korb:WrongNumberOfArguments", diagnosticOf([&] { client.callMethod(ref, "twice"); }));
+        EXPECT_EQ(guard, guardLog()) << "only the call with the wrong argument count passed the guard";
+    }
 }
 
 } // namespace

@@ -445,6 +445,7 @@ std::unique_ptr<ClassInfo> dataInterfaceRecordClass() {
 } // namespace
 
 void appendModelClasses(ClassList& classes) {
+    const std::size_t first = classes.size();
     classes.push_back(systemClass());
     classes.push_back(velCGTypeClass());
     classes.push_back(cgTypeMemberClass());
@@ -462,6 +463,10 @@ void appendModelClasses(ClassList& classes) {
     classes.push_back(modelParameterClass());
     classes.push_back(toAsyncQueueBlockClass());
     classes.push_back(dataInterfaceRecordClass());
+    // A background serialization pass reads the model and fills its lazily
+    // cached answers: scripts wait for it before touching any model object.
+    for (std::size_t i = first; i < classes.size(); ++i)
+        classes[i]->setAccessGuard(&CGModel::waitForBackgroundSerialization);
 }
 
 } // namespace VelCG::binding

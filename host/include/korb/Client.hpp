@@ -131,6 +131,10 @@ public:
     static vel::mi::HandleRef refFromArray(const tuvArray& object);
 
 private:
+    // Runs the access guard of the object's class (see
+    // vel::mi::HandleClass::setAccessGuard), if it has one.
+    void enter(const vel::mi::Handle& object) const;
+
     ObjectSystem& system_;
 };
 

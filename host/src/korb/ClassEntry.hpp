@@ -107,6 +107,11 @@ struct ClassEntry {
     // False when the superclass chain stops at a class that is not
     // registered, so that registering it later resolves the entry again.
     bool complete;
+    // The guard of the most derived class in the chain that has one.
+    vel::mi::HandleClass::AccessGuard guard;
+    void enter() const {
+        if (guard) guard();
+    }
 };
 
 // Class entries by type-name pointer: the slot a pointer hashes to holds

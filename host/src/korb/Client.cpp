@@ -198,12 +198,19 @@ tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string
     if (!entry && !(entry = system_.entryForTypeName(typeName))) unknownClass(typeName);
     const auto* property = entry->properties.find(name);
     if (!property) unknownProperty(name, *entry->cls);
+    entry->enter();
     return property->getter->getArray(object);
+}
+
+void Client::enter(const vel::mi::Handle& object) const {
+    if (const auto* entry = system_.entryForTypeName(object.getFullyQualifiedKorbTypeName())) entry->enter();
 }
 
 Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string& name) const {
     vel::mi::Handle& object = live(ref);
-    return requireProperty(*this, object, name).getter->getValue(object);
+    const auto& property = requireProperty(*this, object, name);
+    enter(object);
+    return property.getter->getValue(object);
 }
 
 void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
@@ -213,6 +220,7 @@ void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
     const std::string& cls = classOf(object).getQualifiedName();
     if (prop.isReadOnly()) vel::diag::throwError("Korb:ReadOnlyProperty", {name, cls});
     if (object.isLocked()) vel::diag::throwError("Korb:ObjectLocked", {name, cls});
+    enter(object);
     object.preSetPropFcn(name.c_str());
     try {
         prop.setter->set(object, value);
@@ -227,6 +235,7 @@ tuvArrayPtr Client::callMethod(const vel::mi::HandleRef& ref, const std::string&
                                const std::vector<tuvArrayPtr>& args) const {
     vel::mi::Handle& object = live(ref);
     const auto& method = requireMethod(*this, object, name);
+    enter(object);
     try {
         return method.binder->call(object, args);
     } catch (const vel::diag::Exception& e) {

@@ -121,12 +121,15 @@ void ObjectSystem::resolveEntries(const vel::mi::HandleClass* added, bool all) {
         }
         std::vector<const Property*> properties;
         std::vector<const Method*> methods;
+        vel::mi::HandleClass::AccessGuard guard = nullptr;
         for (const auto* c : chain) {
+            if (!guard) guard = c->getAccessGuard();
             for (const auto& p : c->getProperties()) properties.push_back(&p);
             for (const auto& m : c->getMethods()) methods.push_back(&m);
         }
-        auto entry = std::make_unique<detail::ClassEntry>(detail::ClassEntry{
-            &cls, detail::NameIndex<Property>(properties), detail::NameIndex<Method>(methods), complete});
+        auto entry = std::make_unique<detail::ClassEntry>(
+            detail::ClassEntry{&cls, detail::NameIndex<Property>(properties),
+                               detail::NameIndex<Method>(methods), complete, guard});
         impl_->entriesByName[cls.getQualifiedName()] = entry.get();
         impl_->entries[&cls] = std::move(entry);
     };

@@ -1,6 +1,7 @@
 // Faults met while the model is serialized into the code descriptor store:
 // a file or directory the process may not write, a full disk, a process
-// killed during a pass. Each is a diagnostic or a dead process, never a
+// killed during a pass, a script touching the model while a pass runs. Each
+// is a diagnostic, a dead process or a wait, never a race or a
 // damaged store: the store holds the last pass committed before the fault,
 // whole.
 #if !defined(_WIN32)
@@ -23,6 +24,8 @@
 #include "TempDir.hpp"
 #include "coder/Repository.hpp"
 #include "coder/descriptor/Dump.hpp"
+#include "korb/Client.hpp"
+#include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/feature/Feature.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
@@ -30,6 +33,7 @@
 #include "velcg/CoderDataGroup.hpp"
 #include "velcg/Features.hpp"
 #include "velcg/GraphicalBlock.hpp"
+#include "velcg/PlexoModule.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
 #include "velcg/StoredGraphicalSubsystem.hpp"
@@ -253,6 +257,38 @@ TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
                                     : std::set<std::string>{earlierRows, firstPassRows, bothPassesRows};
         EXPECT_EQ(1u, whole.count(rows)) << trace << "; the store holds:\n" << rows;
     }
+}
+
+// A script that runs while the first pass does (the usual order) reaches the
+// model only after the pass ends: the pass neither races with the script's
+// writes nor describes them.
+TEST(CGModelSerializeFaults, ScriptsWaitForABackgroundPassBeforeTouchingTheModel) {
+    PlexoInitialize_velcg();
+    TempDir dir;
+    const auto model = buildModel(L"waiting", 200);
+    // The pass waits for the store's write lock, held here until the
+    // script has had time to start its write.
+    sqlite3* lock = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(storeIn(dir.path()).c_str(), &lock));
+    ASSERT_EQ(SQLITE_OK, sqlite3_exec(lock, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr));
+    {
+        vel::feature::ScopedValue background(VELFEAT_VelCGDirectEmitSerialize, 1);
+        model->serializeModel(dir.path().wstring());
+    }
+    ASSERT_TRUE(CGModel::isBackgroundSerializationRunning());
+    std::thread release([lock] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        sqlite3_exec(lock, "COMMIT", nullptr, nullptr, nullptr);
+    });
+    const korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
+    client.setProperty(model->makeRef(), "SharedCodeManagerPath", *tuvArray::fromUtf8("/after"));
+    EXPECT_FALSE(CGModel::isBackgroundSerializationRunning()) << "the write went ahead of the pass";
+    release.join();
+    sqlite3_close(lock);
+    model->waitForSerialization();
+    const std::string dump = dumpOf(storeIn(dir.path()));
+    EXPECT_NE(std::string::npos, dump.find("waiting")) << dump;
+    EXPECT_EQ(std::string::npos, dump.find("/after")) << dump;
 }
 
 #endif

@@ -51,6 +51,16 @@ public:
     // An abstract class is never instantiated by scripts.
     virtual bool isAbstract() const;
 
+    // Called by the object-system client before it reads, writes or calls a
+    // member of an object of this class or of a class derived from it (the
+    // most derived class in the chain that has a guard decides): a package
+    // whose objects must not be touched while something else works on them
+    // waits there, or raises a diagnostic. Set before the class is
+    // registered; null (the default) for none.
+    using AccessGuard = void (*)();
+    void setAccessGuard(AccessGuard guard) { accessGuard_ = guard; }
+    AccessGuard getAccessGuard() const { return accessGuard_; }
+
     // Own members only, in registration order; see korb::Client for the
     // lookup that includes superclass members.
     const std::vector<Property>& getProperties() const { return properties_; }
@@ -80,6 +90,7 @@ private:
     std::string superclass_;
     std::vector<Property> properties_;
     std::vector<Method> methods_;
+    AccessGuard accessGuard_ = nullptr;
 };
 
 } // namespace vel::mi
