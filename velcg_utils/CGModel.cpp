@@ -418,9 +418,7 @@ void CGModel::waitForBackgroundSerialization() {
     passes.finished.wait(lock, [&] { return passes.count.load(std::memory_order_acquire) == 0; });
 }
 
-bool CGModel::isBackgroundSerializationRunning() {
-    return runningPasses().count.load(std::memory_order_acquire) != 0;
-}
+const std::atomic<int>& CGModel::runningBackgroundPasses() { return runningPasses().count; }
 
 void CGModel::recordTAQActualSources() {
     for (const ToAsyncQueueBlock* block : taqBlocks_) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -263,7 +264,8 @@ public:
     // does (the usual order: serializeModel, the templates, then
     // serializeModelAfterScriv) never races with it.
     static void waitForBackgroundSerialization();
-    static bool isBackgroundSerializationRunning();
+    // How many background passes of any model run now.
+    static const std::atomic<int>& runningBackgroundPasses();
 
     // The first pass, once the model is complete: the model's name, version
     // and shared code manager path, the block hierarchy map, the async-queue

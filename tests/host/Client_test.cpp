@@ -1,5 +1,6 @@
 #include "korb/Client.hpp"
 
+#include <atomic>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -468,11 +469,13 @@ TEST_F(ClientTest, SuperclassesAndElementClassesAreFoundByName) {
 
 // Objects of the classes "GuardTest.Base", "GuardTest.Mid" (derived from
 // Base) and "GuardTest.Top" (derived from Mid), logging their member calls
-// and their classes' access guards into one log.
+// and their classes' access guards into one log. The guards wait while
+// guardBusy is not zero.
 std::string& guardLog() {
     static std::string log;
     return log;
 }
+std::atomic<int> guardBusy{0};
 
 class Guarded : public vel::mi::Handle {
 public:
@@ -505,13 +508,13 @@ TEST_F(ClientTest, AccessGuardsRunBeforeEveryReadWriteAndCallTheMostDerivedWinni
                 c.property("Value", getter(&Guarded::getValue), setter(&Guarded::setValue));
                 c.method("twice", method(&Guarded::twice));
             });
-            base->setAccessGuard([] { guardLog() += "A;"; });
+            base->setAccessGuard({&guardBusy, [] { guardLog() += "A;"; }});
             s.registerClass(std::move(base));
             s.registerClass(ClassInfo::make("Mid", "inherits the guard",
                                             [](ClassInfo& c) { c.superclass("GuardTest.Base"); }));
             auto top = ClassInfo::make("Top", "a guard of its own",
                                        [](ClassInfo& c) { c.superclass("GuardTest.Mid"); });
-            top->setAccessGuard([] { guardLog() += "B;"; });
+            top->setAccessGuard({&guardBusy, [] { guardLog() += "B;"; }});
             s.registerClass(std::move(top));
         }));
 
@@ -520,6 +523,13 @@ TEST_F(ClientTest, AccessGuardsRunBeforeEveryReadWriteAndCallTheMostDerivedWinni
         SCOPED_TRACE(type);
         Guarded object(type);
         const auto ref = object.makeRef();
+        guardBusy = 0;
+        guardLog().clear();
+        client.getProperty(ref, "Value");
+        client.callMethod(ref, "twice", {tuvArray::int32(3)});
+        EXPECT_EQ("get;call;", guardLog()) << "no waiting while nothing is busy";
+
+        guardBusy = 1;
         guardLog().clear();
         client.getProperty(ref, "Value");
         client.getPropertyValue(ref, "Value");

@@ -466,7 +466,8 @@ void appendModelClasses(ClassList& classes) {
     // A background serialization pass reads the model and fills its lazily
     // cached answers: scripts wait for it before touching any model object.
     for (std::size_t i = first; i < classes.size(); ++i)
-        classes[i]->setAccessGuard(&CGModel::waitForBackgroundSerialization);
+        classes[i]->setAccessGuard(
+            {&CGModel::runningBackgroundPasses(), &CGModel::waitForBackgroundSerialization});
 }
 
 } // namespace VelCG::binding

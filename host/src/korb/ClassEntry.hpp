@@ -110,7 +110,7 @@ struct ClassEntry {
     // The guard of the most derived class in the chain that has one.
     vel::mi::HandleClass::AccessGuard guard;
     void enter() const {
-        if (guard) guard();
+        if (guard.busy && guard.busy->load(std::memory_order_acquire) != 0) guard.wait();
     }
 };
 

@@ -121,7 +121,7 @@ void ObjectSystem::resolveEntries(const vel::mi::HandleClass* added, bool all) {
         }
         std::vector<const Property*> properties;
         std::vector<const Method*> methods;
-        vel::mi::HandleClass::AccessGuard guard = nullptr;
+        vel::mi::HandleClass::AccessGuard guard;
         for (const auto* c : chain) {
             if (!guard) guard = c->getAccessGuard();
             for (const auto& p : c->getProperties()) properties.push_back(&p);

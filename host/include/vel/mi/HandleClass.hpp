@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,15 +52,20 @@ public:
     // An abstract class is never instantiated by scripts.
     virtual bool isAbstract() const;
 
-    // Called by the object-system client before it reads, writes or calls a
-    // member of an object of this class or of a class derived from it (the
-    // most derived class in the chain that has a guard decides): a package
-    // whose objects must not be touched while something else works on them
-    // waits there, or raises a diagnostic. Set before the class is
-    // registered; null (the default) for none.
-    using AccessGuard = void (*)();
+    // For a package whose objects must not be touched while something else
+    // works on them: while *busy is not zero, the object-system client calls
+    // wait() before it reads, writes or calls a member of an object of this
+    // class or of a class derived from it (the most derived class in the
+    // chain that has a guard decides). wait() returns when the objects may
+    // be used, or raises a diagnostic. Set before the class is registered;
+    // none by default.
+    struct AccessGuard {
+        const std::atomic<int>* busy = nullptr;
+        void (*wait)() = nullptr;
+        explicit operator bool() const { return busy && wait; }
+    };
     void setAccessGuard(AccessGuard guard) { accessGuard_ = guard; }
-    AccessGuard getAccessGuard() const { return accessGuard_; }
+    const AccessGuard& getAccessGuard() const { return accessGuard_; }
 
     // Own members only, in registration order; see korb::Client for the
     // lookup that includes superclass members.
@@ -90,7 +96,7 @@ private:
     std::string superclass_;
     std::vector<Property> properties_;
     std::vector<Method> methods_;
-    AccessGuard accessGuard_ = nullptr;
+    AccessGuard accessGuard_;
 };
 
 } // namespace vel::mi
