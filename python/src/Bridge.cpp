@@ -25,6 +25,37 @@
 
 namespace VelCG::python {
 
+// A file index from Python: an int. A bool, which Python counts as an int,
+// is refused rather than taken for file 0 or 1.
+struct FileIndex {
+    std::int32_t value = 0;
+    operator std::int32_t() const { return value; }
+};
+
+} // namespace VelCG::python
+
+namespace pybind11::detail {
+
+template <>
+struct type_caster<VelCG::python::FileIndex> {
+    PYBIND11_TYPE_CASTER(VelCG::python::FileIndex, const_name("int"));
+
+    bool load(handle source, bool convert) {
+        if (PyBool_Check(source.ptr())) return false;
+        make_caster<std::int32_t> index;
+        if (!index.load(source, convert)) return false;
+        value.value = cast_op<std::int32_t>(index);
+        return true;
+    }
+    static handle cast(VelCG::python::FileIndex index, return_value_policy, handle) {
+        return PyLong_FromLong(index.value);
+    }
+};
+
+} // namespace pybind11::detail
+
+namespace VelCG::python {
+
 namespace {
 
 // The bridge of a repository that scripts hold by reference: every call
@@ -75,8 +106,7 @@ std::string bytesOf(py::handle str) {
     vel::diag::throwError("VelCG:Python:InvalidArgument", {operation, expected, describePython(value)});
 }
 
-void setAttribute(const BridgeState& self, std::int32_t fileIndex, const std::string& name,
-                  py::handle value) {
+void setAttribute(const BridgeState& self, FileIndex fileIndex, const std::string& name, py::handle value) {
     if (PyBool_Check(value.ptr())) {
         self.bridge().setAttribute(fileIndex, name, value.ptr() == Py_True);
     } else if (PyUnicode_Check(value.ptr())) {
@@ -93,7 +123,7 @@ std::string contentOf(const char* operation, py::handle content) {
     wrongArgument(operation, "a str or bytes", content);
 }
 
-void addSectionContent(const BridgeState& self, std::int32_t fileIndex, const std::string& section,
+void addSectionContent(const BridgeState& self, FileIndex fileIndex, const std::string& section,
                        py::handle content) {
     self.bridge().addSectionContent(
         fileIndex, section,
@@ -139,8 +169,7 @@ void writeThroughBuffer(FileRepScrivBridge& bridge, std::int32_t fileIndex, cons
     file.attr("write")(py::bytes(bytes));
 }
 
-void writeSection(const BridgeState& self, std::int32_t fileIndex, const std::string& section,
-                  py::handle file) {
+void writeSection(const BridgeState& self, FileIndex fileIndex, const std::string& section, py::handle file) {
     FileRepScrivBridge& bridge = self.bridge();
     py::module_ io = py::module_::import("io");
     if (py::isinstance(file, io.attr("TextIOBase")) || !py::hasattr(file, "write"))
@@ -210,19 +239,19 @@ attributes and sections by name.)")
             py::arg("name"))
         .def(
             "getBooleanAttribute",
-            [](const B& b, std::int32_t i, const std::string& name) {
+            [](const B& b, FileIndex i, const std::string& name) {
                 return b.bridge().getBooleanAttribute(i, name);
             },
             py::arg("fileIndex"), py::arg("name"))
         .def(
             "getStringAttribute",
-            [](const B& b, std::int32_t i, const std::string& name) {
+            [](const B& b, FileIndex i, const std::string& name) {
                 return text(b.bridge().getStringAttribute(i, name));
             },
             py::arg("fileIndex"), py::arg("name"))
         .def(
             "getStringArrayAttribute",
-            [](const B& b, std::int32_t i, const std::string& name) {
+            [](const B& b, FileIndex i, const std::string& name) {
                 py::list out;
                 for (const std::string& s : b.bridge().getStringArrayAttribute(i, name)) out.append(text(s));
                 return out;
@@ -233,20 +262,20 @@ attributes and sections by name.)")
              py::arg("content"))
         .def(
             "addCustomSection",
-            [](const BridgeState& b, std::int32_t i, const std::string& builtin, const std::string& custom) {
+            [](const BridgeState& b, FileIndex i, const std::string& builtin, const std::string& custom) {
                 b.bridge().addCustomSection(i, builtin, custom);
             },
             py::arg("fileIndex"), py::arg("builtinSectionName"), py::arg("customSectionName"))
         .def(
             "appendMissingTokens",
-            [](const BridgeState& b, std::int32_t i, const std::string& section) {
+            [](const BridgeState& b, FileIndex i, const std::string& section) {
                 b.bridge().appendMissingTokens(i, section);
             },
             py::arg("fileIndex"), py::arg("sectionName"))
         .def("writeSection", &writeSection, py::arg("fileIndex"), py::arg("sectionName"), py::arg("file"))
         .def(
             "customContents",
-            [](const BridgeState& b, std::int32_t i) {
+            [](const BridgeState& b, FileIndex i) {
                 return CustomContentsState{b.bridge().getFileFromIndex(i).makeRef()};
             },
             py::arg("fileIndex"))

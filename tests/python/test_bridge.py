@@ -191,6 +191,29 @@ def test_bad_indices_names_and_values_are_refused_without_writing(
 
 
 @pytest.mark.parametrize(
+    "call",
+    [
+        lambda b, i, out: b.getBooleanAttribute(i, "Filter"),
+        lambda b, i, out: b.getStringAttribute(i, "Name"),
+        lambda b, i, out: b.getStringArrayAttribute(i, "RequiredIncludes"),
+        lambda b, i, out: b.setAttribute(i, "Type", "x"),
+        lambda b, i, out: b.addSectionContent(i, "Defines", "x"),
+        lambda b, i, out: b.addCustomSection(i, "typedefs", "Types"),
+        lambda b, i, out: b.appendMissingTokens(i, "Includes"),
+        lambda b, i, out: b.writeSection(i, "Includes", out),
+        lambda b, i, out: b.customContents(i),
+    ],
+)
+def test_file_indices_are_ints_not_bools(bridge, objects, call):
+    out = io.BytesIO()
+    for index in (False, True, 1.0, "1"):
+        with pytest.raises(TypeError):
+            call(bridge, index, out)
+    assert out.getvalue() == b""
+    assert objects["source"].IsEmpty and objects["source"].Type == ""
+
+
+@pytest.mark.parametrize(
     "value, described",
     [
         (lambda o: o["model"], "VelCG.CGModel"),
