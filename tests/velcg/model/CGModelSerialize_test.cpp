@@ -7,14 +7,12 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <mutex>
-#include <sstream>
 #include <thread>
 
 #include "CG/DataInterface.hpp"
 #include "DiagnosticTesting.hpp"
 #include "TempDir.hpp"
 #include "coder/Repository.hpp"
-#include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -203,9 +201,6 @@ void fillModel(CGModel& model, std::unique_ptr<GraphicalBlockIF> extraBlock = nu
     auto* sub = block(model, L"Sub", L"plant:3", L"plant/Sub", L"SubSystem");
     sub->setIsSubsystem(true);
     sub->setVirtual(BlockVirtuality::Virtual);
-    sub->setNumFcnCallOutputPorts(1);
-    sub->setReferencedModelName(L"filter_lib");
-    sub->setIsProtectedModelBlock(true);
     addPort(sub->addControlInputPort(std::make_unique<Port>()), model, L"enable", "enable", speed.p);
     GraphicalBlock* in1Block = root->addGraphicalBlock(std::make_unique<GraphicalBlock>(in1));
     GraphicalBlock* gainBlock = root->addGraphicalBlock(std::make_unique<GraphicalBlock>(gain));
@@ -228,11 +223,6 @@ void fillModel(CGModel& model, std::unique_ptr<GraphicalBlockIF> extraBlock = nu
     model.getBlockHierarchyMap()->addGraphicalSubsystem(std::move(child));
 
     auto* k = new StoredModelParameter(L"K");
-    k->setOriginalName(L"K0");
-    k->setIsAlias(true);
-    k->setIsTunable(true);
-    k->setIsWorkspaceVar(true);
-    k->setWorkspaceVarName(L"K_ws");
     k->setGraphicalSource(gainBlock);
     k->setGraphicalReferences({gainBlock, delayBlock});
     auto kParameter = std::make_unique<ModelParameter>(k);
@@ -253,16 +243,7 @@ void fillModel(CGModel& model, std::unique_ptr<GraphicalBlockIF> extraBlock = nu
 
     auto speedInput = std::make_unique<ExternalInput>();
     speedInput->setCGTypeIndex(0);
-    speedInput->setStorageClass(3, "ImportedExtern");
-    speedInput->setRequiresGlobalAccess(false);
     speedInput->setIdentifier("u_speed");
-    speedInput->setHasVarDims(true);
-    speedInput->setCanonicalDimSizeDWorkIndex(2);
-    speedInput->setHasCanonicalDimSizeDWorkIndex(true);
-    speedInput->setSizeVarGroupIndex(1);
-    speedInput->setSizeVarGroupMemberIndex(0);
-    speedInput->setDimSizeDWork(3);
-    speedInput->setPadding(4);
     model.addExternalInput(std::move(speedInput));
     auto loadInput = std::make_unique<ExternalInput>();
     loadInput->setIdentifier("not_written");
@@ -273,47 +254,19 @@ void fillModel(CGModel& model, std::unique_ptr<GraphicalBlockIF> extraBlock = nu
     auto bus = std::make_unique<ToAsyncQueueBlock>(new StoredGraphicalBlock(L"Stream"));
     bus->setIsVirtualBus(true);
     bus->setBlockPath(L"plant/Stream");
-    bus->setBlockSID(L"plant:9");
-    bus->setPortNumber(1);
     bus->setSignalName(L"bus");
     bus->setActSrcBlockPath(L"plant/Gain");
-    bus->setUniqueId(7);
-    bus->setTid(1);
-    bus->setIsLiveStreaming(true);
     bus->setDimensions({1});
     auto* inner = new ToAsyncQueueBlock(new StoredGraphicalBlock(L"inner"));
     inner->setIsNVBus(true);
     inner->setActSrcBlockPath(L"plant/Sub/Delay");
     inner->setActSrcDWorkName(L"delay");
     inner->setNVBusOffset(16);
-    inner->setIsFixedPoint(true);
-    inner->setFxpNumericType(2);
-    inner->setFxpSignedness(1);
-    inner->setFxpWordLength(16);
-    inner->setFxpFractionLength(-3);
-    inner->setFxpSlopeAdjFactor(1.25);
-    inner->setFxpFixedExponent(-4);
-    inner->setFxpBias(-0.5);
     auto* gear = new ToAsyncQueueBlock(new StoredGraphicalBlock(L"gear"));
-    gear->setIsEnum(true);
-    gear->setDataTypeId(14);
-    gear->setDataTypeSize(4);
-    gear->setEnumClassName(L"Gear");
-    gear->setEnumClassification(L"int32");
     gear->setEnumLabels({L"Park", L"Drive"});
     gear->setEnumValues({0, 3});
     gear->setDimensions({2, 1});
-    gear->setIsDiscrete(true);
-    gear->setIsComplex(true);
-    gear->setIsVarDims(true);
     gear->setActSrcBlockPath(L"plant/In1");
-    gear->setActSrcBlockSID(L"plant:1");
-    gear->setActSrcPortNumber(1);
-    gear->setActSrcStartElement(2);
-    gear->setSignalSourceUUID(L"2f1c");
-    gear->setSignalSourceUUIDasInteger(12345678901);
-    gear->setUnits(L"rpm");
-    gear->setIsDeferredStreaming(true);
     inner->addLeafElement(gear);
     bus->addLeafElement(inner);
     model.addTAQBlock(std::move(bus));
@@ -389,57 +342,38 @@ TEST(CGModelSerialize, WritesWhatEachSwitchLevelSelects) {
     }
 }
 
-TEST(CGModelSerialize, EmptyDirectoryMeansTheCurrentOne) {
-    TempDir dir;
-    const auto previous = std::filesystem::current_path();
-    std::filesystem::current_path(dir.path());
-    vel::feature::ScopedValue switchValue(VELFEAT_VelCGDirectEmitSerialize, 2);
-    {
-        NamedModel model;
-        model.serializeModel(L"");
-    }
-    std::filesystem::current_path(previous);
-    EXPECT_TRUE(holdsModel(storeIn(dir)));
-}
-
+// While the first pass of a background serialization waits, the next
+// serializeModelAfterScriv or serializeModel returns only once that pass has
+// committed.
 TEST(CGModelSerialize, BackgroundPassRunsAfterSerializeModelReturnsAndIsAwaited) {
     vel::feature::ScopedValue switchValue(VELFEAT_VelCGDirectEmitSerialize, 1);
-    TempDir dir;
-    Gate gate;
-    {
-        GatedModel model(gate);
-        fillModel(model);
-        model.serializeModel(dir.path().wstring());
-        // The pass now waits in getName, before it creates the model record.
-        gate.waitForArrival();
-        EXPECT_FALSE(holdsModel(storeIn(dir)));
-        std::thread opener([&] { gate.open(); });
-        model.serializeModelAfterScriv(dir.path().wstring());
-        // Returned only once the first pass went on and committed.
-        EXPECT_TRUE(model.passedGate);
-        EXPECT_TRUE(holdsModel(storeIn(dir)));
-        opener.join();
+    for (const bool again : {false, true}) {
+        SCOPED_TRACE(again ? "serializeModel" : "serializeModelAfterScriv");
+        TempDir first, second;
+        const TempDir& last = again ? second : first;
+        Gate gate;
+        {
+            GatedModel model(gate);
+            fillModel(model);
+            model.serializeModel(first.path().wstring());
+            // The pass now waits in getName, before it creates the model record.
+            gate.waitForArrival();
+            EXPECT_FALSE(holdsModel(storeIn(first)));
+            std::thread opener([&] { gate.open(); });
+            if (again)
+                model.serializeModel(second.path().wstring());
+            else
+                model.serializeModelAfterScriv(first.path().wstring());
+            EXPECT_TRUE(model.passedGate);
+            EXPECT_TRUE(holdsModel(storeIn(first)));
+            if (again) model.serializeModelAfterScriv(second.path().wstring());
+            opener.join();
+        }
+        EXPECT_EQ(expectedDump(1), dumpOf(storeIn(last)));
+        if (again) {
+            EXPECT_NE(std::string::npos, dumpOf(storeIn(first)).find("CoderGroups: []"));
+        }
     }
-    EXPECT_EQ(expectedDump(1), dumpOf(storeIn(dir)));
-}
-
-TEST(CGModelSerialize, SecondSerializeModelWaitsForTheFirst) {
-    vel::feature::ScopedValue switchValue(VELFEAT_VelCGDirectEmitSerialize, 1);
-    TempDir first, second;
-    Gate gate;
-    {
-        GatedModel model(gate);
-        fillModel(model);
-        model.serializeModel(first.path().wstring());
-        gate.waitForArrival();
-        std::thread opener([&] { gate.open(); });
-        model.serializeModel(second.path().wstring());
-        EXPECT_TRUE(holdsModel(storeIn(first)));
-        model.serializeModelAfterScriv(second.path().wstring());
-        opener.join();
-    }
-    EXPECT_EQ(expectedDump(1), dumpOf(storeIn(second)));
-    EXPECT_NE(std::string::npos, dumpOf(storeIn(first)).find("CoderGroups: []"));
 }
 
 TEST(CGModelSerialize, DestroyingTheModelWaitsForTheRunningPass) {
@@ -503,17 +437,25 @@ TEST(CGModelSerialize, SynchronousFailureReachesTheCallerAndKeepsTheLastCommit) 
     EXPECT_EQ(committed, dumpOf(storeIn(dir)));
 }
 
-TEST(CGModelSerialize, ScriptMethodsWriteTheDescriptor) {
+// An empty directory is the current one.
+TEST(CGModelSerialize, ScriptMethodsWriteTheDescriptorInTheNamedOrCurrentDirectory) {
     PlexoInitialize_velcg();
     vel::feature::ScopedValue switchValue(VELFEAT_VelCGDirectEmitSerialize, 2);
-    TempDir dir;
-    NamedModel model;
-    fillModel(model);
     korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
-    const tuvArrayPtr directory = tuvArray::fromUtf8(dir.path().string());
-    client.callMethod(model.makeRef(), "serializeModel", {directory});
-    client.callMethod(model.makeRef(), "serializeModelAfterScriv", {directory});
-    EXPECT_EQ(expectedDump(2), dumpOf(storeIn(dir)));
+    const auto previous = std::filesystem::current_path();
+    for (const bool current : {false, true}) {
+        TempDir dir;
+        std::filesystem::current_path(current ? dir.path() : previous);
+        const tuvArrayPtr directory = tuvArray::fromUtf8(current ? "" : dir.path().string());
+        {
+            NamedModel model;
+            fillModel(model);
+            client.callMethod(model.makeRef(), "serializeModel", {directory});
+            client.callMethod(model.makeRef(), "serializeModelAfterScriv", {directory});
+        }
+        std::filesystem::current_path(previous);
+        EXPECT_EQ(expectedDump(2), dumpOf(storeIn(dir))) << (current ? "current directory" : "named");
+    }
 }
 
 } // namespace
