@@ -8,6 +8,7 @@ install(TARGETS velhost velcg EXPORT velcgTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY include/velcg DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_BINARY_DIR}/include/velcg/Version.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velcg)
 
 # The runtime for Python templates joins the package (velcg::velcg_python);
 # the module velcg and its type stub go to a site-packages folder under the

@@ -2,13 +2,12 @@
 // it: prints the stored model as an indented text tree or as JSON, or checks
 // that the file is a sound store of this program's format.
 //
-//   velcg_descriptor dump [--json] FILE
-//   velcg_descriptor check FILE
+//   velcg-descriptor dump [--json] FILE
+//   velcg-descriptor check FILE
 //
 // Only the result goes to standard output, and only once it is complete.
-// Problems go to standard error in the form "FILE: error: message", a
-// diagnostic followed by its identifier in brackets. Exit status: 0 done,
-// 1 the file could not be read or is unsound, 2 bad usage.
+// Problems go to standard error in the tools' common form,
+// "velcg-descriptor: error: FILE: message [identifier]".
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -19,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/ToolCli.hpp"
 #include "coder/Repository.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
@@ -32,12 +32,11 @@ using coder::RepositoryOptions;
 using namespace coder::descriptor;
 using Json = nlohmann::ordered_json;
 
-const char* const kUsage =
-    "usage: velcg_descriptor dump [--json] FILE\n"
-    "       velcg_descriptor check FILE\n"
-    "       velcg_descriptor --help\n";
-
-const char* const kHelp =
+const VelCG::cli::Tool kTool = {
+    "velcg-descriptor",
+    "usage: velcg-descriptor dump [--json] FILE\n"
+    "       velcg-descriptor check FILE\n"
+    "       velcg-descriptor --help | --version\n",
     "\n"
     "Reads a code descriptor store; the file is opened for reading only.\n"
     "\n"
@@ -48,12 +47,7 @@ const char* const kHelp =
     "                    reference and position, and that the model reads back;\n"
     "                    prints \"FILE: ok\"\n"
     "\n"
-    "Exit status: 0 done, 1 the file cannot be read or is unsound, 2 bad usage.\n";
-
-int usage() {
-    std::fputs(kUsage, stderr);
-    return 2;
-}
+    "Exit status: 0 done, 1 the file cannot be read or is unsound, 2 bad usage.\n"};
 
 // The same limit as the text dump: deep enough for any real model, while a
 // damaged store cannot exhaust the stack.
@@ -115,24 +109,16 @@ Repository openForReading(const std::string& file) {
     return Repository(std::filesystem::u8path(file), options);
 }
 
-void reportError(const std::string& file, const std::string& message) {
-    std::fprintf(stderr, "%s: error: %s\n", file.c_str(), message.c_str());
-}
-
-void reportDiagnostic(const std::string& file, const vel::diag::Exception& e) {
-    reportError(file, e.diagnostic().message() + " [" + e.identifier() + "]");
-}
-
 // Writes the complete result; a failing standard output is a failure too.
-int emit(const std::string& file, const std::string& text) {
+int emit(const VelCG::cli::Tool& tool, const std::string& file, const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        reportError(file, std::string("cannot write the output: ") + std::strerror(errno));
+        VelCG::cli::error(tool, file, std::string("cannot write the output: ") + std::strerror(errno));
         return 1;
     }
     return 0;
 }
 
-int dump(const std::string& file, bool json) {
+int dump(const VelCG::cli::Tool& tool, const std::string& file, bool json) {
     std::string out;
     {
         Repository repository = openForReading(file);
@@ -144,40 +130,30 @@ int dump(const std::string& file, bool json) {
             out = dumpText(repository);
         }
     }
-    return emit(file, out);
+    return emit(tool, file, out);
 }
 
-int check(const std::string& file) {
+int check(const VelCG::cli::Tool& tool, const std::string& file) {
     Repository repository = openForReading(file);
     const int version = repository.getFormatVersion();
     if (version != Repository::kFormatVersion) {
-        reportError(file, "format version " + std::to_string(version) + ", but this program reads version " +
+        VelCG::cli::error(tool, file, "format version " + std::to_string(version) + ", but this program reads version " +
                               std::to_string(Repository::kFormatVersion));
         return 1;
     }
     const std::vector<std::string> problems = repository.checkIntegrity();
-    for (const std::string& problem : problems) reportError(file, problem);
+    for (const std::string& problem : problems) VelCG::cli::error(tool, file, problem);
     if (!problems.empty()) return 1;
     // Walks the whole model: a value of the wrong type, a missing record or
     // nesting too deep shows here.
     dumpText(repository);
-    return emit(file, file + ": ok\n");
+    return emit(tool, file, file + ": ok\n");
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    std::vector<std::string> args(argv + 1, argv + argc);
-    for (const std::string& arg : args) {
-        if (arg == "--") break;
-        if (arg == "--help" || arg == "-h") {
-            std::fputs(kUsage, stdout);
-            std::fputs(kHelp, stdout);
-            return 0;
-        }
-    }
-    if (args.empty()) return usage();
+int runTool(const VelCG::cli::Tool& tool, const std::vector<std::string>& args) {
+    if (args.empty()) throw VelCG::cli::UsageError("missing a command");
     const std::string command = args[0];
+    if (command != "dump" && command != "check") throw VelCG::cli::UsageError("unknown command '" + command + "'");
     bool json = false;
     std::vector<std::string> files;
     bool options = true;
@@ -187,20 +163,24 @@ int main(int argc, char** argv) {
         } else if (options && command == "dump" && args[i] == "--json") {
             json = true;
         } else if (options && args[i].size() > 1 && args[i][0] == '-') {
-            return usage();
+            throw VelCG::cli::UsageError("unknown option " + args[i]);
         } else {
             files.push_back(args[i]);
         }
     }
-    if ((command != "dump" && command != "check") || files.size() != 1) return usage();
+    if (files.size() != 1) throw VelCG::cli::UsageError(command + " takes one FILE");
 
     const std::string& file = files[0];
     try {
-        return command == "dump" ? dump(file, json) : check(file);
+        return command == "dump" ? dump(tool, file, json) : check(tool, file);
     } catch (const vel::diag::Exception& e) {
-        reportDiagnostic(file, e);
+        VelCG::cli::error(tool, file, e.diagnostic().message(), e.identifier());
     } catch (const std::exception& e) {
-        reportError(file, e.what());
+        VelCG::cli::error(tool, file, e.what());
     }
     return 1;
 }
+
+} // namespace
+
+int main(int argc, char** argv) { return VelCG::cli::run(kTool, argc, argv, &runTool); }

@@ -314,6 +314,8 @@ bool CGModel::getIsCompactFilePackaging() const {
 }
 
 void CGModel::serializeModel(const std::wstring& directory) {
+    // A mistyped switch is refused rather than read as the default.
+    VELFEAT_VelCGDirectEmitSerialize.checkOverride();
     // Two passes never write at once, and no running thread is dropped.
     joinSerializationThread();
     if (VELFEAT_VelCGDirectEmitSerialize.value() >= 2) {
@@ -324,6 +326,7 @@ void CGModel::serializeModel(const std::wstring& directory) {
 }
 
 void CGModel::serializeModelAfterScriv(const std::wstring& directory) {
+    VELFEAT_VelCGDirectEmitSerialize.checkOverride();
     joinSerializationThread();
     // After a failed first pass the description this pass would add to is
     // missing, or stale from an earlier run.

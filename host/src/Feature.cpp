@@ -22,14 +22,20 @@ RegistryData& registryData() {
     return *data;
 }
 
-// VEL_FEATURE_<name>=<integer> overrides the declared default.
-int initialValueFor(const std::string& name, int defaultValue) {
+// VEL_FEATURE_<name>=<integer> overrides the declared default. Any other
+// text leaves the default in force and is kept in `rejected`, so that the
+// switch's users can refuse it (features are declared during static
+// initialisation, where nothing may throw).
+int initialValueFor(const std::string& name, int defaultValue, std::string& rejected) {
     const char* text = std::getenv(("VEL_FEATURE_" + name).c_str());
     if (!text || !*text) return defaultValue;
     char* end = nullptr;
     errno = 0;
     long v = std::strtol(text, &end, 10);
-    if (errno != 0 || *end != '\0' || v < INT32_MIN || v > INT32_MAX) return defaultValue;
+    if (errno != 0 || *end != '\0' || end == text || v < INT32_MIN || v > INT32_MAX) {
+        rejected = text;
+        return defaultValue;
+    }
     return static_cast<int>(v);
 }
 } // namespace
@@ -41,7 +47,7 @@ Feature::Feature(std::string name, std::string description, std::string group, i
       group_(std::move(group)),
       source_(std::move(source)),
       default_(defaultValue),
-      initial_(initialValueFor(name_, defaultValue)),
+      initial_(initialValueFor(name_, defaultValue, rejectedOverride_)),
       value_(initial_) {
     Registry::add(*this);
 }
@@ -51,6 +57,12 @@ Feature::~Feature() { Registry::remove(*this); }
 int Feature::value() const {
     reads_.fetch_add(1, std::memory_order_relaxed);
     return value_.load(std::memory_order_acquire);
+}
+
+void Feature::checkOverride() const {
+    if (rejectedOverride_.empty()) return;
+    diag::throwErrorText("Feature:InvalidOverride", "The environment variable VEL_FEATURE_" + name_ + " holds '" +
+                                                        rejectedOverride_ + "', which is not an integer; set it to an integer or unset it.");
 }
 
 void Feature::set(int value) { value_.store(value, std::memory_order_release); }

@@ -49,14 +49,17 @@ public:
         Globals& add(std::string name, std::string text);
         Globals& add(std::string name, const char* text) { return add(std::move(name), std::string(text)); }
         Globals& add(std::string name, std::int64_t number);
+        // A dict of text keys and text values.
+        Globals& add(std::string name, std::vector<std::pair<std::string, std::string>> dictionary);
 
         struct Entry {
-            enum class Kind { Object, Text, Number };
+            enum class Kind { Object, Text, Number, Dictionary };
             std::string name;
             Kind kind = Kind::Text;
             vel::mi::Handle* object = nullptr;
             std::string text;
             std::int64_t number = 0;
+            std::vector<std::pair<std::string, std::string>> dictionary;
         };
         const std::vector<Entry>& entries() const { return entries_; }
 
@@ -67,6 +70,12 @@ public:
     // Runs the Python file at path as a script ("__main__"-like globals plus
     // `globals`); its directory is on sys.path while it runs.
     static void runTemplate(const std::string& path, const Globals& globals);
+    // The same, recording in `dependencies` what the template's output may
+    // depend on, for a build system: the files of the modules it imported
+    // from outside the standard library and the files it opened for
+    // reading, as absolute paths, sorted, each once, the template itself
+    // excluded. Recorded also when the template raises.
+    static void runTemplate(const std::string& path, const Globals& globals, std::vector<std::string>& dependencies);
     // The same for a template held in memory; fileName names it in tracebacks.
     static void runTemplateText(const std::string& source, const std::string& fileName,
                                 const Globals& globals);

@@ -51,6 +51,7 @@
 #include "velcg/VelCGDataTypesFile.hpp"
 #include "velcg/VelCGFile.hpp"
 #include "velcg/VelCGFileContent.hpp"
+#include "velcg/Version.hpp"
 #include "velcg/VelCGFileContentBuilder.hpp"
 #include "velcg/VelCGFileContentCreator.hpp"
 #include "velcg/VelCGFileRepository.hpp"

@@ -64,10 +64,76 @@ std::string tracebackText(const py::error_already_set& error) {
     }
 }
 
+// Records the files a template reads while `recording` is a set: an audit
+// hook sees every open (imports included), and the modules imported from
+// outside the standard library are added when the template ends. Audit
+// hooks cannot be removed, so one is installed per interpreter and does
+// nothing between runs.
+const char* const kDependencyRecorder = R"(
+import os, sys, sysconfig
+
+recording = None
+# Modules of the interpreter's own start-up (site and what it loads) are
+# nobody's dependency.
+_startup = set(sys.modules)
+_standard = tuple(os.path.realpath(p) + os.sep for p in {
+    sysconfig.get_path("stdlib"), sysconfig.get_path("platstdlib")} if p)
+_writing = os.O_WRONLY | os.O_RDWR
+
+def _hook(event, args):
+    if recording is None or event != "open":
+        return
+    path, mode, flags = args
+    if isinstance(path, int):
+        return
+    if mode is None:
+        if flags & _writing:
+            return
+    elif any(c in mode for c in "wax+"):
+        return
+    recording.add(os.path.abspath(os.fsdecode(path)))
+
+sys.addaudithook(_hook)
+
+def finish(template):
+    files = set(recording)
+    for name, module in list(sys.modules.items()):
+        path = getattr(module, "__file__", None) if name not in _startup else None
+        if isinstance(path, str):
+            files.add(os.path.abspath(path))
+    template = os.path.realpath(template)
+    return sorted(p for p in files
+                  if os.path.isfile(p) and not os.path.realpath(p).startswith(_standard)
+                  and os.path.realpath(p) != template)
+)";
+
+py::module_ dependencyRecorder() {
+    static py::module_* recorder = nullptr; // under the interpreter lock; lives with the interpreter
+    if (!recorder) {
+        py::object m = py::module_::import("types").attr("ModuleType")("_velcg_dependencies");
+        py::exec(kDependencyRecorder, m.attr("__dict__"));
+        recorder = new py::module_(py::reinterpret_borrow<py::module_>(m));
+    }
+    return *recorder;
+}
+
 void run(const std::string& source, const std::string& fileName, const std::string& directory,
-         const PythonRuntime::Globals& given) {
+         const PythonRuntime::Globals& given, std::vector<std::string>* dependencies) {
     ensureStarted();
     py::gil_scoped_acquire gil;
+    if (dependencies) dependencyRecorder().attr("recording") = py::set();
+    // Stops recording however the template ends, and hands over what it read.
+    auto finishRecording = [&] {
+        if (!dependencies) return;
+        try {
+            py::module_ recorder = dependencyRecorder();
+            dependencies->clear();
+            for (py::handle file : recorder.attr("finish")(fileName)) dependencies->push_back(file.cast<std::string>());
+            recorder.attr("recording") = py::none();
+        } catch (py::error_already_set& e) {
+            e.discard_as_unraisable("recording the template's dependencies");
+        }
+    };
     py::dict globals;
     py::list path;
     bool pathAdded = false;
@@ -86,6 +152,12 @@ void run(const std::string& source, const std::string& fileName, const std::stri
                 case PythonRuntime::Globals::Entry::Kind::Number:
                     globals[entry.name.c_str()] = py::int_(entry.number);
                     break;
+                case PythonRuntime::Globals::Entry::Kind::Dictionary: {
+                    py::dict d;
+                    for (const auto& [key, value] : entry.dictionary) d[py::str(key)] = py::str(value);
+                    globals[entry.name.c_str()] = std::move(d);
+                    break;
+                }
             }
         }
         if (!directory.empty()) {
@@ -100,10 +172,12 @@ void run(const std::string& source, const std::string& fileName, const std::stri
         std::string text = tracebackText(e);
         e.restore();
         PyErr_Clear();
+        finishRecording();
         if (pathAdded) path.attr("remove")(py::str(directory));
         globals.clear();
         vel::diag::throwError("VelCG:Python:TemplateFailed", {fileName, text});
     }
+    finishRecording();
     if (pathAdded) path.attr("remove")(py::str(directory));
     // Objects the template left in its globals are released now, not at exit.
     globals.clear();
@@ -129,6 +203,16 @@ PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, std::strin
     return *this;
 }
 
+PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name,
+                                                    std::vector<std::pair<std::string, std::string>> dictionary) {
+    Entry e;
+    e.name = std::move(name);
+    e.kind = Entry::Kind::Dictionary;
+    e.dictionary = std::move(dictionary);
+    entries_.push_back(std::move(e));
+    return *this;
+}
+
 PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, std::int64_t number) {
     Entry e;
     e.name = std::move(name);
@@ -138,19 +222,35 @@ PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, std::int64
     return *this;
 }
 
-void PythonRuntime::runTemplate(const std::string& path, const Globals& globals) {
+namespace {
+
+std::string readTemplate(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in) vel::diag::throwError("VelCG:Python:CannotReadTemplate", {path, "it cannot be opened"});
     std::ostringstream source;
     source << in.rdbuf();
     if (in.bad()) vel::diag::throwError("VelCG:Python:CannotReadTemplate", {path, "reading it failed"});
-    const std::string directory = boost::filesystem::absolute(path).parent_path().string();
-    run(source.str(), path, directory, globals);
+    return source.str();
+}
+
+std::string templateDirectory(const std::string& path) {
+    return boost::filesystem::absolute(path).parent_path().string();
+}
+
+} // namespace
+
+void PythonRuntime::runTemplate(const std::string& path, const Globals& globals) {
+    run(readTemplate(path), path, templateDirectory(path), globals, nullptr);
+}
+
+void PythonRuntime::runTemplate(const std::string& path, const Globals& globals,
+                                std::vector<std::string>& dependencies) {
+    run(readTemplate(path), path, templateDirectory(path), globals, &dependencies);
 }
 
 void PythonRuntime::runTemplateText(const std::string& source, const std::string& fileName,
                                     const Globals& globals) {
-    run(source, fileName, std::string(), globals);
+    run(source, fileName, std::string(), globals, nullptr);
 }
 
 bool PythonRuntime::isRunning() {

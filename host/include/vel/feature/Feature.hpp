@@ -14,7 +14,8 @@ namespace vel::feature {
 // is counted, so a host can tell which switches a run consulted.
 //
 // The initial value is the declared default unless the environment variable
-// VEL_FEATURE_<name> holds an integer, which then wins. set() changes the
+// VEL_FEATURE_<name> holds an integer, which then wins; any other text in
+// that variable is kept aside for checkOverride(). set() changes the
 // value for the rest of the process; reset() returns to the initial value.
 // Reads and writes are thread-safe.
 class VELHOST_API Feature {
@@ -33,6 +34,13 @@ public:
     void set(int value);
     void reset();
 
+    // Raises "Feature:InvalidOverride", naming the variable and its text,
+    // when VEL_FEATURE_<name> held something other than an integer. Code
+    // whose behaviour the switch selects calls it before acting, so that a
+    // mistyped value is refused instead of silently ignored.
+    void checkOverride() const;
+    const std::string& rejectedOverride() const { return rejectedOverride_; }
+
     std::uint64_t readCount() const { return reads_.load(std::memory_order_relaxed); }
     void resetReadCount() { reads_.store(0, std::memory_order_relaxed); }
 
@@ -49,6 +57,7 @@ private:
     std::string group_;
     std::string source_;
     int default_;
+    std::string rejectedOverride_;
     int initial_;
     std::atomic<int> value_;
     mutable std::atomic<std::uint64_t> reads_{0};
