@@ -33,4 +33,5 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/velcgConfigVersion.
   COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/velcgConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/velcgConfigVersion.cmake
+  ${PROJECT_SOURCE_DIR}/cmake/VelcgGenerate.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/velcg)

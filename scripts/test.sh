@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
 # Builds and runs every test:
 #   1. the layout of every C++ file of the tree against .clang-format;
-#   2. an optimised build, installed into a prefix, and a separate consumer
+#   2. an optimised build, installed into a prefix inside the build tree,
+#      then run from there with an empty environment: a separate consumer
 #      project built against that install with find_package(velcg), one of
-#      its programs running a Python template; the installed module imports;
-#      velcg-gen generates the larger example 1,000 times in one process
-#      with flat resident memory;
+#      its programs running a Python template; the installed tools, velcg-gen
+#      generating both examples; the installed module; a project generating
+#      both examples as a build step (velcg_generate) that rebuilds only what
+#      changed; velcg-gen generating the larger example 1,000 times in one
+#      process with flat resident memory;
 #   3. the whole suite under ThreadSanitizer (the tests labelled "threads"
 #      start threads of their own; the rest check that nothing else races);
 #   4. the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer;
@@ -27,7 +30,7 @@ echo "format check: ${#sources[@]} files"
 echo "== install and consumer check"
 cmake --preset release >/dev/null
 cmake --build --preset release -j "$jobs"
-rm -rf build/install build/consumer
+rm -rf build/install build/consumer build/install-check
 cmake --install build/release --prefix "$PWD/build/install" >/dev/null
 # Every installed header lies under include/velcg.
 stray=$(find build/install/include -mindepth 1 -maxdepth 1 ! -name velcg)
@@ -35,14 +38,28 @@ if [ -n "$stray" ]; then
   echo "install: outside include/velcg: $stray" >&2
   exit 1
 fi
-cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_PREFIX_PATH="$PWD/build/install" >/dev/null
-cmake --build build/consumer -j "$jobs"
-LD_LIBRARY_PATH="$PWD/build/install/lib:${LD_LIBRARY_PATH:-}" build/consumer/velcg_consumer
-LD_LIBRARY_PATH="$PWD/build/install/lib:${LD_LIBRARY_PATH:-}" build/consumer/velcg_python_consumer
+# Everything installed runs from the prefix with an empty environment: no
+# LD_LIBRARY_PATH, no PYTHONPATH beyond the module's own folder.
+clean_env=(env -i PATH=/usr/bin:/bin)
+"${clean_env[@]}" cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_PREFIX_PATH="$PWD/build/install" >/dev/null
+"${clean_env[@]}" cmake --build build/consumer -j "$jobs"
+"${clean_env[@]}" build/consumer/velcg_consumer
+"${clean_env[@]}" build/consumer/velcg_python_consumer
+for tool in velcg-gen velcg-inspect velcg-descriptor; do
+  "${clean_env[@]}" "build/install/bin/$tool" --help >/dev/null
+  "${clean_env[@]}" "build/install/bin/$tool" --version
+done
+for example in gain_model sensor_bus; do
+  "${clean_env[@]}" build/install/bin/velcg-gen "examples/$example/model.json" "examples/$example/template.py" \
+    -o "build/install-check/$example"
+  "${clean_env[@]}" build/install/bin/velcg-descriptor check "build/install-check/$example/codedescriptor.strata"
+done
 # The installed Python module imports from its site-packages folder, with its stub beside it.
 site=$(echo build/install/lib/python3*/site-packages)
 test -f "$site/velcg.pyi"
-PYTHONPATH="$PWD/$site" /usr/bin/python3 -c 'import velcg; print("velcg module:", len(velcg.sectionNames), "section names")'
+"${clean_env[@]}" PYTHONPATH="$PWD/$site" /usr/bin/python3 -c 'import velcg; print("velcg module:", len(velcg.sectionNames), "section names")'
+# Generation as a build step of a separate project (velcg_generate, Ninja).
+tests/buildstep/check_build_step.sh "$PWD/build/install" "$PWD"
 # The larger example generated 1,000 times in one process: resident memory
 # may grow by at most 2 MiB from the hundredth run to the last.
 tests/tools/check_velcg_gen_soak.sh build/release/tools/velcg-gen . 1000 2
