@@ -23,4 +23,4 @@ cc -std=c99 -Wall -Wextra -Werror -o "$out/demo" "$out/gain_model.c" "$out/gain_
 "$out/demo" 5 2
 
 echo "== the code descriptor"
-build/release/tools/velcg_descriptor dump "$out/codedescriptor.strata"
+build/release/tools/velcg-descriptor dump "$out/codedescriptor.strata"

@@ -1,4 +1,4 @@
-// velcg_descriptor run as a process on stores written here: whole outputs,
+// velcg-descriptor run as a process on stores written here: whole outputs,
 // exit statuses, and files left as they were.
 #include <fcntl.h>
 #include <functional>
@@ -284,10 +284,10 @@ const char* const kExpectedJson = R"expected({
 }
 )expected";
 
-const char* const kUsage =
-    "usage: velcg_descriptor dump [--json] FILE\n"
-    "       velcg_descriptor check FILE\n"
-    "       velcg_descriptor --help\n";
+const std::string kUsage =
+    "usage: velcg-descriptor dump [--json] FILE\n"
+    "       velcg-descriptor check FILE\n"
+    "       velcg-descriptor --help | --version\n";
 
 class DescriptorTool : public ::testing::Test {
 protected:
@@ -365,7 +365,7 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
         "DELETE FROM Port_DataInterfaces WHERE position = 0 AND owner = "
         "(SELECT id FROM Port WHERE GraphicalName = 'In1')");
     const std::string gapError =
-        "{F}: error: The code descriptor '{F}' is damaged: the positions of Port.DataInterfaces of record 2 "
+        "velcg-descriptor: error: {F}: The code descriptor '{F}' is damaged: the positions of Port.DataInterfaces of record 2 "
         "are not 0, 1, 2, ... [coder:descriptor:BrokenSequence]\n";
 
     struct Case {
@@ -378,38 +378,38 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
         {"empty file",
          [](const path& file) { writeBytes(file, ""); },
          {dump},
-         "{F}: error: '{F}' is not a code descriptor store; it was left unchanged. "
+         "velcg-descriptor: error: {F}: '{F}' is not a code descriptor store; it was left unchanged. "
          "[coder:Repository:NotAStore]\n"},
         {"one byte short",
          [&good](const path& file) { writeBytes(file, good.substr(0, good.size() - 1)); },
          {check},
-         "{F}: error: The code descriptor '{F}' is damaged: the file is " + std::to_string(good.size() - 1) +
+         "velcg-descriptor: error: {F}: The code descriptor '{F}' is damaged: the file is " + std::to_string(good.size() - 1) +
              " bytes long, but holds " + std::to_string(pages) +
              " pages of 4096 bytes [coder:Repository:Corrupt]\n"},
         {"newer format",
          copyWith("PRAGMA user_version = 2"),
          {check},
-         "{F}: error: The code descriptor '{F}' has format version 2, newer than version 1 that this program "
+         "velcg-descriptor: error: {F}: The code descriptor '{F}' has format version 2, newer than version 1 that this program "
          "reads; it was left unchanged. [coder:Repository:NewerFormat]\n"},
         {"gap in positions",
          gap,
          {check},
-         "{F}: error: table 'Port_DataInterfaces': owner 2 has positions other than 0, 1, 2, ...\n"},
+         "velcg-descriptor: error: {F}: table 'Port_DataInterfaces': owner 2 has positions other than 0, 1, 2, ...\n"},
         {"gap in positions", gap, {dump, json}, gapError},
         {"missing record",
          copyWith("DELETE FROM DataInterface WHERE Identifier = 'demo_signals.v'"),
          {json},
-         "{F}: error: The code descriptor '{F}' has no DataInterface record 2. "
+         "velcg-descriptor: error: {F}: The code descriptor '{F}' has no DataInterface record 2. "
          "[coder:descriptor:MissingRecord]\n"},
         {"missing file",
          [](const path&) {},
          {check},
-         "{F}: error: Cannot open the code descriptor '{F}': unable to open database file "
+         "velcg-descriptor: error: {F}: Cannot open the code descriptor '{F}': unable to open database file "
          "[coder:Repository:CannotOpen]\n"},
         {"no model",
          [](const path& file) { Repository repository(file); },
          {check, dump, json},
-         "{F}: error: The code descriptor '{F}' holds no model. [coder:descriptor:NoModel]\n"},
+         "velcg-descriptor: error: {F}: The code descriptor '{F}' holds no model. [coder:descriptor:NoModel]\n"},
         {"sources nested too deep",
          // Out1 gets a chain of 600 sources.
          copyWith(
@@ -417,7 +417,7 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
              "INSERT INTO Port (id, GraphicalSource) SELECT 1000 + i, IIF(i < 600, 1001 + i, NULL) FROM n; "
              "UPDATE Port SET GraphicalSource = 1001 WHERE GraphicalName = 'Out1'"),
          {check, dump, json},
-         "{F}: error: The records nest more than 512 levels deep. [coder:descriptor:TooDeep]\n"},
+         "velcg-descriptor: error: {F}: The records nest more than 512 levels deep. [coder:descriptor:TooDeep]\n"},
     };
     int index = 0;
     for (const Case& c : cases) {
@@ -457,9 +457,17 @@ TEST_F(DescriptorTool, UsageErrorsExitWithTwo) {
     for (const Case& c : cases) {
         std::string shown;
         for (const std::string& arg : c.args) shown += " " + arg;
-        SCOPED_TRACE("velcg_descriptor" + shown);
+        SCOPED_TRACE("velcg-descriptor" + shown);
         const ToolRun result = run(c.args, store_);
-        EXPECT_EQ(c.err, result.err);
+        // A usage error says what is wrong, then shows the usage.
+        if (c.status == 2) {
+            EXPECT_EQ(0u, result.err.rfind("velcg-descriptor: error: ", 0)) << result.err;
+            EXPECT_TRUE(result.err.size() > kUsage.size() &&
+                        result.err.compare(result.err.size() - kUsage.size(), kUsage.size(), kUsage) == 0)
+                << result.err;
+        } else {
+            EXPECT_EQ("", result.err);
+        }
         EXPECT_EQ(c.status, result.status);
         // Help is the usage and what each command does, on standard output.
         if (c.status == 0) {

@@ -1,4 +1,4 @@
-"""Checks the Python type stub that `velcg_inspect classes --python` prints.
+"""Checks the Python type stub that `velcg-inspect classes --python` prints.
 
 Usage: check_python_stub.py PATH_TO_VELCG_INSPECT
 """

@@ -3,6 +3,9 @@
 # generated C, runs it and compares what it prints, checks the code
 # descriptor, and checks the exit status and message of each kind of failure.
 #
+# Output directories change only as a whole: a failing run leaves them byte
+# for byte as they were, and unchanged files keep their modification time.
+#
 #   check_velcg_gen.sh VELCG_GEN VELCG_DESCRIPTOR SOURCE_DIR
 #
 # Works in a temporary directory, removed on success and kept for
@@ -44,6 +47,16 @@ expect_output() { # expected what
   fi
 }
 
+# Names, sizes, modification times and contents of a directory's files.
+snapshot() {
+  (cd "$1" && find . -type f -printf '%p %s %T@ ' -exec sha1sum {} \; | sort)
+}
+
+expect_unchanged() { # directory snapshot-file what
+  snapshot "$1" >"$work/now.snapshot"
+  cmp -s "$2" "$work/now.snapshot" || { fail "$3 changed $1:"; diff "$2" "$work/now.snapshot"; }
+}
+
 compile() { # directory program sources...
   local dir="$1" program="$2"
   shift 2
@@ -53,14 +66,14 @@ compile() { # directory program sources...
 
 check_descriptor() { # directory
   run "$descriptor" check "$1/codedescriptor.strata"
-  expect_status 0 "velcg_descriptor check on $1"
+  expect_status 0 "velcg-descriptor check on $1"
 }
 
 # --- gain_model: the template writes every file itself.
 out="$work/gain_model"
 run "$gen" "$examples/gain_model/model.json" "$examples/gain_model/template.py" -o "$out"
 expect_status 0 "velcg-gen on gain_model"
-expect_in "$work/stdout" "wrote $out/codedescriptor.strata (" "velcg-gen on gain_model"
+expect_in "$work/stdout" "descriptor written (level 1, 5 blocks)" "velcg-gen on gain_model"
 compile "$out" demo gain_model.c gain_model_main.c
 run "$out/demo" 3 0.5
 expect_output $'step 1: Out1 = 0.5\nstep 2: Out1 = 1\nstep 3: Out1 = 1.5' "gain_model"
@@ -72,7 +85,7 @@ run env VEL_FEATURE_VelCGDirectEmitSerialize=4 \
   "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
 expect_status 0 "velcg-gen on sensor_bus"
 for f in sensor_bus.h sensor_bus.c sensor_bus_types.h sensor_bus_main.c; do
-  expect_in "$work/stdout" "wrote $out/$f (" "velcg-gen on sensor_bus"
+  expect_in "$work/stdout" "wrote $out/$f" "velcg-gen on sensor_bus"
 done
 compile "$out" demo sensor_bus.c sensor_bus_main.c
 run sh -c "printf '180 1\n200 2\n260 3\n300 5\n150 4\n' | '$out/demo' Scale=0.1 Alpha=0.5 Lower=18 Upper=24"
@@ -85,7 +98,7 @@ run "$out/demo" NoSuchParameter=1
 expect_status 2 "sensor_bus demo with an unknown parameter"
 check_descriptor "$out"
 run "$descriptor" dump "$out/codedescriptor.strata"
-expect_status 0 "velcg_descriptor dump on sensor_bus"
+expect_status 0 "velcg-descriptor dump on sensor_bus"
 # Every record kind that a model's tree reaches. Region records are never
 # referenced from it (ports record data interfaces, not regions).
 for kind in Model System BlockHierarchyMap GraphicalSystem GraphicalBlock Port State BlockParameter \
@@ -93,25 +106,97 @@ for kind in Model System BlockHierarchyMap GraphicalSystem GraphicalBlock Port S
   grep -Eq "(^|[]:] )$kind\$" "$work/stdout" || fail "the sensor_bus descriptor dump shows no $kind record"
 done
 
+# --- a second run: nothing changes, not even a modification time; --check agrees
+snapshot "$out" >"$work/sensor_bus.snapshot"
+run env VEL_FEATURE_VelCGDirectEmitSerialize=4 \
+  "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
+expect_status 0 "velcg-gen again on sensor_bus"
+expect_output "velcg-gen: 0 file(s) written, 4 unchanged, 0 removed; descriptor unchanged (level 4, 15 blocks)" \
+  "velcg-gen again on sensor_bus"
+expect_unchanged "$out" "$work/sensor_bus.snapshot" "a second run"
+run env VEL_FEATURE_VelCGDirectEmitSerialize=4 \
+  "$gen" --check "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
+expect_status 0 "velcg-gen --check on a current directory"
+printf '/* edited */\n' >>"$out/sensor_bus.c"
+snapshot "$out" >"$work/edited.snapshot"
+run env VEL_FEATURE_VelCGDirectEmitSerialize=4 \
+  "$gen" --check "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
+expect_status 1 "velcg-gen --check on an edited file"
+expect_output "$out/sensor_bus.c would be written
+velcg-gen: $out: out of date" "velcg-gen --check on an edited file"
+expect_unchanged "$out" "$work/edited.snapshot" "velcg-gen --check"
+
+# --- options reach the template; files of earlier runs that are no longer
+# generated are removed, and nothing else
+printf 'import os\nfor name, text in options.items():\n    open(os.path.join(outputDirectory, name), "w").write(text)\n' >"$work/options.py"
+out="$work/options"
+run "$gen" "$examples/gain_model/model.json" "$work/options.py" -o "$out" -D extra.txt=one -Dsecond.txt=a=b
+expect_status 0 "velcg-gen with -D"
+[ "$(cat "$out/extra.txt")" = one ] && [ "$(cat "$out/second.txt")" = a=b ] || fail "-D did not reach the template"
+touch "$out/mine.txt"
+run "$gen" "$examples/gain_model/model.json" "$work/options.py" -o "$out" -D second.txt=a=b
+expect_in "$work/stdout" "removed $out/extra.txt" "velcg-gen after a file is no longer generated"
+[ ! -e "$out/extra.txt" ] && [ -e "$out/second.txt" ] && [ -e "$out/mine.txt" ] ||
+  fail "velcg-gen removed the wrong files: $(ls "$out")"
+
+# A manifest that names files outside the output directory is refused, and
+# nothing is removed.
+touch "$work/victim.txt"
+printf 'velcg-gen manifest 1\n../victim.txt\n' >"$out/.velcg-gen-manifest"
+run "$gen" "$examples/gain_model/model.json" "$work/options.py" -o "$out"
+expect_status 1 "velcg-gen with a hostile manifest"
+expect_in "$work/stderr" "'../victim.txt' is not a file inside the output directory" "velcg-gen with a hostile manifest"
+expect_in "$work/stderr" "[VelCG:Gen:BadManifest]" "velcg-gen with a hostile manifest"
+[ -e "$work/victim.txt" ] || fail "velcg-gen removed a file outside its output directory"
+
+# The depfile names what the template read, paths with spaces escaped.
+mkdir -p "$work/odd dir"
+printf 'def value():\n    return 1\n' >"$work/odd dir/helper_mod.py"
+printf 'data\n' >"$work/odd dir/data #1.txt"
+printf 'import sys\nsys.path.insert(0, %s)\nimport helper_mod\nopen(%s).read()\n' \
+  "'$work/odd dir'" "'$work/odd dir/data #1.txt'" >"$work/reads.py"
+run "$gen" "$examples/gain_model/model.json" "$work/reads.py" -o "$work/reads" --depfile "$work/reads.d"
+expect_status 0 "velcg-gen --depfile"
+expect_in "$work/reads.d" "$work/reads/.velcg-gen-manifest:" "the depfile"
+expect_in "$work/reads.d" "${work}/odd\ dir/helper_mod.py" "the depfile"
+expect_in "$work/reads.d" "${work}/odd\ dir/data\ \#1.txt" "the depfile"
+expect_in "$work/reads.d" "$examples/gain_model/model.json" "the depfile"
+! grep -q "python3\.[0-9]*/os\.py" "$work/reads.d" || fail "the depfile names standard library modules"
+
 # --- failures
 run "$gen"
-expect_status 1 "velcg-gen without arguments"
+expect_status 2 "velcg-gen without arguments"
 expect_in "$work/stderr" "usage: velcg-gen MODEL.json TEMPLATE.py -o OUTDIR" "velcg-gen without arguments"
 run "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py"
-expect_status 1 "velcg-gen without -o"
-expect_in "$work/stderr" "missing -o OUTDIR" "velcg-gen without -o"
+expect_status 2 "velcg-gen without -o"
+expect_in "$work/stderr" "velcg-gen: error: missing -o OUTDIR" "velcg-gen without -o"
+run "$gen" --help
+expect_status 0 "velcg-gen --help"
+expect_in "$work/stdout" "--depfile FILE" "velcg-gen --help"
+run env VEL_FEATURE_VelCGDirectEmitSerialize=7x "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$work/switch"
+expect_status 1 "velcg-gen with a switch that is no integer"
+expect_in "$work/stderr" "VEL_FEATURE_VelCGDirectEmitSerialize holds '7x', which is not an integer" "velcg-gen with a bad switch"
+run env VEL_FEATURE_VelCGDirectEmitSerialize=0 "$gen" "$examples/gain_model/model.json" "$examples/gain_model/template.py" -o "$work/level0"
+expect_in "$work/stdout" "no descriptor (level 0)" "velcg-gen at level 0"
+[ ! -e "$work/level0/codedescriptor.strata" ] || fail "velcg-gen wrote a descriptor at level 0"
+touch "$work/afile"
+run "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$work/afile/sub"
+expect_status 1 "velcg-gen into a path through a file"
+expect_in "$work/stderr" "velcg-gen: error: Cannot create the output directory '$work/afile/sub': Not a directory. [VelCG:Gen:CannotCreateDirectory]" \
+  "velcg-gen into a path through a file"
 
 printf '{\n  "format": "velcg-model-description",\n  "formatVersion": 1,\n  "name": }\n' >"$work/bad.json"
 run "$gen" "$work/bad.json" "$examples/sensor_bus/template.py" -o "$work/bad"
 expect_status 1 "velcg-gen on malformed JSON"
 expect_in "$work/stderr" "$work/bad.json:4:11: not valid JSON" "velcg-gen on malformed JSON"
 
-printf 'def fail():\n    raise RuntimeError("deliberate failure")\n\n\nfail()\n' >"$work/raises.py"
-run "$gen" "$examples/sensor_bus/model.json" "$work/raises.py" -o "$work/raised"
-expect_status 2 "velcg-gen with a template that raises"
-expect_in "$work/stderr" "File \"$work/raises.py\", line 2, in fail" "velcg-gen with a template that raises"
+# A template that raises after writing leaves the earlier outputs byte for byte.
+printf 'import os\nopen(os.path.join(outputDirectory, "sensor_bus.h"), "w").write("half")\ndef fail():\n    raise RuntimeError("deliberate failure")\n\n\nfail()\n' >"$work/raises.py"
+run "$gen" "$examples/sensor_bus/model.json" "$work/raises.py" -o "$work/sensor_bus"
+expect_status 1 "velcg-gen with a template that raises"
+expect_in "$work/stderr" "File \"$work/raises.py\", line 4, in fail" "velcg-gen with a template that raises"
 expect_in "$work/stderr" "RuntimeError: deliberate failure" "velcg-gen with a template that raises"
-[ ! -e "$work/raised/sensor_bus.h" ] || fail "velcg-gen wrote files after the template raised"
+expect_unchanged "$work/sensor_bus" "$work/edited.snapshot" "a template that raises"
 
 cat >"$work/writes.py" <<'EOF'
 import os
@@ -135,29 +220,30 @@ if [ "$(cat "$work/writes/sensor_bus.h" 2>&1)" != "/* written by the template */
   cat "$work/writes/sensor_bus.h"
 fi
 [ -e "$work/writes/sensor_bus.c" ] || fail "velcg-gen did not write the files the template left"
-expect_in "$work/stderr" "velcg-gen: warning: VelCG:CustomContents:PlacedNotRetrieved: Custom section 'Notes' of file" \
+expect_in "$work/stderr" "velcg-gen: warning: Custom section 'Notes' of file" \
   "velcg-gen with a custom section placed but never retrieved"
 ! grep -qF "never retrieved */" "$work/writes/"* || fail "velcg-gen wrote a custom section placed but never retrieved"
 
 # Faults met while writing the generated files: each run fails naming the
-# file, and the files finished before it keep their content. The descriptor
-# is switched off where it would meet the fault first.
+# file, and the output directory stays as it was. The descriptor is switched
+# off where it would meet the fault first.
 printf 'import shutil\n\nshutil.rmtree(outputDirectory)\n' >"$work/vanishes.py"
 run "$gen" "$examples/sensor_bus/model.json" "$work/vanishes.py" -o "$work/vanished"
 expect_status 1 "velcg-gen into a directory that vanished"
-expect_in "$work/stderr" "velcg-gen: Cannot open '$work/vanished/sensor_bus.h' for writing: No such file or directory." \
+expect_in "$work/stderr" "velcg-gen: error: Cannot write '$work/vanished/sensor_bus.h': No such file or directory." \
   "velcg-gen into a directory that vanished"
 
 # A file size limit of 2 KiB (sensor_bus.c is larger), with SIGXFSZ ignored so that the write fails
 # instead of killing the process.
 out="$work/limited"
+cp -a "$work/sensor_bus" "$out"
+snapshot "$out" >"$work/limited.snapshot"
 run bash -c 'trap "" XFSZ; ulimit -f 2; exec "$@"' limited env VEL_FEATURE_VelCGDirectEmitSerialize=0 \
   "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
 expect_status 1 "velcg-gen under a file size limit"
-expect_in "$work/stderr" "velcg-gen: $out/sensor_bus.c: " "velcg-gen under a file size limit"
+expect_in "$work/stderr" "velcg-gen: error: $out/sensor_bus.c: " "velcg-gen under a file size limit"
 expect_in "$work/stderr" "File too large." "velcg-gen under a file size limit"
-cmp -s "$out/sensor_bus.h" "$work/sensor_bus/sensor_bus.h" ||
-  fail "velcg-gen under a file size limit damaged sensor_bus.h, written before the fault"
+expect_unchanged "$out" "$work/limited.snapshot" "velcg-gen under a file size limit"
 
 # A write-protected output directory; the superuser, whom permissions do not
 # bind, runs velcg-gen as the user nobody (where nobody can reach the build
@@ -173,7 +259,7 @@ if "${as_user[@]}" test -x "$gen" -a -r "$examples/sensor_bus/template.py" 2>/de
   run "${as_user[@]}" env VEL_FEATURE_VelCGDirectEmitSerialize=0 \
     "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
   expect_status 1 "velcg-gen into a write-protected directory"
-  expect_in "$work/stderr" "velcg-gen: Cannot open '$out/sensor_bus.h' for writing: Permission denied." \
+  expect_in "$work/stderr" "velcg-gen: error: Cannot create the staging directory '$out/.velcg-gen-staging': Permission denied." \
     "velcg-gen into a write-protected directory"
 else
   echo "note: the user nobody cannot run $gen; the write-protected directory case is left out"
