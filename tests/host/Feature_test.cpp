@@ -57,16 +57,33 @@ TEST(Feature, RegistryFindsDeclaredFeaturesAndRefusesDuplicates) {
     EXPECT_EQ(nullptr, vel::feature::Registry::find("TestFeatureRegistry")) << "destroyed features leave";
 }
 
+// Text that is no integer leaves the default in force and is refused by
+// checkOverride, naming the variable and the text.
 TEST(Feature, EnvironmentOverridesTheDefaultOnlyWithAnInteger) {
     struct Row {
         const char* env;
         int expected;
-    } rows[] = {{"7", 7}, {"-2", -2}, {"", 5}, {"x1", 5}, {"3x", 5}, {"99999999999", 5}};
+        bool refused;
+    } rows[] = {{"7", 7, false},  {"-2", -2, false}, {"", 5, false},
+                {"x1", 5, true},  {"3x", 5, true},   {"99999999999", 5, true},
+                {" ", 5, true},   {"abc", 5, true}};
     for (const auto& r : rows) {
         setEnvironment("VEL_FEATURE_TestFeatureEnv", r.env);
         Feature f("TestFeatureEnv", "env", "Test[Unit]", 5);
         EXPECT_EQ(r.expected, f.value()) << "'" << r.env << "'";
         EXPECT_EQ(5, f.defaultValue());
+        if (r.refused) {
+            try {
+                f.checkOverride();
+                ADD_FAILURE() << "'" << r.env << "' was not refused";
+            } catch (const vel::diag::Exception& e) {
+                EXPECT_EQ("Feature:InvalidOverride", e.identifier());
+                EXPECT_NE(std::string::npos,
+                          e.diagnostic().message().find("VEL_FEATURE_TestFeatureEnv holds '" + std::string(r.env) + "'"));
+            }
+        } else {
+            EXPECT_NO_THROW(f.checkOverride()) << "'" << r.env << "'";
+        }
         f.set(100);
         f.reset();
         EXPECT_EQ(r.expected, f.value()) << "reset returns to the initial value";

@@ -163,6 +163,20 @@ expect_in "$work/reads.d" "${work}/odd\ dir/data\ \#1.txt" "the depfile"
 expect_in "$work/reads.d" "$examples/gain_model/model.json" "the depfile"
 ! grep -q "python3\.[0-9]*/os\.py" "$work/reads.d" || fail "the depfile names standard library modules"
 
+# One run at a time: with --no-wait a second run fails naming the directory;
+# a holder killed with SIGKILL leaves no lock behind.
+mkdir "$work/locked"
+flock --no-fork "$work/locked" sleep 30 &
+holder=$!
+sleep 0.3
+run "$gen" --no-wait "$examples/gain_model/model.json" "$work/options.py" -o "$work/locked"
+expect_status 1 "velcg-gen --no-wait into a locked directory"
+expect_in "$work/stderr" "Another velcg-gen run is generating into '$work/locked'" "velcg-gen --no-wait into a locked directory"
+kill -KILL "$holder"
+wait "$holder" 2>/dev/null
+run "$gen" --no-wait "$examples/gain_model/model.json" "$work/options.py" -o "$work/locked"
+expect_status 0 "velcg-gen after the lock holder was killed"
+
 # --- failures
 run "$gen"
 expect_status 2 "velcg-gen without arguments"
