@@ -137,7 +137,8 @@ int check(const VelCG::cli::Tool& tool, const std::string& file) {
     Repository repository = openForReading(file);
     const int version = repository.getFormatVersion();
     if (version != Repository::kFormatVersion) {
-        VelCG::cli::error(tool, file, "format version " + std::to_string(version) + ", but this program reads version " +
+        VelCG::cli::error(tool, file,
+                          "format version " + std::to_string(version) + ", but this program reads version " +
                               std::to_string(Repository::kFormatVersion));
         return 1;
     }
@@ -153,7 +154,8 @@ int check(const VelCG::cli::Tool& tool, const std::string& file) {
 int runTool(const VelCG::cli::Tool& tool, const std::vector<std::string>& args) {
     if (args.empty()) throw VelCG::cli::UsageError("missing a command");
     const std::string command = args[0];
-    if (command != "dump" && command != "check") throw VelCG::cli::UsageError("unknown command '" + command + "'");
+    if (command != "dump" && command != "check")
+        throw VelCG::cli::UsageError("unknown command '" + command + "'");
     bool json = false;
     std::vector<std::string> files;
     bool options = true;

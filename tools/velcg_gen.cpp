@@ -123,10 +123,11 @@ Options parseArguments(const std::vector<std::string>& arguments) {
         }
     }
     if (positional.size() != 2)
-        throw UsageError("expected a model description and a template, got " + std::to_string(positional.size()) +
-                         " file name(s)");
+        throw UsageError("expected a model description and a template, got " +
+                         std::to_string(positional.size()) + " file name(s)");
     if (options.outputDirectory.empty()) throw UsageError("missing -o OUTDIR");
-    if (options.check && !options.depfile.empty()) throw UsageError("--check writes nothing, so no --depfile");
+    if (options.check && !options.depfile.empty())
+        throw UsageError("--check writes nothing, so no --depfile");
     options.model = positional[0];
     options.templatePath = positional[1];
     return options;
@@ -165,14 +166,16 @@ void writeFiles(VelCG::VelCGFileRepository& repository, const OutputDirectory& o
         const std::string shown = (out.path() / name).string();
         progress.phase("writing files " + std::to_string(i + 1) + "/" + std::to_string(count));
         if (name.find('/') != std::string::npos || !OutputDirectory::isPlainRelativePath(name))
-            vel::diag::throwErrorText("VelCG:Gen:BadFileName", "'" + name +
-                                                                   "' is not a plain file name inside the output "
-                                                                   "directory; velcg-gen does not write it.");
+            vel::diag::throwErrorText("VelCG:Gen:BadFileName",
+                                      "'" + name +
+                                          "' is not a plain file name inside the output "
+                                          "directory; velcg-gen does not write it.");
         const fs::path path = out.staging() / fs::u8path(name);
-        std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(path.string().c_str(), "wb"), &std::fclose);
+        std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(path.string().c_str(), "wb"),
+                                                               &std::fclose);
         if (!stream)
-            vel::diag::throwErrorText("VelCG:Gen:CannotWrite", "Cannot write '" + shown + "': " +
-                                                                   std::strerror(errno) + ".");
+            vel::diag::throwErrorText("VelCG:Gen:CannotWrite",
+                                      "Cannot write '" + shown + "': " + std::strerror(errno) + ".");
         try {
             for (int kind = VelCG::BANNER_SECTION; kind <= VelCG::USERBOTTOM_SECTION; ++kind) {
                 const std::string section =
@@ -185,8 +188,8 @@ void writeFiles(VelCG::VelCGFileRepository& repository, const OutputDirectory& o
             vel::diag::throwErrorText(e.identifier(), shown + ": " + e.diagnostic().message());
         }
         if (std::fclose(stream.release()) != 0)
-            vel::diag::throwErrorText("VelCG:Gen:CannotWrite", "Cannot finish writing '" + shown + "': " +
-                                                                   std::strerror(errno) + ".");
+            vel::diag::throwErrorText("VelCG:Gen:CannotWrite",
+                                      "Cannot finish writing '" + shown + "': " + std::strerror(errno) + ".");
         bridge.setAttribute(i, "WrittenToDisk", true);
     }
 }
@@ -237,7 +240,8 @@ void writeDepfile(const Options& options, const OutputDirectory& out, std::vecto
         std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
         stream << text;
         stream.flush();
-        if (!stream) vel::diag::throwErrorText("VelCG:Gen:CannotWrite", "Cannot write '" + options.depfile + "'.");
+        if (!stream)
+            vel::diag::throwErrorText("VelCG:Gen:CannotWrite", "Cannot write '" + options.depfile + "'.");
     }
     std::error_code ec;
     fs::rename(temporary, options.depfile, ec);
@@ -262,12 +266,16 @@ int report(const Options& options, const OutputDirectory& out, const std::vector
                     std::printf("%s would be written\n", shown.c_str());
                 else if (!options.quiet)
                     std::printf("wrote %s\n", shown.c_str());
-                if (isDescriptor) descriptorState = "written";
-                else ++written;
+                if (isDescriptor)
+                    descriptorState = "written";
+                else
+                    ++written;
                 break;
             case Change::Kind::Unchanged:
-                if (isDescriptor) descriptorState = "unchanged";
-                else ++unchanged;
+                if (isDescriptor)
+                    descriptorState = "unchanged";
+                else
+                    ++unchanged;
                 break;
             case Change::Kind::Removed:
                 if (options.check)
@@ -280,20 +288,19 @@ int report(const Options& options, const OutputDirectory& out, const std::vector
     }
     const bool outdated = written + removed != 0 || (descriptorState && *descriptorState == 'w');
     if (options.quiet && !(options.check && outdated)) return options.check && outdated ? 1 : 0;
-    std::string descriptor = descriptorState ? std::string("descriptor ") +
-                                                   (options.check && *descriptorState == 'w'
-                                                        ? "would be written"
-                                                        : descriptorState) +
-                                                   " (level " + std::to_string(level) + ", " +
-                                                   std::to_string(blocks) + " blocks)"
-                                             : "no descriptor (level " + std::to_string(level) + ")";
+    std::string descriptor =
+        descriptorState
+            ? std::string("descriptor ") +
+                  (options.check && *descriptorState == 'w' ? "would be written" : descriptorState) +
+                  " (level " + std::to_string(level) + ", " + std::to_string(blocks) + " blocks)"
+            : "no descriptor (level " + std::to_string(level) + ")";
     if (options.check) {
         std::printf("velcg-gen: %s: %s\n", out.path().string().c_str(),
                     outdated ? "out of date" : ("up to date; " + descriptor).c_str());
         return outdated ? 1 : 0;
     }
-    std::printf("velcg-gen: %zu file(s) written, %zu unchanged, %zu removed; %s\n", written, unchanged, removed,
-                descriptor.c_str());
+    std::printf("velcg-gen: %zu file(s) written, %zu unchanged, %zu removed; %s\n", written, unchanged,
+                removed, descriptor.c_str());
     return 0;
 }
 

@@ -462,16 +462,17 @@ void printFeatures() {
 } // namespace
 
 int main(int argc, char** argv) {
-    return VelCG::cli::run(kTool, argc, argv, [](const VelCG::cli::Tool&, const std::vector<std::string>& args) {
-        const bool classes = !args.empty() && args[0] == "classes";
-        if (!classes && !(args.size() == 1 && args[0] == "features"))
-            throw VelCG::cli::UsageError(args.empty() ? "missing a command" : "unexpected arguments");
-        PlexoInitialize_velcg();
-        struct Terminate {
-            ~Terminate() { PlexoTerminate_velcg(); }
-        } terminate;
-        if (classes) return printClasses(args);
-        printFeatures();
-        return 0;
-    });
+    return VelCG::cli::run(
+        kTool, argc, argv, [](const VelCG::cli::Tool&, const std::vector<std::string>& args) {
+            const bool classes = !args.empty() && args[0] == "classes";
+            if (!classes && !(args.size() == 1 && args[0] == "features"))
+                throw VelCG::cli::UsageError(args.empty() ? "missing a command" : "unexpected arguments");
+            PlexoInitialize_velcg();
+            struct Terminate {
+                ~Terminate() { PlexoTerminate_velcg(); }
+            } terminate;
+            if (classes) return printClasses(args);
+            printFeatures();
+            return 0;
+        });
 }

@@ -61,8 +61,9 @@ int Feature::value() const {
 
 void Feature::checkOverride() const {
     if (rejectedOverride_.empty()) return;
-    diag::throwErrorText("Feature:InvalidOverride", "The environment variable VEL_FEATURE_" + name_ + " holds '" +
-                                                        rejectedOverride_ + "', which is not an integer; set it to an integer or unset it.");
+    diag::throwErrorText("Feature:InvalidOverride",
+                         "The environment variable VEL_FEATURE_" + name_ + " holds '" + rejectedOverride_ +
+                             "', which is not an integer; set it to an integer or unset it.");
 }
 
 void Feature::set(int value) { value_.store(value, std::memory_order_release); }

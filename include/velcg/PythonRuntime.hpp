@@ -75,7 +75,8 @@ public:
     // from outside the standard library and the files it opened for
     // reading, as absolute paths, sorted, each once, the template itself
     // excluded. Recorded also when the template raises.
-    static void runTemplate(const std::string& path, const Globals& globals, std::vector<std::string>& dependencies);
+    static void runTemplate(const std::string& path, const Globals& globals,
+                            std::vector<std::string>& dependencies);
     // The same for a template held in memory; fileName names it in tracebacks.
     static void runTemplateText(const std::string& source, const std::string& fileName,
                                 const Globals& globals);

@@ -51,7 +51,6 @@
 #include "velcg/VelCGDataTypesFile.hpp"
 #include "velcg/VelCGFile.hpp"
 #include "velcg/VelCGFileContent.hpp"
-#include "velcg/Version.hpp"
 #include "velcg/VelCGFileContentBuilder.hpp"
 #include "velcg/VelCGFileContentCreator.hpp"
 #include "velcg/VelCGFileRepository.hpp"
@@ -60,3 +59,4 @@
 #include "velcg/VelCGModuleFile.hpp"
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
+#include "velcg/Version.hpp"

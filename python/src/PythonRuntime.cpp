@@ -128,7 +128,8 @@ void run(const std::string& source, const std::string& fileName, const std::stri
         try {
             py::module_ recorder = dependencyRecorder();
             dependencies->clear();
-            for (py::handle file : recorder.attr("finish")(fileName)) dependencies->push_back(file.cast<std::string>());
+            for (py::handle file : recorder.attr("finish")(fileName))
+                dependencies->push_back(file.cast<std::string>());
             recorder.attr("recording") = py::none();
         } catch (py::error_already_set& e) {
             e.discard_as_unraisable("recording the template's dependencies");
@@ -203,8 +204,8 @@ PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, std::strin
     return *this;
 }
 
-PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name,
-                                                    std::vector<std::pair<std::string, std::string>> dictionary) {
+PythonRuntime::Globals& PythonRuntime::Globals::add(
+    std::string name, std::vector<std::pair<std::string, std::string>> dictionary) {
     Entry e;
     e.name = std::move(name);
     e.kind = Entry::Kind::Dictionary;

@@ -64,9 +64,8 @@ TEST(Feature, EnvironmentOverridesTheDefaultOnlyWithAnInteger) {
         const char* env;
         int expected;
         bool refused;
-    } rows[] = {{"7", 7, false},  {"-2", -2, false}, {"", 5, false},
-                {"x1", 5, true},  {"3x", 5, true},   {"99999999999", 5, true},
-                {" ", 5, true},   {"abc", 5, true}};
+    } rows[] = {{"7", 7, false}, {"-2", -2, false},        {"", 5, false}, {"x1", 5, true},
+                {"3x", 5, true}, {"99999999999", 5, true}, {" ", 5, true}, {"abc", 5, true}};
     for (const auto& r : rows) {
         setEnvironment("VEL_FEATURE_TestFeatureEnv", r.env);
         Feature f("TestFeatureEnv", "env", "Test[Unit]", 5);
@@ -79,7 +78,8 @@ TEST(Feature, EnvironmentOverridesTheDefaultOnlyWithAnInteger) {
             } catch (const vel::diag::Exception& e) {
                 EXPECT_EQ("Feature:InvalidOverride", e.identifier());
                 EXPECT_NE(std::string::npos,
-                          e.diagnostic().message().find("VEL_FEATURE_TestFeatureEnv holds '" + std::string(r.env) + "'"));
+                          e.diagnostic().message().find("VEL_FEATURE_TestFeatureEnv holds '" +
+                                                        std::string(r.env) + "'"));
             }
         } else {
             EXPECT_NO_THROW(f.checkOverride()) << "'" << r.env << "'";

@@ -365,7 +365,8 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
         "DELETE FROM Port_DataInterfaces WHERE position = 0 AND owner = "
         "(SELECT id FROM Port WHERE GraphicalName = 'In1')");
     const std::string gapError =
-        "velcg-descriptor: error: {F}: The code descriptor '{F}' is damaged: the positions of Port.DataInterfaces of record 2 "
+        "velcg-descriptor: error: {F}: The code descriptor '{F}' is damaged: the positions of "
+        "Port.DataInterfaces of record 2 "
         "are not 0, 1, 2, ... [coder:descriptor:BrokenSequence]\n";
 
     struct Case {
@@ -383,18 +384,20 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
         {"one byte short",
          [&good](const path& file) { writeBytes(file, good.substr(0, good.size() - 1)); },
          {check},
-         "velcg-descriptor: error: {F}: The code descriptor '{F}' is damaged: the file is " + std::to_string(good.size() - 1) +
-             " bytes long, but holds " + std::to_string(pages) +
+         "velcg-descriptor: error: {F}: The code descriptor '{F}' is damaged: the file is " +
+             std::to_string(good.size() - 1) + " bytes long, but holds " + std::to_string(pages) +
              " pages of 4096 bytes [coder:Repository:Corrupt]\n"},
         {"newer format",
          copyWith("PRAGMA user_version = 2"),
          {check},
-         "velcg-descriptor: error: {F}: The code descriptor '{F}' has format version 2, newer than version 1 that this program "
+         "velcg-descriptor: error: {F}: The code descriptor '{F}' has format version 2, newer than version 1 "
+         "that this program "
          "reads; it was left unchanged. [coder:Repository:NewerFormat]\n"},
         {"gap in positions",
          gap,
          {check},
-         "velcg-descriptor: error: {F}: table 'Port_DataInterfaces': owner 2 has positions other than 0, 1, 2, ...\n"},
+         "velcg-descriptor: error: {F}: table 'Port_DataInterfaces': owner 2 has positions other than 0, 1, "
+         "2, ...\n"},
         {"gap in positions", gap, {dump, json}, gapError},
         {"missing record",
          copyWith("DELETE FROM DataInterface WHERE Identifier = 'demo_signals.v'"),
@@ -409,7 +412,8 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
         {"no model",
          [](const path& file) { Repository repository(file); },
          {check, dump, json},
-         "velcg-descriptor: error: {F}: The code descriptor '{F}' holds no model. [coder:descriptor:NoModel]\n"},
+         "velcg-descriptor: error: {F}: The code descriptor '{F}' holds no model. "
+         "[coder:descriptor:NoModel]\n"},
         {"sources nested too deep",
          // Out1 gets a chain of 600 sources.
          copyWith(
@@ -417,7 +421,8 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
              "INSERT INTO Port (id, GraphicalSource) SELECT 1000 + i, IIF(i < 600, 1001 + i, NULL) FROM n; "
              "UPDATE Port SET GraphicalSource = 1001 WHERE GraphicalName = 'Out1'"),
          {check, dump, json},
-         "velcg-descriptor: error: {F}: The records nest more than 512 levels deep. [coder:descriptor:TooDeep]\n"},
+         "velcg-descriptor: error: {F}: The records nest more than 512 levels deep. "
+         "[coder:descriptor:TooDeep]\n"},
     };
     int index = 0;
     for (const Case& c : cases) {

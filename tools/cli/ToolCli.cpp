@@ -24,7 +24,8 @@ std::string explain(const std::filesystem::filesystem_error& e) {
 
 } // namespace
 
-void error(const Tool& tool, const std::string& file, const std::string& message, const std::string& identifier) {
+void error(const Tool& tool, const std::string& file, const std::string& message,
+           const std::string& identifier) {
     std::string line = std::string(tool.name) + ": error: ";
     if (!file.empty()) line += file + ": ";
     line += message;

@@ -53,10 +53,12 @@ std::vector<std::string> readList(const fs::path& file, const char* header, bool
     std::string line;
     std::vector<std::string> names;
     if (!std::getline(in, line) || line != header)
-        fail("BadManifest", "'" + file.string() + "' is not a list written by velcg-gen; remove it to start afresh.");
+        fail("BadManifest",
+             "'" + file.string() + "' is not a list written by velcg-gen; remove it to start afresh.");
     for (int number = 2; std::getline(in, line); ++number) {
         const std::string name = manifest && !line.empty() ? line.substr(0, line.size() - 1) : line;
-        if (!OutputDirectory::isPlainRelativePath(name) && !(manifest && name == OutputDirectory::kManifestName))
+        if (!OutputDirectory::isPlainRelativePath(name) &&
+            !(manifest && name == OutputDirectory::kManifestName))
             fail("BadManifest", "'" + file.string() + "', line " + std::to_string(number) + ": '" + line +
                                     "' is not a file inside the output directory; remove the file to start "
                                     "afresh.");
@@ -83,8 +85,8 @@ void writeList(const fs::path& file, const char* header, const std::vector<std::
 // Removes directories left empty by a removal, up to (not including) top.
 void removeEmptyParents(fs::path directory, const fs::path& top) {
     std::error_code ec;
-    while (directory != top && directory.string().size() > top.string().size() && fs::is_empty(directory, ec) &&
-           !ec) {
+    while (directory != top && directory.string().size() > top.string().size() &&
+           fs::is_empty(directory, ec) && !ec) {
         fs::remove(directory, ec);
         directory = directory.parent_path();
     }
@@ -98,7 +100,8 @@ bool OutputDirectory::isPlainRelativePath(const std::string& name) {
     std::size_t start = 0;
     for (;;) {
         const std::size_t end = name.find('/', start);
-        const std::string part = name.substr(start, end == std::string::npos ? std::string::npos : end - start);
+        const std::string part =
+            name.substr(start, end == std::string::npos ? std::string::npos : end - start);
         if (part.empty() || part == "." || part == "..") return false;
         if (start == 0 && part.rfind(".velcg-gen", 0) == 0) return false;
         if (end == std::string::npos) return true;
@@ -114,8 +117,8 @@ OutputDirectory::OutputDirectory(const fs::path& directory, bool wait, const std
         fs::create_directories(directory_, ec);
         if (ec || !fs::is_directory(directory_))
             fail("CannotCreateDirectory",
-                 "Cannot create the output directory '" + directory_.string() + "': " +
-                     (ec ? ec.message() : std::string("a file of that name is in the way")) + ".");
+                 "Cannot create the output directory '" + directory_.string() +
+                     "': " + (ec ? ec.message() : std::string("a file of that name is in the way")) + ".");
     }
     if (fs::is_directory(directory_, ec)) {
         lock_ = std::make_unique<vel::sys::DirectoryLock>(directory_, vel::sys::DirectoryLock::Wait::No);
@@ -164,8 +167,9 @@ std::vector<std::string> OutputDirectory::stagedFiles() const {
         const std::string name = it->path().lexically_relative(staging_).generic_string();
         if (name == kManifestName || name == kCommitName) continue;
         if (it->is_symlink(ec) || (!it->is_regular_file(ec) && !it->is_directory(ec)))
-            fail("NotAFile", "'" + name + "' was left in the output directory by the template, but it is not a "
-                                          "regular file; write files only.");
+            fail("NotAFile", "'" + name +
+                                 "' was left in the output directory by the template, but it is not a "
+                                 "regular file; write files only.");
         if (it->is_regular_file(ec)) {
             if (!isPlainRelativePath(name))
                 fail("BadFileName", "'" + name + "' is not a name velcg-gen can generate.");
@@ -188,18 +192,20 @@ std::vector<OutputDirectory::Change> OutputDirectory::compare() const {
     for (const std::string& name : staged) {
         const fs::path target = directory_ / fs::u8path(name);
         const bool exists = fs::exists(fs::symlink_status(target, ec));
-        changes.push_back({name, !exists                                           ? Change::Kind::Added
+        changes.push_back({name, !exists                                          ? Change::Kind::Added
                                  : sameBytes(staging_ / fs::u8path(name), target) ? Change::Kind::Unchanged
-                                                                                   : Change::Kind::Changed});
+                                                                                  : Change::Kind::Changed});
     }
     const std::set<std::string> kept(staged.begin(), staged.end());
     for (const std::string& name : readManifest()) {
         if (kept.count(name)) continue;
         const fs::path target = directory_ / fs::u8path(name);
-        if (fs::is_regular_file(fs::symlink_status(target, ec)) || fs::is_symlink(fs::symlink_status(target, ec)))
+        if (fs::is_regular_file(fs::symlink_status(target, ec)) ||
+            fs::is_symlink(fs::symlink_status(target, ec)))
             changes.push_back({name, Change::Kind::Removed});
     }
-    std::sort(changes.begin(), changes.end(), [](const Change& a, const Change& b) { return a.name < b.name; });
+    std::sort(changes.begin(), changes.end(),
+              [](const Change& a, const Change& b) { return a.name < b.name; });
     return changes;
 }
 
@@ -233,7 +239,8 @@ std::vector<OutputDirectory::Change> OutputDirectory::commit() {
     return changes;
 }
 
-void OutputDirectory::apply(const std::vector<std::string>& moves, const std::vector<std::string>& removals) const {
+void OutputDirectory::apply(const std::vector<std::string>& moves,
+                            const std::vector<std::string>& removals) const {
     std::error_code ec;
     for (const std::string& name : moves) {
         const fs::path from = staging_ / fs::u8path(name);
