@@ -8,7 +8,8 @@
 #      generating both examples; the installed module; a project generating
 #      both examples as a build step (velcg_generate) that rebuilds only what
 #      changed; velcg-gen generating the larger example 1,000 times in one
-#      process with flat resident memory;
+#      process with flat resident memory; 100 pairs of velcg-gen runs into
+#      one directory at once;
 #   3. the whole suite under ThreadSanitizer (the tests labelled "threads"
 #      start threads of their own; the rest check that nothing else races);
 #   4. the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer;
@@ -63,6 +64,8 @@ tests/buildstep/check_build_step.sh "$PWD/build/install" "$PWD"
 # The larger example generated 1,000 times in one process: resident memory
 # may grow by at most 2 MiB from the hundredth run to the last.
 tests/tools/check_velcg_gen_soak.sh build/release/tools/velcg-gen . 1000 2
+# 100 pairs of runs started at once into one output directory.
+tests/tools/check_velcg_gen_concurrent.sh build/release/tools/velcg-gen build/release/tools/velcg-descriptor . 100
 
 echo "== all tests under ThreadSanitizer"
 cmake --preset tsan >/dev/null
