@@ -1,10 +1,10 @@
-// Generates code for a model described in a file: loads the description,
-// creates the repository with the files it describes, runs the Python
-// template on them, writes every file the template did not write itself,
-// and records the model in codedescriptor.strata in both passes (as the
-// switch VelCGDirectEmitSerialize says). Everything lands in a staging
-// directory first and reaches the output directory only when the whole run
-// succeeded, each file only when its bytes changed (see OutputDirectory).
+// Generates code for a model described in a file: loads the description
+// and runs the Python template in a VelCG::Generation, which writes every
+// file the template did not write itself and records the model in
+// codedescriptor.strata in both passes (as the switch
+// VelCGDirectEmitSerialize says). Everything lands in a staging directory
+// first and reaches the output directory only when the whole run
+// succeeded, each file only when its bytes changed.
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -19,10 +19,7 @@
 #include <vector>
 
 #include "cli/ToolCli.hpp"
-#include "gen/OutputDirectory.hpp"
 #include "vel/diag/Diagnostic.hpp"
-#include "vel/feature/Feature.hpp"
-#include "vel/i18n/Text.hpp"
 #include "vel/io/Stream.hpp"
 #include "vel/sys/Process.hpp"
 #include "velcg/velcg.hpp"
@@ -31,7 +28,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
-using VelCG::gen::OutputDirectory;
+using VelCG::OutputDirectory;
 using Change = OutputDirectory::Change;
 
 const VelCG::cli::Tool kTool = {
@@ -152,55 +149,6 @@ private:
     bool enabled_;
 };
 
-// Writes every file the template left unwritten (and did not filter out)
-// into the staging directory, section by section in section order, through
-// the script bridge. Failures name the file as it will be in the output
-// directory.
-void writeFiles(VelCG::VelCGFileRepository& repository, const OutputDirectory& out, Progress& progress) {
-    VelCG::FileRepScrivBridge& bridge = repository.scrivBridge();
-    const int count = static_cast<int>(repository.getFileList().size());
-    for (int i = 0; i < count; ++i) {
-        const VelCG::VelCGFile& file = *repository.getFileList()[static_cast<std::size_t>(i)];
-        if (file.isWrittenToDisk() || file.getFiltered()) continue;
-        const std::string& name = file.getNameAscii();
-        const std::string shown = (out.path() / name).string();
-        progress.phase("writing files " + std::to_string(i + 1) + "/" + std::to_string(count));
-        if (name.find('/') != std::string::npos || !OutputDirectory::isPlainRelativePath(name))
-            vel::diag::throwErrorText("VelCG:Gen:BadFileName",
-                                      "'" + name +
-                                          "' is not a plain file name inside the output "
-                                          "directory; velcg-gen does not write it.");
-        const fs::path path = out.staging() / fs::u8path(name);
-        std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(path.string().c_str(), "wb"),
-                                                               &std::fclose);
-        if (!stream)
-            vel::diag::throwErrorText("VelCG:Gen:CannotWrite",
-                                      "Cannot write '" + shown + "': " + std::strerror(errno) + ".");
-        try {
-            for (int kind = VelCG::BANNER_SECTION; kind <= VelCG::USERBOTTOM_SECTION; ++kind) {
-                const std::string section =
-                    VelCG::getScrivSectionNameFromEnum(static_cast<VelCG::VelCGFileSectionKind>(kind));
-                if (section.empty()) continue;
-                bridge.appendMissingTokens(i, section);
-                bridge.writeSection(i, section, stream.get());
-            }
-        } catch (const vel::diag::Exception& e) {
-            vel::diag::throwErrorText(e.identifier(), shown + ": " + e.diagnostic().message());
-        }
-        if (std::fclose(stream.release()) != 0)
-            vel::diag::throwErrorText("VelCG:Gen:CannotWrite",
-                                      "Cannot finish writing '" + shown + "': " + std::strerror(errno) + ".");
-        bridge.setAttribute(i, "WrittenToDisk", true);
-    }
-}
-
-std::size_t blockCount(const VelCG::CGModel& model) {
-    std::size_t n = 0;
-    for (const VelCG::GraphicalSubsystem* s : model.getBlockHierarchyMap()->getSubsystems())
-        n += s->getBlocks().size();
-    return n;
-}
-
 double seconds(Clock::duration d) { return std::chrono::duration<double>(d).count(); }
 
 // A path in Make's depfile syntax.
@@ -220,13 +168,13 @@ std::string depfilePath(const fs::path& path) {
 
 // The depfile: the manifest (the first output of a build step) depends on
 // every file the run read.
-void writeDepfile(const Options& options, const OutputDirectory& out, std::vector<std::string> read) {
+void writeDepfile(const Options& options, const fs::path& directory, std::vector<std::string> read) {
     read.push_back(fs::absolute(options.model).lexically_normal().string());
     read.push_back(fs::absolute(options.templatePath).lexically_normal().string());
     std::sort(read.begin(), read.end());
     read.erase(std::unique(read.begin(), read.end()), read.end());
-    const std::string outputs = fs::absolute(out.path()).lexically_normal().string();
-    std::string text = depfilePath(fs::absolute(out.path() / OutputDirectory::kManifestName)) + ":";
+    const std::string outputs = fs::absolute(directory).lexically_normal().string();
+    std::string text = depfilePath(fs::absolute(directory / OutputDirectory::kManifestName)) + ":";
     for (const std::string& file : read) {
         // What the template read back of its own output is no input.
         if (file.compare(0, outputs.size(), outputs) == 0 &&
@@ -252,13 +200,14 @@ void writeDepfile(const Options& options, const OutputDirectory& out, std::vecto
 
 // Prints what the run changed, or with --check what it would change.
 // Returns the exit status.
-int report(const Options& options, const OutputDirectory& out, const std::vector<Change>& changes, int level,
-           std::size_t blocks) {
+int report(const Options& options, const fs::path& directory, const VelCG::Generation::Result& result) {
+    const int level = result.level;
+    const std::size_t blocks = result.blocks;
     std::size_t written = 0, unchanged = 0, removed = 0;
     const char* descriptorState = nullptr;
-    for (const Change& c : changes) {
+    for (const Change& c : result.changes) {
         const bool isDescriptor = c.name == VelCG::CGModel::kCodeDescriptorFileName;
-        const std::string shown = (out.path() / fs::u8path(c.name)).string();
+        const std::string shown = (directory / fs::u8path(c.name)).string();
         switch (c.kind) {
             case Change::Kind::Added:
             case Change::Kind::Changed:
@@ -295,7 +244,7 @@ int report(const Options& options, const OutputDirectory& out, const std::vector
                   " (level " + std::to_string(level) + ", " + std::to_string(blocks) + " blocks)"
             : "no descriptor (level " + std::to_string(level) + ")";
     if (options.check) {
-        std::printf("velcg-gen: %s: %s\n", out.path().string().c_str(),
+        std::printf("velcg-gen: %s: %s\n", directory.string().c_str(),
                     outdated ? "out of date" : ("up to date; " + descriptor).c_str());
         return outdated ? 1 : 0;
     }
@@ -307,67 +256,50 @@ int report(const Options& options, const OutputDirectory& out, const std::vector
 // One generation from the description to the committed output directory.
 // Returns the exit status; failures are thrown.
 int generate(const Options& options, Progress& progress, const int& passStatus, bool last) {
-    OutputDirectory out(
-        options.outputDirectory, options.wait,
-        [&] {
-            if (progress.enabled())
-                std::fprintf(stderr, "velcg-gen: waiting for another run generating into '%s'\n",
-                             options.outputDirectory.c_str());
-        },
-        !options.check);
-    const std::wstring staging = vel::i18n::toWide(out.staging().string());
-
+    VelCG::Generation::Settings settings;
+    settings.outputDirectory = options.outputDirectory;
+    settings.check = options.check;
+    settings.wait = options.wait;
+    settings.onWait = [&] {
+        if (progress.enabled())
+            std::fprintf(stderr, "velcg-gen: waiting for another run generating into '%s'\n",
+                         options.outputDirectory.c_str());
+    };
     progress.phase("loading " + options.model);
     const Clock::time_point start = Clock::now();
     VelCG::ModelDescription description = VelCG::ModelDescription::load(options.model);
-    VelCG::CGModel& model = *description.model;
     const Clock::time_point loaded = Clock::now();
-
-    // The model is complete: its first pass runs while the template does
-    // (on a background thread at the switch's default).
-    model.serializeModel(staging);
+    // Starts the first pass.
+    VelCG::Generation run(std::move(description), settings);
     const Clock::time_point firstPass = Clock::now();
-    VelCG::VelCGFileRepository repository;
-    description.createFiles(repository);
 
     progress.phase("running " + options.templatePath);
     VelCG::PythonRuntime::Globals globals;
-    globals.add("model", model)
-        .add("repository", repository)
-        .add("outputDirectory", out.staging().string())
-        .add("options", options.defines);
+    globals.add("model", run.model())
+        .add("repository", run.repository())
+        .add("outputDirectory", run.stagingDirectory().string())
+        .add("options", options.defines)
+        .addJson("data", run.description().templateData);
     std::vector<std::string> dependencies;
     VelCG::PythonRuntime::runTemplate(options.templatePath, globals, dependencies);
     const Clock::time_point templated = Clock::now();
 
-    writeFiles(repository, out, progress);
-    const Clock::time_point wrote = Clock::now();
-
-    progress.phase("serializing " + std::to_string(blockCount(model)) + " blocks");
-    model.serializeModelAfterScriv(staging);
-    // Destroying the model waits for the last pass and reports its failures.
-    const std::size_t blocks = blockCount(model);
-    description.model.reset();
-    const Clock::time_point serialized = Clock::now();
+    progress.phase("writing files and serializing");
+    const VelCG::Generation::Result result = run.finish();
     progress.done();
     if (passStatus != 0) throw VelCG::cli::Reported();
 
-    const std::vector<Change> changes = options.check ? out.compare() : out.commit();
-    if (!options.depfile.empty()) writeDepfile(options, out, std::move(dependencies));
-    const int level = VELFEAT_VelCGDirectEmitSerialize.peek();
-    const int status = last ? report(options, out, changes, level, blocks) : 0;
+    if (!options.depfile.empty()) writeDepfile(options, run.outputDirectory(), std::move(dependencies));
+    const int status = last ? report(options, run.outputDirectory(), result) : 0;
     if (options.times && last)
         std::fprintf(stderr, "velcg-gen: load %.3f s, template %.3f s, write %.3f s, serialize %.3f s\n",
-                     seconds(loaded - start), seconds(templated - firstPass), seconds(wrote - templated),
-                     seconds((firstPass - loaded) + (serialized - wrote)));
+                     seconds(loaded - start), seconds(templated - firstPass), seconds(result.writing),
+                     seconds((firstPass - loaded) + result.serializing));
     return status;
 }
 
 int generateAll(const VelCG::cli::Tool& tool, const std::vector<std::string>& arguments) {
     const Options options = parseArguments(arguments);
-    // A mistyped switch is refused before anything runs.
-    VELFEAT_VelCGDirectEmitSerialize.checkOverride();
-
     Progress progress;
     PlexoInitialize_velcg();
     struct Terminate {

@@ -338,6 +338,11 @@ void CGModel::serializeModelAfterScriv(const std::wstring& directory) {
     startSerializationThread(&CGModel::serializeModelAfterScrivImpl, directory);
 }
 
+void CGModel::finishSerialization() {
+    joinSerializationThread();
+    if (serializationError_) std::rethrow_exception(std::exchange(serializationError_, nullptr));
+}
+
 void CGModel::serializeModelImpl(const std::wstring& directory) {
     using vel::i18n::toUString;
     if (VELFEAT_VelCGDirectEmitSerialize.value() < 1) return;

@@ -276,6 +276,10 @@ public:
     // coder data groups to the description the first pass stored. A store
     // without a description raises "coder:descriptor:NoModel".
     void serializeModelAfterScriv(const std::wstring& directory);
+    // Waits for a background pass, if one runs, and rethrows the failure
+    // of a background pass kept since, once: a caller that needs to know
+    // the store is complete calls it after serializeModelAfterScriv.
+    void finishSerialization();
     // The passes themselves, on the caller's thread; they still write
     // nothing while the switch is below 1. REQUIRES: no background pass of
     // this model runs.

@@ -40,6 +40,10 @@ public:
 
     std::unique_ptr<CGModel> model;
     std::vector<ModelFileDescription> files;
+    // The document's "templateData", any JSON value, as compact JSON text;
+    // empty when the document has none. Not part of the model: code
+    // generators hand it to their templates.
+    std::string templateData;
 
     // Reads the file at path; sourceName in messages is the path.
     static ModelDescription load(const std::string& path);

@@ -49,11 +49,14 @@ public:
         Globals& add(std::string name, std::string text);
         Globals& add(std::string name, const char* text) { return add(std::move(name), std::string(text)); }
         Globals& add(std::string name, std::int64_t number);
+        // A value given as JSON text (null for empty text), as json.loads
+        // makes it.
+        Globals& addJson(std::string name, std::string json);
         // A dict of text keys and text values.
         Globals& add(std::string name, std::vector<std::pair<std::string, std::string>> dictionary);
 
         struct Entry {
-            enum class Kind { Object, Text, Number, Dictionary };
+            enum class Kind { Object, Text, Number, Dictionary, Json };
             std::string name;
             Kind kind = Kind::Text;
             vel::mi::Handle* object = nullptr;

@@ -153,6 +153,11 @@ void run(const std::string& source, const std::string& fileName, const std::stri
                 case PythonRuntime::Globals::Entry::Kind::Number:
                     globals[entry.name.c_str()] = py::int_(entry.number);
                     break;
+                case PythonRuntime::Globals::Entry::Kind::Json:
+                    globals[entry.name.c_str()] = entry.text.empty()
+                                                      ? py::object(py::none())
+                                                      : py::module_::import("json").attr("loads")(entry.text);
+                    break;
                 case PythonRuntime::Globals::Entry::Kind::Dictionary: {
                     py::dict d;
                     for (const auto& [key, value] : entry.dictionary) d[py::str(key)] = py::str(value);
@@ -210,6 +215,15 @@ PythonRuntime::Globals& PythonRuntime::Globals::add(
     e.name = std::move(name);
     e.kind = Entry::Kind::Dictionary;
     e.dictionary = std::move(dictionary);
+    entries_.push_back(std::move(e));
+    return *this;
+}
+
+PythonRuntime::Globals& PythonRuntime::Globals::addJson(std::string name, std::string json) {
+    Entry e;
+    e.name = std::move(name);
+    e.kind = Entry::Kind::Json;
+    e.text = std::move(json);
     entries_.push_back(std::move(e));
     return *this;
 }

@@ -146,7 +146,7 @@ printf 'velcg-gen manifest 1\n../victim.txt\n' >"$out/.velcg-gen-manifest"
 run "$gen" "$examples/gain_model/model.json" "$work/options.py" -o "$out"
 expect_status 1 "velcg-gen with a hostile manifest"
 expect_in "$work/stderr" "'../victim.txt' is not a file inside the output directory" "velcg-gen with a hostile manifest"
-expect_in "$work/stderr" "[VelCG:Gen:BadManifest]" "velcg-gen with a hostile manifest"
+expect_in "$work/stderr" "[VelCG:Generation:BadManifest]" "velcg-gen with a hostile manifest"
 [ -e "$work/victim.txt" ] || fail "velcg-gen removed a file outside its output directory"
 
 # The depfile names what the template read, paths with spaces escaped.
@@ -196,7 +196,7 @@ expect_in "$work/stdout" "no descriptor (level 0)" "velcg-gen at level 0"
 touch "$work/afile"
 run "$gen" "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$work/afile/sub"
 expect_status 1 "velcg-gen into a path through a file"
-expect_in "$work/stderr" "velcg-gen: error: Cannot create the output directory '$work/afile/sub': Not a directory. [VelCG:Gen:CannotCreateDirectory]" \
+expect_in "$work/stderr" "velcg-gen: error: Cannot create the output directory '$work/afile/sub': Not a directory. [VelCG:Generation:CannotCreateDirectory]" \
   "velcg-gen into a path through a file"
 
 printf '{\n  "format": "velcg-model-description",\n  "formatVersion": 1,\n  "name": }\n' >"$work/bad.json"

@@ -26,6 +26,8 @@ namespace {
 constexpr const char* kFormatKey = "format";
 constexpr const char* kVersionKey = "formatVersion";
 constexpr const char* kFilesKey = "files";
+// Any JSON value, handed to templates as it is.
+constexpr const char* kTemplateDataKey = "templateData";
 // Where an editor finds the JSON Schema of the document; not read further.
 constexpr const char* kSchemaKey = "$schema";
 
@@ -56,7 +58,8 @@ ModelDescription read(const Json& document, const std::string& sourceName) {
 
     if (auto schema = document.find(kSchemaKey); schema != document.end())
         reader.text(*schema, Place() / kSchemaKey);
-    modelFields().read(reader, document, Place(), *model, {kSchemaKey, kFormatKey, kVersionKey, kFilesKey});
+    modelFields().read(reader, document, Place(), *model,
+                       {kSchemaKey, kFormatKey, kVersionKey, kFilesKey, kTemplateDataKey});
     std::vector<ModelFileDescription> files;
     if (auto list = document.find(kFilesKey); list != document.end()) {
         const Place place = Place() / kFilesKey;
@@ -75,6 +78,8 @@ ModelDescription read(const Json& document, const std::string& sourceName) {
     ModelDescription result;
     result.model = std::move(model);
     result.files = std::move(files);
+    if (auto data = document.find(kTemplateDataKey); data != document.end())
+        result.templateData = data->dump();
     return result;
 }
 

@@ -6,9 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "vel/sys/DirectoryLock.hpp"
+#include "velcg/Export.hpp"
 
-namespace VelCG::gen {
+namespace vel::sys {
+class DirectoryLock;
+}
+
+namespace VelCG {
 
 // The output directory of a generation, changed only as a whole.
 //
@@ -27,7 +31,7 @@ namespace VelCG::gen {
 // directory as it was, apart from the staging directory, which the next run
 // removes. The directory is locked for the life of the object, so runs into
 // one directory take turns.
-class OutputDirectory {
+class VELCG_API OutputDirectory {
 public:
     struct Change {
         enum class Kind { Added, Changed, Unchanged, Removed };
@@ -36,11 +40,11 @@ public:
     };
 
     // Creates the directory, locks it (waiting for another holder when
-    // `wait`, after calling onWait; otherwise raising "VelCG:Gen:Busy"),
+    // `wait`, after calling onWait; otherwise raising "VelCG:Generation:Busy"),
     // finishes a commit a killed run left, and prepares an empty staging
-    // directory. With `recover` false (a check that writes nothing), an
-    // earlier run's leftovers are neither finished nor removed and the
-    // staging directory is made elsewhere.
+    // directory. Failures are "VelCG:Generation:<key>" diagnostics. With `recover` false (a check that writes
+    // nothing), an earlier run's leftovers are neither finished nor removed and the staging directory is made
+    // elsewhere.
     OutputDirectory(const std::filesystem::path& directory, bool wait, const std::function<void()>& onWait,
                     bool recover = true);
     // Removes the staging directory of a run that did not commit.
@@ -76,4 +80,4 @@ private:
     bool committed_ = false;
 };
 
-} // namespace VelCG::gen
+} // namespace VelCG

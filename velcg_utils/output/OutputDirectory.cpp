@@ -1,4 +1,4 @@
-#include "OutputDirectory.hpp"
+#include "velcg/OutputDirectory.hpp"
 
 #include <algorithm>
 #include <array>
@@ -8,8 +8,9 @@
 #include <system_error>
 
 #include "vel/diag/Diagnostic.hpp"
+#include "vel/sys/DirectoryLock.hpp"
 
-namespace VelCG::gen {
+namespace VelCG {
 
 namespace fs = std::filesystem;
 
@@ -20,7 +21,7 @@ constexpr const char* kManifestHeader = "velcg-gen manifest 1";
 constexpr const char* kCommitHeader = "velcg-gen commit 1";
 
 [[noreturn]] void fail(const std::string& identifier, const std::string& text) {
-    vel::diag::throwErrorText("VelCG:Gen:" + identifier, text);
+    vel::diag::throwErrorText("VelCG:Generation:" + identifier, text);
 }
 
 [[noreturn]] void failOn(const fs::path& path, const std::string& what, const std::error_code& ec) {
@@ -261,4 +262,4 @@ void OutputDirectory::apply(const std::vector<std::string>& moves,
     if (ec) failOn(staging_, "remove", ec);
 }
 
-} // namespace VelCG::gen
+} // namespace VelCG

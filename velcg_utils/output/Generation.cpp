@@ -1,0 +1,118 @@
+#include "velcg/Generation.hpp"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "vel/diag/Diagnostic.hpp"
+#include "vel/feature/Feature.hpp"
+#include "vel/i18n/Text.hpp"
+#include "velcg/BlockHierarchyMap.hpp"
+#include "velcg/CGModel.hpp"
+#include "velcg/Features.hpp"
+#include "velcg/FileRepScrivBridge.hpp"
+#include "velcg/GraphicalSubsystem.hpp"
+#include "velcg/VelCGFile.hpp"
+#include "velcg/VelCGFileRepository.hpp"
+#include "velcg/VelCGFileSectionKind.hpp"
+
+namespace VelCG {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::wstring wide(const fs::path& path) { return vel::i18n::toWide(path.string()); }
+
+std::size_t blockCount(const CGModel& model) {
+    std::size_t n = 0;
+    for (const GraphicalSubsystem* s : model.getBlockHierarchyMap()->getSubsystems())
+        n += s->getBlocks().size();
+    return n;
+}
+
+} // namespace
+
+Generation::Generation(ModelDescription description, Settings settings)
+    : settings_(std::move(settings)), description_(std::move(description)) {
+    if (!description_.model)
+        vel::diag::throwErrorText("VelCG:Generation:NoModel", "The description holds no model.");
+    // A mistyped switch is refused before anything is written.
+    VELFEAT_VelCGDirectEmitSerialize.checkOverride();
+    output_ = std::make_unique<OutputDirectory>(settings_.outputDirectory, settings_.wait, settings_.onWait,
+                                                !settings_.check);
+    // The model is complete: its first pass runs while the templates do (on
+    // a background thread at the switch's default).
+    description_.model->serializeModel(wide(output_->staging()));
+    repository_ = std::make_unique<VelCGFileRepository>();
+    description_.createFiles(*repository_);
+}
+
+Generation::~Generation() = default;
+
+CGModel& Generation::model() { return *description_.model; }
+VelCGFileRepository& Generation::repository() { return *repository_; }
+const fs::path& Generation::outputDirectory() const { return output_->path(); }
+const fs::path& Generation::stagingDirectory() const { return output_->staging(); }
+
+Generation::Result Generation::finish() {
+    if (finished_)
+        vel::diag::throwErrorText("VelCG:Generation:Finished", "The generation has finished already.");
+    finished_ = true;
+    using Clock = std::chrono::steady_clock;
+    Result result;
+    const Clock::time_point start = Clock::now();
+    writeUnwrittenFiles(*repository_, output_->staging(), output_->path());
+    const Clock::time_point written = Clock::now();
+    CGModel& model = *description_.model;
+    model.serializeModelAfterScriv(wide(output_->staging()));
+    model.finishSerialization();
+    result.writing = written - start;
+    result.serializing = Clock::now() - written;
+    result.blocks = blockCount(model);
+    result.level = VELFEAT_VelCGDirectEmitSerialize.peek();
+    result.changes = settings_.check ? output_->compare() : output_->commit();
+    return result;
+}
+
+void Generation::writeUnwrittenFiles(VelCGFileRepository& repository, const fs::path& directory,
+                                     const fs::path& shownDirectory) {
+    FileRepScrivBridge& bridge = repository.scrivBridge();
+    const int count = static_cast<int>(repository.getFileList().size());
+    for (int i = 0; i < count; ++i) {
+        const VelCGFile& file = *repository.getFileList()[static_cast<std::size_t>(i)];
+        if (file.isWrittenToDisk() || file.getFiltered()) continue;
+        const std::string& name = file.getNameAscii();
+        const std::string shown = (shownDirectory / name).string();
+        if (name.find('/') != std::string::npos || !OutputDirectory::isPlainRelativePath(name))
+            vel::diag::throwErrorText("VelCG:Generation:BadFileName",
+                                      "'" + name +
+                                          "' is not a plain file name inside the output directory; it "
+                                          "is not written.");
+        const fs::path path = directory / fs::u8path(name);
+        std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(path.string().c_str(), "wb"),
+                                                               &std::fclose);
+        if (!stream)
+            vel::diag::throwErrorText("VelCG:Generation:CannotWrite",
+                                      "Cannot write '" + shown + "': " + std::strerror(errno) + ".");
+        try {
+            for (int kind = BANNER_SECTION; kind <= USERBOTTOM_SECTION; ++kind) {
+                const std::string section =
+                    getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(kind));
+                if (section.empty()) continue;
+                bridge.appendMissingTokens(i, section);
+                bridge.writeSection(i, section, stream.get());
+            }
+        } catch (const vel::diag::Exception& e) {
+            vel::diag::throwErrorText(e.identifier(), shown + ": " + e.diagnostic().message());
+        }
+        if (std::fclose(stream.release()) != 0)
+            vel::diag::throwErrorText("VelCG:Generation:CannotWrite",
+                                      "Cannot finish writing '" + shown + "': " + std::strerror(errno) + ".");
+        bridge.setAttribute(i, "WrittenToDisk", true);
+    }
+}
+
+} // namespace VelCG
