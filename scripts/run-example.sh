@@ -20,7 +20,7 @@ build/release/tools/velcg-gen examples/gain_model/model.json examples/gain_model
 
 echo "== building the generated code"
 cc -std=c99 -Wall -Wextra -Werror -o "$out/demo" "$out/gain_model.c" "$out/gain_model_main.c"
-"$out/demo" 5 2
+"$out/demo"
 
 echo "== the code descriptor"
 build/release/tools/velcg-descriptor dump "$out/codedescriptor.strata"

@@ -38,7 +38,13 @@ int main(int argc, char** argv) {
         // The template fills every file through the script bridge and
         // writes it into the output directory.
         VelCG::PythonRuntime::Globals globals;
-        globals.add("model", *model).add("repository", repository).add("outputDirectory", directory);
+        // The values a description's templateData would give: three steps
+        // with gain 0.5.
+        globals.add("model", *model)
+            .add("repository", repository)
+            .add("outputDirectory", directory)
+            .add("options", std::vector<std::pair<std::string, std::string>>())
+            .addJson("data", R"({"steps": 3, "gain": 0.5})");
         VelCG::PythonRuntime::runTemplate(templatePath, globals);
         // The scripts have run: add the coder data groups to the description.
         model->serializeModelAfterScriv(buildDirectory);

@@ -6,6 +6,9 @@ bridge (files by index, attributes and sections by name).
 
 Globals given by the generator:
   model            the velcg.CGModel
+  data             the description's "templateData": {"steps": N, "gain": G},
+                   how many steps the generated main runs and the gain it sets
+  options          velcg-gen's -D values: steps=N and gain=G override data
   repository       the velcg.VelCGFileRepository, holding in this order the
                    model's header, its source, its data-types header and the
                    generic main file
@@ -36,6 +39,12 @@ def source(block, ports, index):
         raise ValueError(f"block {block.Name} lacks a port")
     return port_list[index].Regions[0].Source
 
+
+# The values the generated main runs with.
+settings = {"steps": 5, "gain": 2.0}
+settings.update(data or {})
+settings.update(options)
+steps, gain_value = int(settings["steps"]), float(settings["gain"])
 
 name = model.getName()
 guard = name.upper()
@@ -127,15 +136,15 @@ add(SOURCE, "Documentation", f"\n/* End of {name}.c */\n")
 # the writer to append, then a main that steps the model.
 bridge.addCustomSection(MAIN, "Banner", "FileBanner")
 bridge.customContents(MAIN).addContentToSection(
-    "FileBanner", f"/*\n * Example main for model {name}\n * Usage: demo [steps] [gain]\n */\n"
+    "FileBanner", f"/*\n * Example main for model {name}: {steps} steps with gain {gain_value!r}\n */\n"
 )
-add(MAIN, "Includes", f'#include <stdio.h>\n#include <stdlib.h>\n#include "{name}.h"\n')
+add(MAIN, "Includes", f'#include <stdio.h>\n#include "{name}.h"\n')
 add(
     MAIN,
     "Functions",
-    "\nint main(int argc, char** argv)\n{\n"
-    "    int steps = argc > 1 ? atoi(argv[1]) : 5;\n"
-    f"    {gain_var} = argc > 2 ? atof(argv[2]) : 2.0;\n"
+    "\nint main(void)\n{\n"
+    f"    int steps = {steps};\n"
+    f"    {gain_var} = {gain_value!r};\n"
     f"    {name}_initialize();\n"
     "    for (int i = 0; i < steps; ++i) {\n"
     f"        {input_var} = 1.0;\n"

@@ -15,10 +15,10 @@ repository's script bridge and writes none of them itself: the generator
   module source      the instances, one function per system step and start,
                      one send function per async-queue block
   data-types header  an enum per enumeration type, a typedef per structure
-  generic file       a main that reads tunable parameters as NAME=VALUE
-                     arguments, then one line of root-input values per step
-                     from standard input, steps the model and sends the
-                     async-queue blocks' signals to standard output
+  generic file       a main that sets the tunable parameters to the values
+                     the description gives, then reads one line of root-input
+                     values per step from standard input, steps the model and
+                     sends the async-queue blocks' signals to standard output
 
 Signals are the C expressions in the first region of each block's output
 port, members of the variable-group instances; an input port reads the
@@ -26,7 +26,10 @@ region of the port its graphical source names. The enumerators of an
 enumeration come from the async-queue leaves that carry its labels.
 
 Globals given by the generator: model (velcg.CGModel), repository
-(velcg.VelCGFileRepository), outputDirectory (unused: nothing is written here).
+(velcg.VelCGFileRepository), outputDirectory (unused: nothing is written
+here), data (the description's "templateData": {"parameters": {NAME: value}}
+holds the tunable parameters' values) and options (velcg-gen -D NAME=VALUE
+overrides one of those values).
 """
 
 import velcg
@@ -460,44 +463,40 @@ for external_input in model.ExternalInputs:
     member = cg_types[group.CGTypeIndex].Members[external_input.VarGroupMemberIndex]
     root_inputs.append((f"{group.NonreusedName}.{member.Name}", cg_types[member.CGTypeIndex].Name))
 
+# Their values: the description's templateData "parameters", each of which
+# velcg-gen -D NAME=VALUE may override.
+values = dict((data or {}).get("parameters", {}))
+values.update({name: float(value) for name, value in options.items() if name in tunables})
+unknown = sorted(set(values) - set(tunables))
+if unknown:
+    raise TemplateError(f"templateData gives values for {', '.join(unknown)}, which no block tunes "
+                        f"(tunable: {', '.join(sorted(tunables))})")
+missing = sorted(set(tunables) - set(values))
+if missing:
+    raise TemplateError(f"templateData \"parameters\" lacks a value for {', '.join(missing)}")
 setters = "".join(
-    f'    {"else " if i else ""}if (strcmp(arg, "{name}") == 0)\n'
-    f"        {di.identifier} = ({di.typeName})strtod(value, NULL);\n"
-    for i, (name, di) in enumerate(sorted(tunables.items()))
+    f"    {di.identifier} = ({di.typeName}){float(values[name])!r};\n" for name, di in sorted(tunables.items())
 )
 reads = " ".join(["%lf"] * len(root_inputs))
 read_targets = ", ".join(f"&in[{i}]" for i in range(len(root_inputs)))
 stores = "".join(f"        {target} = ({c_type})in[{i}];\n" for i, (target, c_type) in enumerate(root_inputs))
-usage = f"usage: %s [NAME=VALUE ...] < inputs (NAME: {', '.join(sorted(tunables))})"
 
 bridge.addCustomSection(MAIN, "Banner", "FileBanner")
 bridge.customContents(MAIN).addContentToSection(
     "FileBanner",
-    f"/*\n * Main for model {model_name}: sets tunable parameters from NAME=VALUE\n"
-    f" * arguments, then steps once per line of standard input, which holds the\n"
-    f" * {len(root_inputs)} root inputs ({', '.join(t for t, _ in root_inputs)}).\n */\n",
+    f"/*\n * Main for model {model_name}: sets the tunable parameters to the values of\n"
+    f" * the description, then steps once per line of standard input, which holds\n"
+    f" * the {len(root_inputs)} root inputs ({', '.join(t for t, _ in root_inputs)}).\n */\n",
 )
-add(MAIN, "Includes", "#include <stdio.h>\n#include <stdlib.h>\n#include <string.h>\n")
+add(MAIN, "Includes", "#include <stdio.h>\n")
 add(MAIN, "Includes", f'#include "{module_header}"\n')
 add(
     MAIN,
     "Functions",
-    "\n/* Sets the tunable parameter named in NAME=VALUE; 0 when there is none. */\n"
-    "static int set_parameter(char* arg)\n{\n"
-    "    char* value = strchr(arg, '=');\n"
-    "    if (!value) return 0;\n"
-    "    *value++ = '\\0';\n"
-    f"{setters}    else\n        return 0;\n"
-    "    return 1;\n}\n"
-    "\nint main(int argc, char** argv)\n{\n"
+    "\nint main(void)\n{\n"
     f"    double in[{len(root_inputs)}];\n"
     "    int step = 0;\n"
-    "    for (int i = 1; i < argc; ++i) {\n"
-    "        if (!set_parameter(argv[i])) {\n"
-    f'            fprintf(stderr, "{usage}\\n", argv[0]);\n'
-    "            return 2;\n"
-    "        }\n"
-    "    }\n"
+    f"{setters}"
     f"    {root_start}();\n"
     f'    while (scanf("{reads}", {read_targets}) == {len(root_inputs)}) {{\n'
     f"{stores}"

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Bridge.hpp"
+#include "Generate.hpp"
 #include "Objects.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -117,6 +118,7 @@ void defineModule(py::module_& module) {
 
     defineObjects(module);
     defineBridge(module);
+    defineGenerate(module);
 }
 
 } // namespace VelCG::python

@@ -43,9 +43,9 @@ count() { # pattern log
 # 1. A clean build, and the programs it made.
 build_log clean
 [ "$(count "Generating" clean)" -eq 2 ] || fail "the clean build did not generate both examples"
-out=$("$build/gain_model_demo" 3 0.5)
+out=$("$build/gain_model_demo")
 [ "$out" = $'step 1: Out1 = 0.5\nstep 2: Out1 = 1\nstep 3: Out1 = 1.5' ] || fail "gain_model_demo printed: $out"
-out=$(printf '180 1\n200 2\n' | "$build/sensor_bus_demo" Scale=0.1 Alpha=0.5 Lower=18 Upper=24)
+out=$(printf '180 1\n200 2\n' | "$build/sensor_bus_demo")
 [ "$out" = $'step 1: temperature=9 exposure=0 status.level=1 status.mode=Low\nstep 2: temperature=14.5 exposure=9 status.level=2 status.mode=Low' ] ||
   fail "sensor_bus_demo printed: $out"
 
@@ -62,7 +62,7 @@ build_log touched
 build_log touched_again
 grep -q "ninja: no work to do." "$work/touched_again.log" || fail "the build after the touched template ran commands"
 
-# 4. One block changed: its Gain reads another model parameter.
+# 4. One block changed: its two limits read each other's model parameter.
 code="$build/sensor_bus_code"
 cp -r "$code" "$work/before"
 find "$code" -type f -printf '%P %T@\n' | sort >"$work/mtimes.before"
@@ -71,8 +71,11 @@ python3 - "$project/sensor_bus/model.json" <<'PY'
 import sys
 path = sys.argv[1]
 text = open(path).read()
-at = text.index('"name": "Gain",\n                "modelParameters": [0]')
-open(path, "w").write(text[:at] + text[at:].replace('"modelParameters": [0]', '"modelParameters": [1]', 1))
+lower = '"name": "Lower",\n                "modelParameters": [2]'
+upper = '"name": "Upper",\n                "modelParameters": [3]'
+assert text.count(lower) == 1 and text.count(upper) == 1
+text = text.replace(lower, lower[:-2] + "3]").replace(upper, upper[:-2] + "2]")
+open(path, "w").write(text)
 PY
 build_log changed
 find "$code" -type f -printf '%P %T@\n' | sort >"$work/mtimes.after"
