@@ -32,6 +32,11 @@ struct Description {
     }
 };
 
+// A str or os.PathLike argument as text.
+std::string pathText(const py::object& path) {
+    return py::str(py::module_::import("os").attr("fspath")(path)).cast<std::string>();
+}
+
 std::shared_ptr<Description> load(const std::string& path) {
     auto loaded = std::make_shared<Description>();
     loaded->path = path;
@@ -65,11 +70,6 @@ void runTemplate(const std::string& path, py::dict globals) {
         throw;
     }
     sysPath.attr("remove")(directory);
-}
-
-// A str or os.PathLike argument as text.
-std::string pathText(const py::object& path) {
-    return py::str(py::module_::import("os").attr("fspath")(path)).cast<std::string>();
 }
 
 py::dict generate(py::object description, const py::object& templateFile, const py::object& outputDirectory,
@@ -160,7 +160,8 @@ void defineGenerate(py::module_& module) {
         .def_property_readonly(
             "path", [](const Description& d) { return d.path; }, "The file it was loaded from.");
 
-    module.def("load", &load, py::arg("path"),
+    module.def(
+        "load", [](const py::object& path) { return load(pathText(path)); }, py::arg("path"),
                "Loads a model description (JSON) into a velcg.Description. Bad input raises velcg.Error "
                "with a \"VelCG:ModelDescription:...\" identifier.");
     module.def("generate", &generate, py::arg("description"), py::arg("template"), py::arg("output_directory"),

@@ -31,6 +31,7 @@ namespace {
             {"CannotWrite", "Cannot write section '{1}': {2}."},
             {"CannotReadTemplate", "Cannot read the template '{1}': {2}."},
             {"TemplateFailed", "The template '{1}' raised an exception:\n{2}"},
+            {"CannotStart", "The Python interpreter cannot start with {1}."},
             {"Finalized",
              "The Python interpreter of this process has been shut down; templates can no longer run."},
         });

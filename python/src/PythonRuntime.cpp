@@ -33,6 +33,20 @@ Interpreter& interpreter() {
     return *instance;
 }
 
+// The python of the virtual environment named by VIRTUAL_ENV, or "" when
+// none is active (or it has no python).
+std::string virtualEnvironmentPython() {
+    const char* root = std::getenv("VIRTUAL_ENV");
+    if (!root || !*root) return {};
+#if defined(_WIN32)
+    const boost::filesystem::path python = boost::filesystem::path(root) / "Scripts" / "python.exe";
+#else
+    const boost::filesystem::path python = boost::filesystem::path(root) / "bin" / "python3";
+#endif
+    boost::system::error_code error;
+    return boost::filesystem::exists(python, error) ? python.string() : std::string();
+}
+
 // Starts the interpreter on first use; it then waits with the interpreter
 // lock released, so that any thread can run a template.
 void ensureStarted() {
@@ -40,8 +54,23 @@ void ensureStarted() {
     std::lock_guard<std::mutex> lock(in.mutex);
     if (in.state == State::Finalized) vel::diag::throwError("VelCG:Python:Finalized", {});
     if (in.state == State::Running) return;
-    // Signal handlers stay with the host process.
-    py::initialize_interpreter(/*init_signal_handlers=*/false);
+    // Signal handlers stay with the host process. Inside a virtual
+    // environment (VIRTUAL_ENV, as its activate script sets it) the
+    // interpreter starts as the environment's python would, so templates
+    // import the environment's packages.
+    PyConfig config;
+    PyConfig_InitPythonConfig(&config);
+    config.install_signal_handlers = 0;
+    config.parse_argv = 0;
+    const std::string environment = virtualEnvironmentPython();
+    if (!environment.empty()) {
+        const PyStatus status = PyConfig_SetBytesString(&config, &config.program_name, environment.c_str());
+        if (PyStatus_Exception(status)) {
+            PyConfig_Clear(&config);
+            vel::diag::throwError("VelCG:Python:CannotStart", {"VIRTUAL_ENV=" + environment});
+        }
+    }
+    py::initialize_interpreter(&config, 0, nullptr, /*add_program_dir_to_path=*/false);
     // pybind11 sets up its shared state on first use without a lock of its
     // own, and every template's GIL acquisition reads it: set it up here,
     // under the mutex that each run passes through first.

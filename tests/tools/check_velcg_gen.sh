@@ -180,6 +180,29 @@ wait "$holder" 2>/dev/null
 run "$gen" --no-wait "$examples/gain_model/model.json" "$work/options.py" -o "$work/locked"
 expect_status 0 "velcg-gen after the lock holder was killed"
 
+# Inside a virtual environment (VIRTUAL_ENV) templates import its packages;
+# this one renders the header's guard with Jinja2 (from the system's
+# packages, which the environment includes) through the bridge.
+/usr/bin/python3 -m venv --without-pip --system-site-packages "$work/venv"
+site_dir=$(echo "$work"/venv/lib/python3*/site-packages)
+printf 'GUARD = "{{ name | upper }}_H"\n' >"$site_dir/venv_guard.py"
+cat >"$work/jinja.py" <<'EOF'
+import jinja2
+import velcg
+import venv_guard
+
+bridge = velcg.bridge(repository)
+guard = jinja2.Template(venv_guard.GUARD).render(name=model.getName())
+text = jinja2.Template("#ifndef {{ g }}\n#define {{ g }}\n").render(g=guard)
+bridge.addSectionContent(0, "Includes", text)
+bridge.addSectionContent(0, "Documentation", "#endif\n")
+EOF
+run env VIRTUAL_ENV="$work/venv" "$gen" "$examples/gain_model/model.json" "$work/jinja.py" -o "$work/jinja"
+expect_status 0 "velcg-gen in a virtual environment"
+expect_in "$work/jinja/gain_model.h" "#define GAIN_MODEL_H" "a Jinja2 template in a virtual environment"
+run "$gen" "$examples/gain_model/model.json" "$work/jinja.py" -o "$work/jinja"
+expect_in "$work/stderr" "No module named 'venv_guard'" "velcg-gen outside the virtual environment"
+
 # --- failures
 run "$gen"
 expect_status 2 "velcg-gen without arguments"
