@@ -109,6 +109,10 @@ for kind in Model System BlockHierarchyMap GraphicalSystem GraphicalBlock Port S
   grep -Eq "(^|[]:] )$kind\$" "$work/stdout" || fail "the sensor_bus descriptor dump shows no $kind record"
 done
 
+# The README's samples that query a store read this one as they say.
+/usr/bin/python3 "$(dirname "$0")/check_readme_samples.py" "$examples/../README.md" "$out" ||
+  fail "the README's descriptor samples"
+
 # --- a second run: nothing changes, not even a modification time; --check agrees
 snapshot "$out" >"$work/sensor_bus.snapshot"
 run env VEL_FEATURE_VelCGDirectEmitSerialize=4 \
