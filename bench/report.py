@@ -173,6 +173,12 @@ def python_reads(report, bench, reps):
                    f"BM_PropertyReadFromClient/{prop}", 3, clock="real_time")
 
 
+def end_to_end(report, bench, reps):
+    import end_to_end as e2e
+
+    e2e.run_all(report, os.path.dirname(bench), [100000, 1000000], reps)
+
+
 SECTIONS = {
     "write": writing,
     "property": property_reads,
@@ -180,6 +186,7 @@ SECTIONS = {
     "model": model_memory,
     "store": serialization,
     "python": python_reads,
+    "end_to_end": end_to_end,
 }
 
 
