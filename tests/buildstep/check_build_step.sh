@@ -15,12 +15,7 @@ set -uo pipefail
 
 prefix="$1"
 source_dir="$2"
-work=$(mktemp -d "${TMPDIR:-/tmp}/check_build_step.XXXXXX")
-failures=0
-fail() {
-  echo "FAIL: $*"
-  failures=$((failures + 1))
-}
+. "$(dirname "$0")/../support/check.sh" check_build_step
 clean_env=(env -i PATH=/usr/bin:/bin HOME="$work")
 
 project="$work/project"
@@ -89,9 +84,4 @@ compiled=$(grep -o "Building C object [^ ]*" "$work/changed.log" | sed 's|.*/||;
 expected=$(for f in $differing; do case "$f" in *.c) echo "$f" ;; esac; done | sort | tr '\n' ' ')
 [ "$compiled" = "$expected" ] || fail "recompiled '$compiled', expected '$expected'"
 
-if [ "$failures" -ne 0 ]; then
-  echo "$failures check(s) failed; files kept in $work"
-  exit 1
-fi
-rm -rf "$work"
-echo "build step: clean, no-op, touched and changed builds behave"
+finish "build step: clean, no-op, touched and changed builds behave"

@@ -15,13 +15,7 @@ set -uo pipefail
 gen="$1"
 descriptor="$2"
 examples="$3/examples"
-work=$(mktemp -d "${TMPDIR:-/tmp}/check_velcg_gen.XXXXXX")
-failures=0
-
-fail() {
-  echo "FAIL: $*"
-  failures=$((failures + 1))
-}
+. "$(dirname "$0")/../support/check.sh" check_velcg_gen
 
 # Runs a command; its status, standard output and error land in $status,
 # $work/stdout and $work/stderr.
@@ -309,9 +303,4 @@ else
   echo "note: the user nobody cannot run $gen; the write-protected directory case is left out"
 fi
 
-if [ "$failures" -ne 0 ]; then
-  echo "$failures check(s) failed; files kept in $work"
-  exit 1
-fi
-rm -rf "$work"
-echo "velcg-gen: both examples build and run, failures are reported"
+finish "velcg-gen: both examples build and run, failures are reported"

@@ -11,12 +11,7 @@ gen="$1"
 descriptor="$2"
 examples="$3/examples"
 pairs="$4"
-work=$(mktemp -d "${TMPDIR:-/tmp}/check_velcg_gen_concurrent.XXXXXX")
-failures=0
-fail() {
-  echo "FAIL: $*"
-  failures=$((failures + 1))
-}
+. "$(dirname "$0")/../support/check.sh" check_velcg_gen_concurrent
 
 generate() { # example directory
   "$gen" "$examples/$1/model.json" "$examples/$1/template.py" -o "$2" -q 2>>"$work/stderr"
@@ -55,9 +50,4 @@ if [ -s "$work/stderr" ]; then
   cat "$work/stderr"
 fi
 
-if [ "$failures" -ne 0 ]; then
-  echo "$failures check(s) failed; files kept in $work"
-  exit 1
-fi
-rm -rf "$work"
-echo "velcg-gen: $pairs pairs of concurrent runs of two models and of one, each a descriptor of one run"
+finish "velcg-gen: $pairs pairs of concurrent runs of two models and of one, each a descriptor of one run"

@@ -12,12 +12,7 @@ set -uo pipefail
 gen="$1"
 source_dir="$2"
 blocks="${3:-20000}"
-work=$(mktemp -d "${TMPDIR:-/tmp}/check_velcg_gen_kill.XXXXXX")
-failures=0
-fail() {
-  echo "FAIL: $*"
-  failures=$((failures + 1))
-}
+. "$(dirname "$0")/../support/check.sh" check_velcg_gen_kill
 
 # Names and contents of the files a directory holds, its staging directory aside.
 snapshot() {
@@ -81,9 +76,4 @@ for level in 1 2; do
   done
 done
 
-if [ "$failures" -ne 0 ]; then
-  echo "$failures check(s) failed; files kept in $work"
-  exit 1
-fi
-rm -rf "$work"
-echo "velcg-gen killed $kills times: each time the old or the new outputs, then the new ones"
+finish "velcg-gen killed $kills times: each time the old or the new outputs, then the new ones"
