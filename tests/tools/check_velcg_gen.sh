@@ -172,7 +172,7 @@ holder=$!
 sleep 0.3
 run "$gen" --no-wait "$examples/gain_model/model.json" "$work/options.py" -o "$work/locked"
 expect_status 1 "velcg-gen --no-wait into a locked directory"
-expect_in "$work/stderr" "Another velcg-gen run is generating into '$work/locked'" "velcg-gen --no-wait into a locked directory"
+expect_in "$work/stderr" "Another run is generating into '$work/locked'" "velcg-gen --no-wait into a locked directory"
 kill -KILL "$holder"
 wait "$holder" 2>/dev/null
 run "$gen" --no-wait "$examples/gain_model/model.json" "$work/options.py" -o "$work/locked"

@@ -125,8 +125,10 @@ OutputDirectory::OutputDirectory(const fs::path& directory, bool wait, const std
         lock_ = std::make_unique<vel::sys::DirectoryLock>(directory_, vel::sys::DirectoryLock::Wait::No);
         if (!lock_->locked()) {
             if (!wait)
-                fail("Busy", "Another velcg-gen run is generating into '" + directory_.string() +
-                                 "'; wait for it to end, or drop --no-wait to wait.");
+                fail("Busy",
+                     "Another run is generating into '" + directory_.string() +
+                         "'; try again once it has ended, or let this run wait for it (velcg-gen without "
+                         "--no-wait).");
             if (onWait) onWait();
             lock_ = std::make_unique<vel::sys::DirectoryLock>(directory_, vel::sys::DirectoryLock::Wait::Yes);
         }
@@ -134,12 +136,18 @@ OutputDirectory::OutputDirectory(const fs::path& directory, bool wait, const std
     if (recover) {
         staging_ = directory_ / kStagingName;
         finishInterruptedCommit();
-    } else {
-        std::random_device random;
-        staging_ = fs::temp_directory_path() / ("velcg-gen-check-" + std::to_string(random()));
+        fs::remove_all(staging_, ec);
+        if (!fs::create_directory(staging_, ec) || ec) failOn(staging_, "create the staging directory", ec);
+        return;
     }
-    fs::remove_all(staging_, ec);
-    if (!fs::create_directory(staging_, ec) || ec) failOn(staging_, "create the staging directory", ec);
+    // A check stages in a fresh directory of the system's, never one that
+    // exists already.
+    std::random_device random;
+    for (int attempt = 0;; ++attempt) {
+        staging_ = fs::temp_directory_path(ec) / ("velcg-gen-check-" + std::to_string(random()));
+        if (!ec && fs::create_directory(staging_, ec) && !ec) return;
+        if (attempt == 100) failOn(staging_, "create the staging directory", ec);
+    }
 }
 
 OutputDirectory::~OutputDirectory() {
