@@ -41,8 +41,13 @@ struct RepositoryOptions {
 // Records are written only inside a transaction. Work that is not committed
 // is never visible to another reader; destroying the repository rolls back
 // an open transaction. A process that dies during a transaction leaves the
-// file as it was at the last commit (SQLite's rollback journal, replayed by
-// the next open).
+// file as it was at the last commit, with the unfinished transaction in a
+// journal beside it ("<file>-journal") that the next open rolls back. A
+// repository opened for reading does that too, when the process may write
+// the file and its directory, and reports it with the warning
+// "coder:Repository:RolledBack" (vel::diag::warn); otherwise it raises
+// "coder:Repository:LeftMidWrite", which names the command that recovers
+// the file.
 //
 // A repository, and every descriptor object taken from it, is used by one
 // thread at a time. Two repositories on one file (two threads or two
@@ -51,8 +56,8 @@ struct RepositoryOptions {
 //
 // Diagnostics, each "coder:Repository:<key>" with the path first among its
 // arguments: CannotOpen (also for a path holding a NUL), NotAStore,
-// NewerFormat, Corrupt, ReadOnly, Busy, Full (also a full disk or the
-// process's file size limit), Failed (any other SQLite error),
+// NewerFormat, Corrupt, ReadOnly, LeftMidWrite, Busy, Full (also a full
+// disk or the process's file size limit), Failed (any other SQLite error),
 // TransactionActive, NoTransaction. Where an I/O failure lies behind one,
 // its reason names the system error.
 class VELHOST_API Repository {

@@ -43,7 +43,11 @@
 // Repository::checkIntegrity (PRAGMA foreign_key_check); the writer does not
 // enforce them per statement, since every id it writes comes from a record
 // of the same store. Writes use SQLite's rollback journal, so a process that
-// dies inside a transaction leaves the file as it was at the last commit.
+// dies inside a transaction leaves the file as it was at the last commit,
+// plus a hot journal ("<file>-journal" with a non-zero header) that the next
+// connection allowed to write rolls back when it first reads. A reader
+// opened for reading only does that through a connection of its own (see
+// Store::firstRead).
 #include "Store.hpp"
 
 #include <SQLiteCpp/Database.h>
@@ -121,6 +125,27 @@ int lastSystemError(sqlite3* db) {
     return error;
 }
 
+// Why a connection could not roll back the transaction of a writer that
+// stopped, from the failure of its first read (which is when SQLite rolls
+// back); empty when the failure is another one.
+std::string rollbackFailure(const SQLite::Exception& error, const std::string& path) {
+    switch (error.getExtendedErrorCode()) {
+        case SQLITE_READONLY_ROLLBACK:
+        case SQLITE_READONLY_RECOVERY: // the same, in WAL mode
+            return "this process may not write the file";
+        case SQLITE_READONLY_DIRECTORY:
+        case SQLITE_IOERR_DELETE:
+            return "the directory does not let the journal be deleted";
+        default:
+            break;
+    }
+    std::error_code ec;
+    return (error.getErrorCode() & 0xff) == SQLITE_CANTOPEN &&
+                   std::filesystem::exists(std::filesystem::u8path(path + "-journal"), ec)
+               ? "the journal cannot be opened for writing"
+               : "";
+}
+
 // Resets a statement when leaving scope, also when a read throws, so that
 // it holds no read lock and can be reused. Bindings stay: every use binds
 // every parameter again.
@@ -171,6 +196,7 @@ Store::Store(const std::filesystem::path& path, const RepositoryOptions& options
     }
     // SQLite opens a file it may not write for reading only, silently.
     writeProtected_ = !readOnly_ && sqlite3_db_readonly(db_->getHandle(), "main") == 1;
+    firstRead(options);
     validateOrCreate(options);
 }
 
@@ -219,6 +245,13 @@ void Store::raise(const SQLite::Exception& error) const {
             key = "ReadOnly";
             if (error.getExtendedErrorCode() == SQLITE_READONLY_DIRECTORY)
                 reason += " (the directory does not let the journal be created)";
+            // A writer stopped after this connection was opened.
+            if (error.getExtendedErrorCode() == SQLITE_READONLY_ROLLBACK ||
+                error.getExtendedErrorCode() == SQLITE_READONLY_RECOVERY) {
+                key = "LeftMidWrite";
+                reason =
+                    readOnly_ ? "the repository is open for reading only" : rollbackFailure(error, pathText_);
+            }
             break;
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
@@ -290,6 +323,40 @@ void Store::forgetPositions() {
             sequence.highestOwner = -1;
         }
     }
+}
+
+// The first read rolls back the transaction of a writer that stopped, but
+// only on a connection that may write: a read-only one fails with
+// SQLITE_READONLY_ROLLBACK ("attempt to write a readonly database"). A
+// reader then rolls back through a short read-write connection of its own,
+// and reads the file as that left it. Where this process may not write the
+// file or its directory, "coder:Repository:LeftMidWrite" says what to do
+// instead. Other failures are left to validateOrCreate, which meets them
+// again.
+void Store::firstRead(const RepositoryOptions& options) {
+    try {
+        db_->execAndGet("PRAGMA schema_version");
+        return;
+    } catch (const SQLite::Exception& e) {
+        const std::string failure = rollbackFailure(e, pathText_);
+        if (failure.empty()) return;
+        if (!readOnly_ || e.getExtendedErrorCode() != SQLITE_READONLY_ROLLBACK)
+            vel::diag::throwError("coder:Repository:LeftMidWrite", {pathText_, failure});
+    }
+    try {
+        SQLite::Database writer(pathText_, SQLITE_OPEN_READWRITE, options.busyTimeoutMs);
+        if (sqlite3_db_readonly(writer.getHandle(), "main") == 1)
+            vel::diag::throwError("coder:Repository:LeftMidWrite",
+                                  {pathText_, "this process may not write the file"});
+        writer.execAndGet("PRAGMA schema_version");
+    } catch (const SQLite::Exception& e) {
+        // The journal goes last: a failure leaves it, and the file, to be
+        // rolled back again.
+        const std::string failure = rollbackFailure(e, pathText_);
+        vel::diag::throwError("coder:Repository:LeftMidWrite",
+                              {pathText_, failure.empty() ? describe(e) : failure});
+    }
+    vel::diag::warn("coder:Repository:RolledBack", {pathText_});
 }
 
 void Store::validateOrCreate(const RepositoryOptions& options) {

@@ -82,6 +82,7 @@ private:
     struct SequenceStatements;
     struct KindStatements;
 
+    void firstRead(const RepositoryOptions& options);
     void validateOrCreate(const RepositoryOptions& options);
     void createSchema();
     KindStatements& statementsFor(const RecordKind& kind);
