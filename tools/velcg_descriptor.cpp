@@ -1,6 +1,8 @@
 // Reads a code descriptor store ("codedescriptor.strata") without changing
 // it: prints the stored model as an indented text tree or as JSON, or checks
-// that the file is a sound store of this program's format.
+// that the file is a sound store of this program's format. A store left by
+// a writer that stopped mid-transaction is first rolled back to its last
+// commit, with a warning, where the file and its directory may be written.
 //
 //   velcg_descriptor dump [--json] FILE
 //   velcg_descriptor check FILE
@@ -112,6 +114,12 @@ private:
 Repository openForReading(const std::string& file) {
     RepositoryOptions options;
     options.access = RepositoryOptions::Access::ReadOnly;
+    // Opening rolls back the transaction of a writer that stopped, when the
+    // file may be written; the warning says so.
+    const vel::diag::ScopedWarningSink notices([&file](const vel::diag::Diagnostic& d) {
+        std::fprintf(stderr, "%s: warning: %s [%s]\n", file.c_str(), d.message().c_str(),
+                     d.identifier().c_str());
+    });
     return Repository(std::filesystem::u8path(file), options);
 }
 

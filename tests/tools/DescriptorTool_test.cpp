@@ -1,21 +1,17 @@
 // velcg_descriptor run as a process on stores written here: whole outputs,
 // exit statuses, and files left as they were.
-#include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
-#include <spawn.h>
 #include <string>
-#include <sys/wait.h>
 #include <vector>
 
 #include <sqlite3.h>
 
 #include "TempDir.hpp"
+#include "ToolProcess.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
-
-extern char** environ;
 
 namespace {
 
@@ -24,44 +20,8 @@ using coder::Transaction;
 using namespace coder::descriptor;
 using testing_support::fileBytes;
 using testing_support::TempDir;
+using testing_support::ToolRun;
 using testing_support::writeBytes;
-
-struct ToolRun {
-    int status = -1; // the exit status, or -1 when the tool did not exit normally
-    std::string out;
-    std::string err;
-};
-
-// Runs the tool with the given arguments, its standard output and error
-// captured in files of dir.
-ToolRun runTool(const TempDir& dir, const std::vector<std::string>& args) {
-    const std::string outPath = (dir / "stdout").string();
-    const std::string errPath = (dir / "stderr").string();
-    std::vector<std::string> argStrings = {VELCG_DESCRIPTOR_TOOL};
-    argStrings.insert(argStrings.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& arg : argStrings) argv.push_back(arg.data());
-    argv.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ToolRun run;
-    if (spawned != 0) {
-        ADD_FAILURE() << "cannot start " << argv[0];
-        return run;
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    if (WIFEXITED(status)) run.status = WEXITSTATUS(status);
-    run.out = fileBytes(outPath);
-    run.err = fileBytes(errPath);
-    return run;
-}
 
 std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
     for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
@@ -299,7 +259,7 @@ protected:
     // The tool's arguments with "{F}" standing for file.
     ToolRun run(std::vector<std::string> args, const std::filesystem::path& file) {
         for (std::string& arg : args) arg = replaceAll(arg, "{F}", file.string());
-        return runTool(dir_, args);
+        return testing_support::runTool(VELCG_DESCRIPTOR_TOOL, dir_.path(), args);
     }
 
     TempDir dir_;
@@ -437,6 +397,76 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
     }
 }
 
+// A store left by a writer that stopped mid-transaction: the tool rolls it
+// back to its last commit, with a warning, where it may write the file and
+// its directory; elsewhere it refuses the file as it is and says what to
+// run. Never "Cannot write".
+TEST_F(DescriptorTool, AStoreLeftMidWriteIsRolledBackOrRefused) {
+    namespace fs = std::filesystem;
+    const fs::path dir = dir_ / "left", store = dir / "codedescriptor.strata",
+                   journal = store.string() + "-journal";
+    fs::create_directory(dir);
+    fs::copy_file(store_, store);
+    const std::string committed = fileBytes(store);
+    // A writer whose transaction spills into the file at once (a cache of
+    // one page), ended without a rollback.
+    const pid_t writer = testing_support::startChild({}, [&] {
+        sqlite3* db = nullptr;
+        sqlite3_open(store.c_str(), &db);
+        sqlite3_exec(db,
+                     "PRAGMA cache_size = 1; BEGIN; DELETE FROM Port; CREATE TABLE pad (x); "
+                     "INSERT INTO pad VALUES (zeroblob(100000))",
+                     nullptr, nullptr, nullptr);
+    });
+    ASSERT_EQ("exit 0", testing_support::waitForChild(writer));
+    const std::string leftFile = fileBytes(store), leftJournal = fileBytes(journal);
+    ASSERT_NE(committed, leftFile);
+    ASSERT_NE('\0', leftJournal.at(0)) << "the journal is not hot";
+
+    const std::string rolledBack =
+        "{F}: warning: The code descriptor '{F}' was left by a writer that stopped; its unfinished "
+        "transaction was rolled back. [coder:Repository:RolledBack]\n";
+    const auto readOnly = fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+    const auto search = fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
+    struct Case {
+        const char* reader;
+        bool mayWrite; // the file and its directory
+        std::vector<std::string> args;
+        int status;
+        std::string out, err;
+    } cases[] = {
+        {"check, may not write",
+         false,
+         {"check", "{F}"},
+         1,
+         "",
+         "{F}: error: The code descriptor '{F}' was left by a writer that stopped in the middle of a "
+         "transaction, which must be rolled back before the file can be read, and here it cannot be: this "
+         "process may not write the file. Nothing committed is lost: run 'velcg-descriptor check {F}' as a "
+         "user that may write the file and its directory, or open the file once for writing. "
+         "[coder:Repository:LeftMidWrite]\n"},
+        {"check, may write", true, {"check", "{F}"}, 0, "{F}: ok\n", rolledBack},
+        {"dump --json, may write", true, {"dump", "--json", "{F}"}, 0, kExpectedJson, rolledBack},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.reader);
+        writeBytes(store, leftFile);
+        writeBytes(journal, leftJournal);
+        fs::permissions(store, c.mayWrite ? fs::perms::all : readOnly);
+        fs::permissions(dir, c.mayWrite ? fs::perms::all : readOnly | search);
+        std::vector<std::string> args = c.args;
+        for (std::string& arg : args) arg = replaceAll(arg, "{F}", store.string());
+        const ToolRun result =
+            testing_support::runTool(VELCG_DESCRIPTOR_TOOL, dir_.path(), args, {!c.mayWrite, std::nullopt});
+        fs::permissions(dir, fs::perms::all);
+        EXPECT_EQ(replaceAll(c.err, "{F}", store.string()), result.err);
+        EXPECT_EQ(replaceAll(c.out, "{F}", store.string()), result.out);
+        EXPECT_EQ(c.status, result.status);
+        EXPECT_EQ(c.mayWrite ? committed : leftFile, fileBytes(store));
+        EXPECT_EQ(!c.mayWrite, fs::exists(journal));
+    }
+}
+
 TEST_F(DescriptorTool, UsageErrorsExitWithTwo) {
     struct Case {
         std::vector<std::string> args;
@@ -478,7 +508,8 @@ TEST_F(DescriptorTool, FileNamesMayStartWithADash) {
     std::filesystem::copy_file(store_, dashed);
     const std::filesystem::path cwd = std::filesystem::current_path();
     std::filesystem::current_path(dir_.path());
-    const ToolRun result = runTool(dir_, {"check", "--", "-model.strata"});
+    const ToolRun result =
+        testing_support::runTool(VELCG_DESCRIPTOR_TOOL, dir_.path(), {"check", "--", "-model.strata"});
     std::filesystem::current_path(cwd);
     EXPECT_EQ("-model.strata: ok\n", result.out);
     EXPECT_EQ("", result.err);

@@ -9,10 +9,14 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
+#include <random>
 #include <set>
 #include <string>
 #include <thread>
@@ -22,6 +26,7 @@
 
 #include "ChildProcess.hpp"
 #include "TempDir.hpp"
+#include "ToolProcess.hpp"
 #include "coder/Repository.hpp"
 #include "coder/descriptor/Dump.hpp"
 #include "korb/Client.hpp"
@@ -184,11 +189,66 @@ TEST(CGModelSerializeFaults, AStoreThatCannotBeWrittenRaisesAndKeepsTheEarlierPa
     }
 }
 
+namespace {
+
+// What a reader checking the store says: the identifiers of its warnings,
+// then "ok"; or the identifier of the error that refused the file. The
+// reader is `velcg-descriptor check` where the tools are built, else the
+// library calls it makes.
+std::string checkVerdict(const fs::path& store, const ChildSetup& setup) {
+    std::string verdict;
+    const auto say = [&verdict](const std::string& word) { verdict += (verdict.empty() ? "" : " ") + word; };
+#if defined(VELCG_DESCRIPTOR_TOOL)
+    TempDir capture;
+    const auto run =
+        testing_support::runTool(VELCG_DESCRIPTOR_TOOL, capture.path(), {"check", store.string()}, setup);
+    for (std::size_t end = run.err.find("]\n"); end != std::string::npos;
+         end = run.err.find("]\n", end + 1)) {
+        const std::size_t begin = run.err.rfind('[', end) + 1;
+        say(run.err.substr(begin, end - begin));
+    }
+    if (run.status == 0 && run.out == store.string() + ": ok\n") say("ok");
+    return verdict;
+#else
+    return runInChild(setup, [&] {
+        vel::diag::WarningCollector warnings;
+        const std::string failure = failureOf([&] {
+            coder::Repository repository(store, {coder::RepositoryOptions::Access::ReadOnly});
+            if (repository.checkIntegrity().empty())
+                coder::descriptor::dumpText(repository);
+            else
+                say("damaged");
+        });
+        for (const auto& warning : warnings.warnings()) say(warning.identifier());
+        say(failure == "no diagnostic" ? "ok" : failure.substr(0, failure.find(": ")));
+        return verdict;
+    });
+#endif
+}
+
+// A store's journal is hot, so that a reader must roll it back, while its
+// header is not zero.
+bool hotJournal(const fs::path& store) {
+    return std::ifstream(store.string() + "-journal", std::ios::binary).get() > 0;
+}
+
+int fromEnvironment(const char* name, int fallback) {
+    const char* value = std::getenv(name);
+    return value && std::atoi(value) > 0 ? std::atoi(value) : fallback;
+}
+
+} // namespace
+
 // A process killed at any point of either pass, in the foreground or in the
 // background, leaves the store as the earlier passes left it, or with the
-// new first pass, or with both new passes: never part of a pass.
+// new first pass, or with both new passes: never part of a pass. Where the
+// kill left a hot journal, a reader that may not write the file refuses it
+// with LeftMidWrite, and one that may rolls it back and says so.
+//
+// VELCG_KILLS and VELCG_KILL_BLOCKS set the number of random kill points
+// and the model's size for a longer run (e.g. 50 and 100000).
 TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
-    const auto model = buildModel(L"large", 20000);
+    const auto model = buildModel(L"large", fromEnvironment("VELCG_KILL_BLOCKS", 10000));
     TempDir reference;
     serialize(*buildModel(L"earlier", 3), reference.path());
     const std::string earlierRows = rowCounts(storeIn(reference.path()));
@@ -206,28 +266,35 @@ TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
     ASSERT_NE(firstPassRows, bothPassesRows);
 
     // First right after each synchronous pass has returned, timing the
-    // passes in a child; then after delays spread over that time and a
-    // little past it (the time varies), at both switch values.
+    // passes in a child; then the moment the journal of each pass turns hot
+    // (fraction -1); then at random points of each pass (and a little past
+    // it, as its time varies), at both switch values.
     struct Kill {
         int level;
-        int passesReturned; // the passes the child reported done, or
-        double fraction;    // of the time both passes took
+        int pass;        // the passes done before the wait, 0 to 2
+        double fraction; // of the next pass's time to wait
     };
-    std::vector<Kill> kills = {{2, 1, 0}, {2, 2, 0}};
-    int switchValue = 1;
-    for (double fraction : {0.3, 0.6, 0.9, 1.0, 1.1, 1.25})
-        kills.push_back({switchValue = 3 - switchValue, 0, fraction});
+    std::vector<Kill> kills = {{2, 1, 0}, {2, 2, 0}, {2, 0, -1}, {1, 1, -1}};
+    const unsigned seed = std::random_device()();
+    std::mt19937 random(seed);
+    for (int i = 0; i < fromEnvironment("VELCG_KILLS", 6); ++i)
+        kills.push_back({1 + i % 2, i / 2 % 2, std::uniform_real_distribution<double>(0, 1.1)(random)});
     using Clock = std::chrono::steady_clock;
-    Clock::duration passesTime{};
+    Clock::duration passTime[2]{};
+    const auto readOnly = fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+    const auto search = fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
+    int hotKills = 0;
     for (const Kill& k : kills) {
         TempDir dir;
-        fs::copy_file(earlierStore, storeIn(dir.path()));
+        const fs::path store = storeIn(dir.path());
+        fs::copy_file(earlierStore, store);
         int done[2];
         ASSERT_EQ(0, pipe(done));
-        const Clock::time_point started = Clock::now();
+        Clock::time_point started = Clock::now();
         const pid_t child = testing_support::startChild({}, [&] {
             vel::feature::ScopedValue level(VELFEAT_VelCGDirectEmitSerialize, k.level);
             model->serializeModel(dir.path().wstring());
+            model->waitForSerialization();
             if (write(done[1], "1", 1) != 1) return;
             model->serializeModelAfterScriv(dir.path().wstring());
             model->waitForSerialization();
@@ -235,28 +302,50 @@ TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
             pause();
         });
         close(done[1]);
-        if (k.passesReturned == 0) {
-            std::this_thread::sleep_for(passesTime * k.fraction);
-        } else {
-            char marker;
-            for (int passes = 0; passes < k.passesReturned; ++passes) ASSERT_EQ(1, read(done[0], &marker, 1));
-            passesTime = Clock::now() - started;
+        char marker;
+        for (int pass = 0; pass < k.pass; ++pass) {
+            ASSERT_EQ(1, read(done[0], &marker, 1));
+            // The kills right after a pass time it.
+            if (k.fraction == 0) passTime[pass] = Clock::now() - started;
+            started = Clock::now();
+        }
+        if (k.fraction < 0) {
+            const auto deadline = Clock::now() + 2 * (passTime[0] + passTime[1]);
+            while (!hotJournal(store) && Clock::now() < deadline)
+                std::this_thread::sleep_for(std::chrono::microseconds(100));
+        } else if (k.pass < 2) {
+            std::this_thread::sleep_for(passTime[k.pass] * k.fraction);
         }
         kill(child, SIGKILL);
         close(done[0]);
         EXPECT_EQ("signal 9", testing_support::waitForChild(child));
 
-        const std::string trace = "level " + std::to_string(k.level) + ", killed after " +
-                                  (k.passesReturned ? std::to_string(k.passesReturned) + " pass(es)"
-                                                    : std::to_string(k.fraction) + " of the passes' time");
-        EXPECT_EQ("", integrityProblems(storeIn(dir.path()))) << trace;
-        const std::string rows = rowCounts(storeIn(dir.path()));
+        const bool hot = hotJournal(store);
+        hotKills += hot;
+        // Polling may miss the moment only when the passes outrun it.
+        EXPECT_TRUE(hot || k.fraction >= 0) << "the journal never turned hot";
+        const std::string trace = "level " + std::to_string(k.level) + ", killed " +
+                                  std::to_string(k.fraction) + " of pass " + std::to_string(k.pass + 1) +
+                                  "'s time in; random seed " + std::to_string(seed) +
+                                  (hot ? "; a hot journal" : "");
+        if (hot) {
+            fs::permissions(store, readOnly);
+            fs::permissions(dir.path(), readOnly | search);
+            EXPECT_EQ("coder:Repository:LeftMidWrite", checkVerdict(store, testing_support::unprivileged()))
+                << trace;
+            fs::permissions(store, fs::perms::owner_all);
+            fs::permissions(dir.path(), fs::perms::owner_all);
+        }
+        EXPECT_EQ(hot ? "coder:Repository:RolledBack ok" : "ok", checkVerdict(store, {})) << trace;
+        EXPECT_FALSE(hotJournal(store)) << trace;
+        const std::string rows = rowCounts(store);
         const std::set<std::string> whole =
-            k.passesReturned == 2   ? std::set<std::string>{bothPassesRows}
-            : k.passesReturned == 1 ? std::set<std::string>{firstPassRows, bothPassesRows}
-                                    : std::set<std::string>{earlierRows, firstPassRows, bothPassesRows};
+            k.pass == 2   ? std::set<std::string>{bothPassesRows}
+            : k.pass == 1 ? std::set<std::string>{firstPassRows, bothPassesRows}
+                          : std::set<std::string>{earlierRows, firstPassRows, bothPassesRows};
         EXPECT_EQ(1u, whole.count(rows)) << trace << "; the store holds:\n" << rows;
     }
+    std::printf("%d of %zu kills left a hot journal\n", hotKills, kills.size());
 }
 
 // A script that runs while the first pass does (the usual order) reaches the
