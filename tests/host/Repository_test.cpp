@@ -211,6 +211,39 @@ TEST(Repository, BadFilesAreRefusedAndLeftUnchanged) {
     }
 }
 
+// A store of format 1 (without the table UnfinishedRun) reads as it is and
+// holds no unfinished run; the first transaction written to it makes it a
+// store of format 2, and one rolled back leaves it as it was.
+TEST(Repository, AFormatOneStoreIsReadAndUpgradedByItsFirstWrite) {
+    TempDir dir;
+    const auto path = dir / "codedescriptor.strata";
+    storeModel(path, u"old");
+    execSql(path, "DROP TABLE UnfinishedRun; PRAGMA user_version = 1");
+    const std::string formatOne = fileBytes(path);
+    const auto state = [&path] {
+        Repository reader(path, {RepositoryOptions::Access::ReadOnly});
+        return std::to_string(reader.getFormatVersion()) + " " + vel::i18n::toUtf8(storedModelName(path)) +
+               " [" + reader.getUnfinishedRun() + "]" + (reader.checkIntegrity().empty() ? "" : " damaged");
+    };
+    EXPECT_EQ("1 old []", state());
+    {
+        Repository writer(path);
+        Transaction transaction(writer);
+        writer.setUnfinishedRun("rolled back");
+    }
+    EXPECT_EQ(formatOne, fileBytes(path));
+    {
+        Repository writer(path);
+        Transaction transaction(writer);
+        writer.setUnfinishedRun("run 1");
+        transaction.commit();
+    }
+    EXPECT_EQ("2 old [run 1]", state());
+    // A new model is no longer the unfinished run's.
+    storeModel(path, u"new");
+    EXPECT_EQ("2 new []", state());
+}
+
 TEST(Repository, AMissingDirectoryOrAPathHoldingANulCannotBeOpened) {
     TempDir dir;
     EXPECT_EQ("coder:Repository:CannotOpen",

@@ -347,9 +347,9 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
              " bytes long, but holds " + std::to_string(pages) +
              " pages of 4096 bytes [coder:Repository:Corrupt]\n"},
         {"newer format",
-         copyWith("PRAGMA user_version = 2"),
+         copyWith("PRAGMA user_version = 3"),
          {check},
-         "{F}: error: The code descriptor '{F}' has format version 2, newer than version 1 that this program "
+         "{F}: error: The code descriptor '{F}' has format version 3, newer than version 2 that this program "
          "reads; it was left unchanged. [coder:Repository:NewerFormat]\n"},
         {"gap in positions",
          gap,

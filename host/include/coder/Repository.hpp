@@ -64,8 +64,9 @@ class VELHOST_API Repository {
 public:
     // Identifies the file as a store ("PRAGMA application_id": "VCGD").
     static constexpr std::int32_t kApplicationId = 0x56434744;
-    // The format this build reads and writes ("PRAGMA user_version").
-    static constexpr int kFormatVersion = 1;
+    // The format this build writes ("PRAGMA user_version"). It reads this
+    // one and format 1, which the first transaction written to it upgrades.
+    static constexpr int kFormatVersion = 2;
 
     explicit Repository(const std::filesystem::path& path, RepositoryOptions options = {});
     // Rolls back an open transaction and closes the file. Descriptor objects
@@ -88,6 +89,17 @@ public:
     bool isReadOnly() const;
     // The format version stored in the file.
     int getFormatVersion() const;
+
+    // The token of the run that stored the model and means to add to it in
+    // a later transaction (setUnfinishedRun): a writer that finds another
+    // token, or none, knows that the model is no longer the one it stored.
+    // Empty when no run is unfinished, also in a file of format 1.
+    std::string getUnfinishedRun() const;
+    // REQUIRES: a transaction is open. Records token as the unfinished run;
+    // an empty token clears it, leaving no trace of the old one in the file.
+    // Storing a new model (ModelCreator::createModel) clears it too. Tokens
+    // of one length keep the file's bytes independent of their values.
+    void setUnfinishedRun(const std::string& token);
 
     // SQLite's integrity check and a check of every reference between
     // records. Empty when the store is sound; otherwise one readable line

@@ -3,9 +3,11 @@
 // A store is an SQLite 3 database file (conventionally named
 // "codedescriptor.strata") that identifies itself with
 // PRAGMA application_id = 0x56434744 ("VCGD") and carries its format version
-// in PRAGMA user_version (this is version 1). A reader refuses a file whose
+// in PRAGMA user_version (this is version 2). A reader refuses a file whose
 // application id differs, and a file whose version is newer than its own;
-// it never writes to either.
+// it never writes to either. Version 1 lacked the table "UnfinishedRun"
+// (below): a reader reads such a file as it is, and the first transaction
+// written to it adds the table and sets version 2.
 //
 // Each record kind (coder::descriptor::recordKinds(), in this order: Model,
 // System, BlockHierarchyMap, GraphicalSystem, GraphicalBlock, Port, Region,
@@ -38,6 +40,13 @@
 // texts (enumeration labels, SIDs) hold the value itself in a "value"
 // column. The store holds one model: the first row of "Model" is the root
 // of the description, and writing a new model deletes every row first.
+//
+// One more table, not a record kind, names the run that stored the model
+// and means to add to it in a later transaction (Repository::
+// setUnfinishedRun); it holds no row otherwise:
+//
+//   CREATE TABLE "UnfinishedRun" (
+//     id INTEGER PRIMARY KEY CHECK (id = 1), token TEXT NOT NULL) STRICT;
 //
 // Foreign keys are declared for readers and checked by
 // Repository::checkIntegrity (PRAGMA foreign_key_check); the writer does not
@@ -87,6 +96,9 @@ using descriptor::SequenceInfo;
 namespace {
 
 std::string quoted(const std::string& name) { return '"' + name + '"'; }
+
+const char* const kUnfinishedRunTable =
+    "CREATE TABLE \"UnfinishedRun\" (id INTEGER PRIMARY KEY CHECK (id = 1), token TEXT NOT NULL) STRICT";
 
 std::string sequenceTable(const RecordKind& kind, const SequenceInfo& sequence) {
     return std::string(kind.name) + "_" + sequence.name;
@@ -281,6 +293,17 @@ void Store::begin() {
     } catch (const SQLite::Exception& e) {
         raise(e);
     }
+    try {
+        // A file of format 1 becomes one of this format with the first
+        // transaction written to it (and stays as it was if that rolls back).
+        if (db_->execAndGet("PRAGMA user_version").getInt() == 1) {
+            db_->exec(kUnfinishedRunTable);
+            db_->exec("PRAGMA user_version = " + std::to_string(Repository::kFormatVersion));
+        }
+    } catch (const SQLite::Exception& e) {
+        rollback();
+        raise(e);
+    }
 }
 
 bool Store::beginRead() {
@@ -405,6 +428,7 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
             requireTable(kind->name);
             for (const auto& sequence : kind->sequences) requireTable(sequenceTable(*kind, sequence));
         }
+        if (version >= 2) requireTable("UnfinishedRun");
     } catch (const SQLite::Exception& e) {
         const int code = e.getErrorCode() & 0xff;
         if (code == SQLITE_NOTADB) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
@@ -436,6 +460,7 @@ void Store::createSchema() {
                           ", PRIMARY KEY (owner, position)) STRICT, WITHOUT ROWID");
             }
         }
+        db_->exec(kUnfinishedRunTable);
         db_->exec("PRAGMA application_id = " + std::to_string(Repository::kApplicationId));
         db_->exec("PRAGMA user_version = " + std::to_string(Repository::kFormatVersion));
         db_->exec("COMMIT");
@@ -593,10 +618,39 @@ void Store::clear() {
                 db_->exec("DELETE FROM " + quoted(sequenceTable(*kind, sequence)));
             db_->exec("DELETE FROM " + quoted(kind->name));
         }
+        db_->exec("DELETE FROM \"UnfinishedRun\"");
     } catch (const SQLite::Exception& e) {
         raise(e);
     }
     forgetPositions();
+}
+
+std::string Store::unfinishedRun() {
+    requireOpen();
+    try {
+        if (formatVersion() < 2) return {};
+        SQLite::Statement statement(*db_, "SELECT token FROM \"UnfinishedRun\"");
+        return statement.executeStep() ? statement.getColumn(0).getString() : std::string();
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+void Store::setUnfinishedRun(const std::string& token) {
+    requireTransaction();
+    try {
+        // Zeroed as it is deleted, so that the token leaves no trace in the
+        // file: the same model written the same way gives the same bytes.
+        db_->exec("PRAGMA secure_delete = ON");
+        db_->exec("DELETE FROM \"UnfinishedRun\"");
+        db_->exec("PRAGMA secure_delete = OFF");
+        if (token.empty()) return;
+        SQLite::Statement insert(*db_, "INSERT INTO \"UnfinishedRun\" (id, token) VALUES (1, ?)");
+        insert.bind(1, token);
+        insert.exec();
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
 }
 
 std::size_t Store::sequenceSize(const RecordKind& kind, std::size_t sequence, std::int64_t owner) {

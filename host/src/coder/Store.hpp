@@ -76,6 +76,9 @@ public:
     // The id of the first model record, or 0 when the store holds none.
     std::int64_t firstModelId();
     int formatVersion();
+    // See Repository::getUnfinishedRun and setUnfinishedRun.
+    std::string unfinishedRun();
+    void setUnfinishedRun(const std::string& token);
     std::vector<std::string> checkIntegrity();
 
 private:
