@@ -383,11 +383,19 @@ void Store::firstRead(const RepositoryOptions& options) {
 }
 
 void Store::validateOrCreate(const RepositoryOptions& options) {
+    // Ends the read transaction below however this returns.
+    struct EndRead {
+        Store& store;
+        ~EndRead() { store.rollback(); }
+    } endRead{*this};
     try {
         if (options.maxPageCount != 0)
             db_->exec("PRAGMA max_page_count = " + std::to_string(options.maxPageCount));
-        // The first read also replays a journal left by a process that died
-        // inside a transaction.
+        // The reads see one state of the file: another connection may be
+        // creating the schema meanwhile, and a header read before its commit
+        // with a table count read after it would look like another
+        // application's file.
+        db_->exec("BEGIN");
         const int applicationId = db_->execAndGet("PRAGMA application_id").getInt();
         const int version = db_->execAndGet("PRAGMA user_version").getInt();
         // A store cut short still has a valid header; its page count tells,
@@ -404,6 +412,7 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
         const int objects = db_->execAndGet("SELECT count(*) FROM sqlite_schema").getInt();
         if (applicationId == 0 && version == 0 && objects == 0) {
             if (readOnly_) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
+            rollback();
             createSchema();
             return;
         }
