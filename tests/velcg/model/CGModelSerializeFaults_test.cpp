@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <optional>
 #include <random>
 #include <set>
@@ -25,19 +26,24 @@
 #include <sqlite3.h>
 
 #include "ChildProcess.hpp"
+#include "DiagnosticTesting.hpp"
+#include "StartLatch.hpp"
 #include "TempDir.hpp"
 #include "ToolProcess.hpp"
 #include "coder/Repository.hpp"
+#include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/feature/Feature.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CoderDataGroup.hpp"
 #include "velcg/Features.hpp"
 #include "velcg/GraphicalBlock.hpp"
+#include "velcg/ModelDiagnostics.hpp"
 #include "velcg/PlexoModule.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
@@ -68,7 +74,8 @@ private:
 };
 
 // A model of `blocks` blocks with one input port each, in one root
-// subsystem, and two coder data groups that only the second pass writes.
+// subsystem, and two coder data groups named after it ("<name>_Signals",
+// "<name>_States") that only the second pass writes.
 std::unique_ptr<NamedModel> buildModel(const wchar_t* name, int blocks) {
     auto model = std::make_unique<NamedModel>(name);
     auto root = std::make_unique<StoredGraphicalSubsystem>(name, GraphicalSubsystemType::Root);
@@ -79,8 +86,8 @@ std::unique_ptr<NamedModel> buildModel(const wchar_t* name, int blocks) {
         root->addGraphicalBlock(std::make_unique<GraphicalBlock>(block));
     }
     model->getBlockHierarchyMap()->addGraphicalSubsystem(std::move(root));
-    for (const char* group : {"Signals", "States"})
-        model->appendCoderDataGroup(std::make_unique<Group>(group, model.get()));
+    for (const char* group : {"_Signals", "_States"})
+        model->appendCoderDataGroup(std::make_unique<Group>(vel::i18n::toUtf8(name) + group, model.get()));
     return model;
 }
 
@@ -346,6 +353,93 @@ TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
         EXPECT_EQ(1u, whole.count(rows)) << trace << "; the store holds:\n" << rows;
     }
     std::printf("%d of %zu kills left a hot journal\n", hotKills, kills.size());
+}
+
+// A second pass adds to the description only while the store holds the
+// token its own model's last first pass left there. Finding another (of
+// another model, another run of the same model, a later first pass of this
+// model elsewhere) or none (a second pass already ran, or this model ran no
+// first pass), it raises DescriptorOfAnotherRun naming both and leaves the
+// file as it was.
+TEST(CGModelSerializeFaults, ASecondPassAddsOnlyToItsOwnFirstPass) {
+    vel::feature::ScopedValue synchronous(VELFEAT_VelCGDirectEmitSerialize, 2);
+    // Steps "<model><pass>", "@" writing into another directory; the last
+    // fails. Model c is another object named "a". "{i}" is the token that
+    // step i left in its directory.
+    struct Case {
+        std::vector<std::string> steps;
+        std::string own, held;
+    } cases[] = {
+        {{"a1", "b1", "a2"}, "run {0}", "model 'b' of run {1}"},
+        {{"a1", "c1", "a2"}, "run {0}", "model 'a' of run {1}"},
+        {{"a1", "a1@", "a2"}, "run {1}", "model 'a' of run {0}"},
+        {{"a1", "a2", "a2"}, "run {0}", "model 'a' with no second pass outstanding"},
+        {{"a1", "c2"}, "no first pass run", "model 'a' of run {0}"},
+    };
+    for (const Case& c : cases) {
+        TempDir dir, elsewhere;
+        std::map<char, std::unique_ptr<NamedModel>> models;
+        for (const auto& [key, name] : {std::pair{'a', L"a"}, {'b', L"b"}, {'c', L"a"}})
+            models[key] = buildModel(name, 1);
+        std::vector<std::string> tokens;
+        const auto run = [&](const std::string& step) {
+            const fs::path in = step.size() > 2 ? elsewhere.path() : dir.path();
+            NamedModel& model = *models[step[0]];
+            if (step[1] == '1')
+                model.serializeModel(in.wstring());
+            else
+                model.serializeModelAfterScriv(in.wstring());
+            tokens.push_back(coder::Repository(storeIn(in), {coder::RepositoryOptions::Access::ReadOnly})
+                                 .getUnfinishedRun());
+        };
+        for (std::size_t i = 0; i + 1 < c.steps.size(); ++i) run(c.steps[i]);
+        std::string expected = "VelCG:Model:DescriptorOfAnotherRun(a, " + c.own + ", " +
+                               storeIn(dir.path()).string() + ", " + c.held + ")";
+        for (std::size_t i = 0; i < tokens.size(); ++i) {
+            const std::string mark = "{" + std::to_string(i) + "}";
+            if (expected.find(mark) != std::string::npos) expected.replace(expected.find(mark), 3, tokens[i]);
+        }
+        const std::string before = testing_support::fileBytes(storeIn(dir.path()));
+        EXPECT_EQ(expected, testing_support::diagnosticWithArgumentsOf([&] { run(c.steps.back()); }));
+        EXPECT_EQ(before, testing_support::fileBytes(storeIn(dir.path())));
+    }
+}
+
+// Two models generating into one directory at once, again and again: the
+// store ends with the model whose first pass came last and its groups,
+// once; the other model's second pass completed before that first pass, or
+// raised DescriptorOfAnotherRun and added nothing.
+TEST(CGModelSerializeFaults, TwoGenerationsIntoOneDirectoryNeverMix) {
+    vel::feature::ScopedValue synchronous(VELFEAT_VelCGDirectEmitSerialize, 2);
+    for (int round = 0; round < 20; ++round) {
+        TempDir dir;
+        const std::unique_ptr<NamedModel> models[] = {buildModel(L"a", 20), buildModel(L"b", 20)};
+        std::string failures[2];
+        testing_support::StartLatch start(2);
+        std::vector<std::thread> generations;
+        for (int i = 0; i < 2; ++i)
+            generations.emplace_back([&, i] {
+                start.arriveAndWait();
+                failures[i] = failureOf([&] {
+                    models[i]->serializeModel(dir.path().wstring());
+                    models[i]->serializeModelAfterScriv(dir.path().wstring());
+                });
+            });
+        for (std::thread& generation : generations) generation.join();
+
+        coder::Repository repository(storeIn(dir.path()), {coder::RepositoryOptions::Access::ReadOnly});
+        const auto model = coder::descriptor::RepositoryHelper::getModel(repository);
+        const std::string name = vel::i18n::toUtf8(model.getModelName());
+        std::string groups;
+        for (const auto& group : model.getCoderGroups()) groups += vel::i18n::toUtf8(group.getName()) + " ";
+        EXPECT_EQ(name + "_Signals " + name + "_States ", groups) << "round " << round;
+        for (int i = 0; i < 2; ++i) {
+            const bool stored = name == (i == 0 ? "a" : "b");
+            EXPECT_TRUE(failures[i] == "no diagnostic" ||
+                        (!stored && failures[i].rfind(kDescriptorOfAnotherRunId, 0) == 0))
+                << "round " << round << ", model " << i << ": " << failures[i];
+        }
+    }
 }
 
 // A script that runs while the first pass does (the usual order) reaches the
