@@ -256,24 +256,6 @@ TEST(Repository, AMissingDirectoryOrAPathHoldingANulCannotBeOpened) {
     EXPECT_FALSE(std::filesystem::exists(dir / "s"));
 }
 
-TEST(Repository, AWriteProtectedFileIsRefusedForWriting) {
-    TempDir dir;
-    const auto path = dir / "s.strata";
-    storeModel(path, u"m");
-    namespace fs = std::filesystem;
-    fs::permissions(path, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-    const std::string before = fileBytes(path);
-    // Permission bits bind the superuser only once it has dropped its rights.
-    EXPECT_EQ("coder:Repository:ReadOnly", runInChild(testing_support::unprivileged(), [&] {
-                  return diagnosticOf([&] {
-                      Repository repository(path);
-                      repository.beginTransaction();
-                  });
-              }));
-    EXPECT_EQ(u"m", storedModelName(path));
-    EXPECT_EQ(before, fileBytes(path));
-}
-
 TEST(Repository, AFullDiskRollsBackToTheLastCommit) {
     TempDir dir;
     const auto path = dir / "s.strata";
