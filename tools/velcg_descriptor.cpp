@@ -1,6 +1,8 @@
 // Reads a code descriptor store ("codedescriptor.strata") without changing
 // it: prints the stored model as an indented text tree or as JSON, or checks
-// that the file is a sound store of this program's format.
+// that the file is a sound store of this program's format. A store left by
+// a writer that stopped mid-transaction is first rolled back to its last
+// commit, with a warning, where the file and its directory may be written.
 //
 //   velcg-descriptor dump [--json] FILE
 //   velcg-descriptor check FILE
@@ -38,7 +40,9 @@ const VelCG::cli::Tool kTool = {
     "       velcg-descriptor check FILE\n"
     "       velcg-descriptor --help | --version\n",
     "\n"
-    "Reads a code descriptor store; the file is opened for reading only.\n"
+    "Reads a code descriptor store without changing what it holds; a store left by\n"
+    "a writer that stopped mid-transaction is first rolled back to its last commit,\n"
+    "with a warning, where the file and its directory may be written.\n"
     "\n"
     "  dump FILE         the stored model as an indented text tree\n"
     "  dump --json FILE  the stored model as JSON: each record an object with its\n"
@@ -106,6 +110,11 @@ private:
 Repository openForReading(const std::string& file) {
     RepositoryOptions options;
     options.access = RepositoryOptions::Access::ReadOnly;
+    // Opening rolls back the transaction of a writer that stopped, when the
+    // file may be written; the warning says so.
+    const vel::diag::ScopedWarningSink notices([&file](const vel::diag::Diagnostic& d) {
+        VelCG::cli::warning(kTool, file + ": " + d.message(), d.identifier());
+    });
     return Repository(std::filesystem::u8path(file), options);
 }
 
@@ -134,14 +143,8 @@ int dump(const VelCG::cli::Tool& tool, const std::string& file, bool json) {
 }
 
 int check(const VelCG::cli::Tool& tool, const std::string& file) {
+    // Opening has refused a format this program does not read.
     Repository repository = openForReading(file);
-    const int version = repository.getFormatVersion();
-    if (version != Repository::kFormatVersion) {
-        VelCG::cli::error(tool, file,
-                          "format version " + std::to_string(version) + ", but this program reads version " +
-                              std::to_string(Repository::kFormatVersion));
-        return 1;
-    }
     const std::vector<std::string> problems = repository.checkIntegrity();
     for (const std::string& problem : problems) VelCG::cli::error(tool, file, problem);
     if (!problems.empty()) return 1;

@@ -3,9 +3,12 @@
 #include <atomic>
 #include <cassert>
 #include <condition_variable>
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
+#include <random>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include <boost/thread/thread.hpp>
@@ -93,6 +96,35 @@ void reportBackgroundFailure(const std::exception_ptr& error) noexcept {
     } catch (...) {
         // Out of memory while describing the failure: the destructor goes on.
     }
+}
+
+// A token naming one first pass: 128 random bits in 32 hexadecimal digits,
+// a fixed length (see coder::Repository::setUnfinishedRun).
+std::string newRunToken() {
+    std::random_device random;
+    std::string token;
+    for (int word = 0; word < 4; ++word) {
+        std::uint32_t bits = random();
+        for (int digit = 0; digit < 8; ++digit, bits >>= 4) token += "0123456789abcdef"[bits & 0xf];
+    }
+    return token;
+}
+
+// Raises DescriptorOfAnotherRun for a second pass of `model` (of run `own`)
+// that found the token `stored` in repository.
+[[noreturn]] void throwDescriptorOfAnotherRun(const std::wstring& model, const std::string& own,
+                                              coder::Repository& repository, const std::string& stored) {
+    std::string held = "no model";
+    try {
+        held = "model '" +
+               vel::i18n::toUtf8(coder::descriptor::RepositoryHelper::getModel(repository).getModelName()) +
+               "' " + (stored.empty() ? "with no second pass outstanding" : "of run " + stored);
+    } catch (const vel::diag::Exception& e) {
+        if (e.identifier() != "coder:descriptor:NoModel") throw;
+    }
+    vel::diag::throwError(kDescriptorOfAnotherRunId,
+                          {vel::i18n::toUtf8(model), own.empty() ? "no first pass run" : "run " + own,
+                           repository.getPath().u8string(), held});
 }
 
 } // namespace
@@ -347,6 +379,9 @@ void CGModel::serializeModelImpl(const std::wstring& directory) {
     using vel::i18n::toUString;
     if (VELFEAT_VelCGDirectEmitSerialize.value() < 1) return;
     if (VELFEAT_VelCGDirectEmitSerialize.value() == 3) recordTAQActualSources();
+    // A new token also when this pass fails: the second pass must not add to
+    // what an earlier first pass stored.
+    serializationRun_ = newRunToken();
 
     // Declared in the order of use, so that a failure destroys them in
     // reverse and the transaction rolls back before the file closes.
@@ -367,6 +402,7 @@ void CGModel::serializeModelImpl(const std::wstring& directory) {
     const auto taqBlocks = model.getTAQBlocks();
     for (const ToAsyncQueueBlock* block : taqBlocks_) taqBlocks.append(block->serializeAsync(repository));
     model.setFPCInfo(fpcIOMap_->serialize(repository));
+    repository.setUnfinishedRun(serializationRun_);
     transaction.commit();
     model.release();
 }
@@ -376,9 +412,13 @@ void CGModel::serializeModelAfterScrivImpl(const std::wstring& directory) {
 
     coder::Repository repository(codeDescriptorPath(directory));
     coder::Transaction transaction(repository);
+    const std::string stored = repository.getUnfinishedRun();
+    if (serializationRun_.empty() || stored != serializationRun_)
+        throwDescriptorOfAnotherRun(getName(), serializationRun_, repository, stored);
     coder::descriptor::Model model = coder::descriptor::RepositoryHelper::getModel(repository);
     const auto groups = model.getCoderGroups();
     for (const CoderDataGroup* group : coderDataGroups_) groups.append(group->serialize(repository));
+    repository.setUnfinishedRun({});
     transaction.commit();
     model.release();
 }

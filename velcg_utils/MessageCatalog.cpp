@@ -37,6 +37,12 @@ namespace {
               "Custom section '{2}' of file '{1}' was neither retrieved nor appended to the {3} "
               "section: its {4} byte(s) were not written."},
          }},
+        // {2} and {4} say which run: "run <token>", "no first pass run",
+        // "model '<name>' of run <token>", "no model", ...
+        {"VelCG:Model",
+         {{"DescriptorOfAnotherRun",
+           "The second serialization pass of model '{1}' ({2}) wrote nothing to the code descriptor '{3}': "
+           "it holds {4}, not the description this model's first pass stored. Run both passes again."}}},
         {"VelCG:FileRepScrivBridge",
          {
              {"InvalidFileIndex", "File index {1} is out of range: the repository holds {2} file(s)."},

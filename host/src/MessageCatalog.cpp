@@ -58,6 +58,14 @@ const std::map<std::string, std::string> kCoderRepository = {
      "was left unchanged."},
     {"Corrupt", "The code descriptor '{1}' is damaged: {2}"},
     {"ReadOnly", "Cannot write the code descriptor '{1}': {2}"},
+    {"LeftMidWrite",
+     "The code descriptor '{1}' was left by a writer that stopped in the middle of a transaction, which "
+     "must be rolled back before the file can be read, and here it cannot be: {2}. Nothing committed is "
+     "lost: run 'velcg-descriptor check {1}' as a user that may write the file and its directory, or open "
+     "the file once for writing."},
+    {"RolledBack",
+     "The code descriptor '{1}' was left by a writer that stopped; its unfinished transaction was rolled "
+     "back."},
     {"Busy", "The code descriptor '{1}' is locked by another writer: {2}"},
     {"Full", "The code descriptor '{1}' cannot grow: {2}. The transaction was rolled back."},
     {"Failed", "The code descriptor '{1}' failed: {2}"},

@@ -273,8 +273,15 @@ public:
     // and root inputs), replacing any description stored before.
     void serializeModel(const std::wstring& directory);
     // The second pass, after the template scripts have run: appends the
-    // coder data groups to the description the first pass stored. A store
-    // without a description raises "coder:descriptor:NoModel".
+    // coder data groups to the description the first pass stored. The
+    // first pass leaves a token of its own in the store, which this pass
+    // checks and clears as it commits: finding another (another model, or
+    // this one written by another run or by a later first pass elsewhere)
+    // or none (a second pass already ran), it raises
+    // "VelCG:Model:DescriptorOfAnotherRun", naming both, and writes nothing.
+    // So two generations into one directory never mix their descriptions,
+    // and the token is gone from the finished file, whose bytes depend only
+    // on the model.
     void serializeModelAfterScriv(const std::wstring& directory);
     // Waits for a background pass, if one runs, and rethrows the failure
     // of a background pass kept since, once: a caller that needs to know
@@ -345,6 +352,9 @@ private:
     // The first failure of a background pass not yet raised or reported;
     // written by the pass, read only once its thread is joined.
     std::exception_ptr serializationError_;
+    // The token of the last first pass (see serializeModelAfterScriv),
+    // written by the pass, read by the second once the first is joined.
+    std::string serializationRun_;
     ChildCoderGroupMgr childCoderGroupManager_;
     std::set<std::wstring> taqActualSourcePaths_;
     std::vector<CoderDataGroup*> coderDataGroups_;

@@ -26,6 +26,7 @@ inline constexpr const char* kDuplicateNameId = "VelCG:Model:DuplicateName";
 inline constexpr const char* kCyclicTypeId = "VelCG:Model:CyclicType";
 inline constexpr const char* kCyclicSourceId = "VelCG:Model:CyclicSource";
 inline constexpr const char* kSerializationFailedId = "VelCG:Model:SerializationFailed";
+inline constexpr const char* kDescriptorOfAnotherRunId = "VelCG:Model:DescriptorOfAnotherRun";
 
 // "Index 5 is out of range for <what> (3 elements)."
 [[noreturn]] VELCG_API void throwIndexOutOfRange(const std::string& what, std::int64_t index,

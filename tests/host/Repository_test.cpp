@@ -1,6 +1,7 @@
 #include "coder/Repository.hpp"
 
 #include <csignal>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <random>
@@ -210,6 +211,39 @@ TEST(Repository, BadFilesAreRefusedAndLeftUnchanged) {
     }
 }
 
+// A store of format 1 (without the table UnfinishedRun) reads as it is and
+// holds no unfinished run; the first transaction written to it makes it a
+// store of format 2, and one rolled back leaves it as it was.
+TEST(Repository, AFormatOneStoreIsReadAndUpgradedByItsFirstWrite) {
+    TempDir dir;
+    const auto path = dir / "codedescriptor.strata";
+    storeModel(path, u"old");
+    execSql(path, "DROP TABLE UnfinishedRun; PRAGMA user_version = 1");
+    const std::string formatOne = fileBytes(path);
+    const auto state = [&path] {
+        Repository reader(path, {RepositoryOptions::Access::ReadOnly});
+        return std::to_string(reader.getFormatVersion()) + " " + vel::i18n::toUtf8(storedModelName(path)) +
+               " [" + reader.getUnfinishedRun() + "]" + (reader.checkIntegrity().empty() ? "" : " damaged");
+    };
+    EXPECT_EQ("1 old []", state());
+    {
+        Repository writer(path);
+        Transaction transaction(writer);
+        writer.setUnfinishedRun("rolled back");
+    }
+    EXPECT_EQ(formatOne, fileBytes(path));
+    {
+        Repository writer(path);
+        Transaction transaction(writer);
+        writer.setUnfinishedRun("run 1");
+        transaction.commit();
+    }
+    EXPECT_EQ("2 old [run 1]", state());
+    // A new model is no longer the unfinished run's.
+    storeModel(path, u"new");
+    EXPECT_EQ("2 new []", state());
+}
+
 TEST(Repository, AMissingDirectoryOrAPathHoldingANulCannotBeOpened) {
     TempDir dir;
     EXPECT_EQ("coder:Repository:CannotOpen",
@@ -220,24 +254,6 @@ TEST(Repository, AMissingDirectoryOrAPathHoldingANulCannotBeOpened) {
     EXPECT_EQ("coder:Repository:CannotOpen(" + before + "\\0/x.strata, the path holds a NUL character)",
               diagnosticWithArgumentsOf([&] { Repository(before + std::string(1, '\0') + "/x.strata"); }));
     EXPECT_FALSE(std::filesystem::exists(dir / "s"));
-}
-
-TEST(Repository, AWriteProtectedFileIsRefusedForWriting) {
-    TempDir dir;
-    const auto path = dir / "s.strata";
-    storeModel(path, u"m");
-    namespace fs = std::filesystem;
-    fs::permissions(path, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-    const std::string before = fileBytes(path);
-    // Permission bits bind the superuser only once it has dropped its rights.
-    EXPECT_EQ("coder:Repository:ReadOnly", runInChild(testing_support::unprivileged(), [&] {
-                  return diagnosticOf([&] {
-                      Repository repository(path);
-                      repository.beginTransaction();
-                  });
-              }));
-    EXPECT_EQ(u"m", storedModelName(path));
-    EXPECT_EQ(before, fileBytes(path));
 }
 
 TEST(Repository, AFullDiskRollsBackToTheLastCommit) {
@@ -277,7 +293,12 @@ TEST(Repository, ASecondWriterWaitsForTheLockThenFails) {
     EXPECT_EQ(u"second", storedModelName(path));
 }
 
+// A process killed inside a transaction leaves the last commit and a hot
+// journal. Whoever opens the file next and may write it and its directory
+// rolls the journal back (a reader saying so); anyone else gets
+// LeftMidWrite and leaves the journal for them.
 TEST(Repository, AProcessKilledInsideATransactionLeavesTheLastCommit) {
+    namespace fs = std::filesystem;
     TempDir dir;
     const auto path = dir / "codedescriptor.strata";
     int ready[2];
@@ -298,7 +319,7 @@ TEST(Repository, AProcessKilledInsideATransactionLeavesTheLastCommit) {
             Transaction transaction(repository);
             writeModel(repository, u"in flight", 20000);
             if (write(ready[1], "x", 1) != 1) _exit(3);
-            for (;;) writeModel(repository, u"in flight", 1000);
+            for (GraphicalBlockCreator block(repository);;) block.createGraphicalBlock();
         } catch (...) {
             _exit(2);
         }
@@ -307,17 +328,79 @@ TEST(Repository, AProcessKilledInsideATransactionLeavesTheLastCommit) {
     char signal = 0;
     ASSERT_EQ(1, read(ready[0], &signal, 1)) << "the writer stopped early";
     close(ready[0]);
+    // The journal's header is written once the transaction spills into the
+    // file; until then a reader needs no rollback.
+    const fs::path journal = path.string() + "-journal";
+    const auto hot = [&] { return std::ifstream(journal).get() == 0xd9; };
+    for (int wait = 0; wait < 3000 && !hot(); ++wait) usleep(10000);
     ASSERT_EQ(0, kill(child, SIGKILL));
     int status = 0;
     ASSERT_EQ(child, waitpid(child, &status, 0));
     ASSERT_TRUE(WIFSIGNALED(status));
+    ASSERT_TRUE(hot()) << "the kill did not leave a hot journal";
+    const std::string leftFile = fileBytes(path), leftJournal = fileBytes(journal);
 
-    EXPECT_TRUE(std::filesystem::exists(path.string() + "-journal")) << "the kill did not hit a transaction";
-    Repository repository(path);
-    EXPECT_TRUE(repository.checkIntegrity().empty());
-    Model model = RepositoryHelper::getModel(repository);
-    EXPECT_EQ(u"committed", model.getModelName());
-    EXPECT_EQ(10u, model.getBlockHierarchyMap().getGraphicalSystems().at(0).getGraphicalBlocks().size());
+    const auto readOnly = fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+    const auto readWrite =
+        readOnly | fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    const auto search = fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
+    const std::string refused = "coder:Repository:LeftMidWrite(" + path.string() + ", ";
+    struct Case {
+        const char* opener;
+        RepositoryOptions::Access access;
+        fs::perms file, directory;
+        std::string expected; // the diagnostic, or the warnings and the model read
+    } cases[] = {
+        {"a reader that may not write the file", RepositoryOptions::Access::ReadOnly, readOnly,
+         fs::perms::all, refused + "this process may not write the file)"},
+        {"a writer that may not write the file", RepositoryOptions::Access::ReadWrite, readOnly,
+         fs::perms::all, refused + "this process may not write the file)"},
+        {"a reader that may not write the directory", RepositoryOptions::Access::ReadOnly, readWrite,
+         readOnly | search, refused + "the directory does not let the journal be deleted)"},
+        {"a writer that may not write the directory", RepositoryOptions::Access::ReadWrite, readWrite,
+         readOnly | search, refused + "the directory does not let the journal be deleted)"},
+        {"a reader that may write both", RepositoryOptions::Access::ReadOnly, readWrite, fs::perms::all,
+         "coder:Repository:RolledBack " + path.string() + ": committed, 10 blocks"},
+        {"a writer that may write both", RepositoryOptions::Access::ReadWrite, readWrite, fs::perms::all,
+         "committed, 10 blocks"},
+    };
+    // The diagnostic that refuses the file, or the warnings raised and the
+    // model read.
+    const auto open = [&path](RepositoryOptions::Access access) {
+        vel::diag::WarningCollector warnings;
+        std::string read;
+        const std::string refusal = diagnosticWithArgumentsOf([&] {
+            Repository repository(path, {access});
+            Model model = RepositoryHelper::getModel(repository);
+            const auto blocks =
+                model.getBlockHierarchyMap().getGraphicalSystems().at(0).getGraphicalBlocks().size();
+            read = vel::i18n::toUtf8(model.getModelName()) + ", " + std::to_string(blocks) + " blocks" +
+                   (repository.checkIntegrity().empty() ? "" : ", damaged");
+        });
+        if (refusal != "no diagnostic") return refusal;
+        for (const auto& w : warnings.warnings())
+            read = w.identifier() + " " + w.arguments().at(0) + ": " + read;
+        return read;
+    };
+    for (const Case& c : cases) {
+        writeBytes(path, leftFile);
+        writeBytes(journal, leftJournal);
+        fs::permissions(path, c.file);
+        fs::permissions(journal, c.file);
+        fs::permissions(dir.path(), c.directory);
+        // Permission bits bind the superuser only once it has dropped its rights.
+        EXPECT_EQ(c.expected, runInChild(testing_support::unprivileged(), [&] { return open(c.access); }))
+            << c.opener;
+        fs::permissions(dir.path(), fs::perms::all);
+        // Refused, the journal stays for an opener that may write.
+        EXPECT_EQ(c.expected.rfind(refused, 0) == 0, fs::exists(journal)) << c.opener;
+    }
+    // A reader opened before the writer stopped.
+    Repository reader(path, {RepositoryOptions::Access::ReadOnly});
+    writeBytes(path, leftFile);
+    writeBytes(journal, leftJournal);
+    EXPECT_EQ(refused + "the repository is open for reading only)",
+              diagnosticWithArgumentsOf([&] { RepositoryHelper::getModel(reader); }));
 }
 
 } // namespace

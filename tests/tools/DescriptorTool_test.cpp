@@ -1,21 +1,17 @@
 // velcg-descriptor run as a process on stores written here: whole outputs,
 // exit statuses, and files left as they were.
-#include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
-#include <spawn.h>
 #include <string>
-#include <sys/wait.h>
 #include <vector>
 
 #include <sqlite3.h>
 
 #include "TempDir.hpp"
+#include "ToolProcess.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
-
-extern char** environ;
 
 namespace {
 
@@ -24,44 +20,8 @@ using coder::Transaction;
 using namespace coder::descriptor;
 using testing_support::fileBytes;
 using testing_support::TempDir;
+using testing_support::ToolRun;
 using testing_support::writeBytes;
-
-struct ToolRun {
-    int status = -1; // the exit status, or -1 when the tool did not exit normally
-    std::string out;
-    std::string err;
-};
-
-// Runs the tool with the given arguments, its standard output and error
-// captured in files of dir.
-ToolRun runTool(const TempDir& dir, const std::vector<std::string>& args) {
-    const std::string outPath = (dir / "stdout").string();
-    const std::string errPath = (dir / "stderr").string();
-    std::vector<std::string> argStrings = {VELCG_DESCRIPTOR_TOOL};
-    argStrings.insert(argStrings.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& arg : argStrings) argv.push_back(arg.data());
-    argv.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ToolRun run;
-    if (spawned != 0) {
-        ADD_FAILURE() << "cannot start " << argv[0];
-        return run;
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    if (WIFEXITED(status)) run.status = WEXITSTATUS(status);
-    run.out = fileBytes(outPath);
-    run.err = fileBytes(errPath);
-    return run;
-}
 
 std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
     for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
@@ -297,9 +257,10 @@ protected:
     }
 
     // The tool's arguments with "{F}" standing for file.
-    ToolRun run(std::vector<std::string> args, const std::filesystem::path& file) {
+    ToolRun run(std::vector<std::string> args, const std::filesystem::path& file,
+                const testing_support::ChildSetup& setup = {}) {
         for (std::string& arg : args) arg = replaceAll(arg, "{F}", file.string());
-        return runTool(dir_, args);
+        return testing_support::runTool(VELCG_DESCRIPTOR_TOOL, dir_.path(), args, setup);
     }
 
     TempDir dir_;
@@ -388,9 +349,9 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
              std::to_string(good.size() - 1) + " bytes long, but holds " + std::to_string(pages) +
              " pages of 4096 bytes [coder:Repository:Corrupt]\n"},
         {"newer format",
-         copyWith("PRAGMA user_version = 2"),
+         copyWith("PRAGMA user_version = 3"),
          {check},
-         "velcg-descriptor: error: {F}: The code descriptor '{F}' has format version 2, newer than version 1 "
+         "velcg-descriptor: error: {F}: The code descriptor '{F}' has format version 3, newer than version 2 "
          "that this program "
          "reads; it was left unchanged. [coder:Repository:NewerFormat]\n"},
         {"gap in positions",
@@ -442,6 +403,56 @@ TEST_F(DescriptorTool, BadFilesGiveAReadableError) {
     }
 }
 
+// A store left by a writer that stopped mid-transaction: refused as it is,
+// with what to run, where the tool may not write the file and its
+// directory; rolled back to its last commit, with a warning, where it may.
+TEST_F(DescriptorTool, AStoreLeftMidWriteIsRefusedOrRolledBack) {
+    namespace fs = std::filesystem;
+    const fs::path dir = dir_ / "left", store = dir / "codedescriptor.strata";
+    fs::create_directory(dir);
+    fs::copy_file(store_, store);
+    const std::string committed = fileBytes(store);
+    // A writer whose transaction spills into the file at once (a cache of
+    // one page), ended without a rollback.
+    testing_support::waitForChild(testing_support::startChild({}, [&] {
+        sqlite3* db = nullptr;
+        sqlite3_open(store.c_str(), &db);
+        sqlite3_exec(
+            db,
+            "PRAGMA cache_size = 1; BEGIN; CREATE TABLE pad (x); INSERT INTO pad VALUES (zeroblob(100000))",
+            nullptr, nullptr, nullptr);
+    }));
+    const std::string left = fileBytes(store);
+    ASSERT_NE(committed, left) << "the transaction did not reach the file";
+
+    const auto readOnly = fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+    fs::permissions(store, readOnly);
+    fs::permissions(dir, readOnly | fs::perms::owner_exec | fs::perms::others_exec);
+    ToolRun result = run({"check", "{F}"}, store, testing_support::unprivileged());
+    EXPECT_EQ(
+        replaceAll("velcg-descriptor: error: {F}: The code descriptor '{F}' was left by a writer that "
+                   "stopped in the middle of "
+                   "a transaction, which must be rolled back before the file can be read, and here it "
+                   "cannot be: this process may not write the file. Nothing committed is lost: run "
+                   "'velcg-descriptor check {F}' as a user that may write the file and its directory, or "
+                   "open the file once for writing. [coder:Repository:LeftMidWrite]\n",
+                   "{F}", store.string()),
+        result.err);
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(left, fileBytes(store));
+
+    fs::permissions(dir, fs::perms::owner_all);
+    fs::permissions(store, fs::perms::owner_all);
+    result = run({"dump", "--json", "{F}"}, store);
+    EXPECT_EQ(replaceAll("velcg-descriptor: warning: {F}: The code descriptor '{F}' was left by a writer "
+                         "that stopped; its "
+                         "unfinished transaction was rolled back. [coder:Repository:RolledBack]\n",
+                         "{F}", store.string()),
+              result.err);
+    EXPECT_EQ(kExpectedJson, result.out);
+    EXPECT_EQ(committed, fileBytes(store));
+}
+
 TEST_F(DescriptorTool, UsageErrorsExitWithTwo) {
     struct Case {
         std::vector<std::string> args;
@@ -491,7 +502,8 @@ TEST_F(DescriptorTool, FileNamesMayStartWithADash) {
     std::filesystem::copy_file(store_, dashed);
     const std::filesystem::path cwd = std::filesystem::current_path();
     std::filesystem::current_path(dir_.path());
-    const ToolRun result = runTool(dir_, {"check", "--", "-model.strata"});
+    const ToolRun result =
+        testing_support::runTool(VELCG_DESCRIPTOR_TOOL, dir_.path(), {"check", "--", "-model.strata"});
     std::filesystem::current_path(cwd);
     EXPECT_EQ("-model.strata: ok\n", result.out);
     EXPECT_EQ("", result.err);

@@ -22,6 +22,10 @@ bool Repository::isReadOnly() const { return store_->isReadOnly(); }
 
 int Repository::getFormatVersion() const { return store_->formatVersion(); }
 
+std::string Repository::getUnfinishedRun() const { return store_->unfinishedRun(); }
+
+void Repository::setUnfinishedRun(const std::string& token) { store_->setUnfinishedRun(token); }
+
 std::vector<std::string> Repository::checkIntegrity() const { return store_->checkIntegrity(); }
 
 Transaction::Transaction(Repository& repository) : repository_(repository) { repository_.beginTransaction(); }

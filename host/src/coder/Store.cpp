@@ -3,9 +3,11 @@
 // A store is an SQLite 3 database file (conventionally named
 // "codedescriptor.strata") that identifies itself with
 // PRAGMA application_id = 0x56434744 ("VCGD") and carries its format version
-// in PRAGMA user_version (this is version 1). A reader refuses a file whose
+// in PRAGMA user_version (this is version 2). A reader refuses a file whose
 // application id differs, and a file whose version is newer than its own;
-// it never writes to either.
+// it never writes to either. Version 1 lacked the table "UnfinishedRun"
+// (below): a reader reads such a file as it is, and the first transaction
+// written to it adds the table and sets version 2.
 //
 // Each record kind (coder::descriptor::recordKinds(), in this order: Model,
 // System, BlockHierarchyMap, GraphicalSystem, GraphicalBlock, Port, Region,
@@ -39,11 +41,22 @@
 // column. The store holds one model: the first row of "Model" is the root
 // of the description, and writing a new model deletes every row first.
 //
+// One more table, not a record kind, names the run that stored the model
+// and means to add to it in a later transaction (Repository::
+// setUnfinishedRun); it holds no row otherwise:
+//
+//   CREATE TABLE "UnfinishedRun" (
+//     id INTEGER PRIMARY KEY CHECK (id = 1), token TEXT NOT NULL) STRICT;
+//
 // Foreign keys are declared for readers and checked by
 // Repository::checkIntegrity (PRAGMA foreign_key_check); the writer does not
 // enforce them per statement, since every id it writes comes from a record
 // of the same store. Writes use SQLite's rollback journal, so a process that
-// dies inside a transaction leaves the file as it was at the last commit.
+// dies inside a transaction leaves the file as it was at the last commit,
+// plus a hot journal ("<file>-journal" with a non-zero header) that the next
+// connection allowed to write rolls back when it first reads. A reader
+// opened for reading only does that through a connection of its own (see
+// Store::firstRead).
 #include "Store.hpp"
 
 #include <SQLiteCpp/Database.h>
@@ -84,6 +97,9 @@ namespace {
 
 std::string quoted(const std::string& name) { return '"' + name + '"'; }
 
+const char* const kUnfinishedRunTable =
+    "CREATE TABLE \"UnfinishedRun\" (id INTEGER PRIMARY KEY CHECK (id = 1), token TEXT NOT NULL) STRICT";
+
 std::string sequenceTable(const RecordKind& kind, const SequenceInfo& sequence) {
     return std::string(kind.name) + "_" + sequence.name;
 }
@@ -119,6 +135,27 @@ int lastSystemError(sqlite3* db) {
     if (sqlite3_file_control(db, "main", SQLITE_FCNTL_LAST_ERRNO, &error) != SQLITE_OK || error == 0)
         error = sqlite3_system_errno(db);
     return error;
+}
+
+// Why a connection could not roll back the transaction of a writer that
+// stopped, from the failure of its first read (which is when SQLite rolls
+// back); empty when the failure is another one.
+std::string rollbackFailure(const SQLite::Exception& error, const std::string& path) {
+    switch (error.getExtendedErrorCode()) {
+        case SQLITE_READONLY_ROLLBACK:
+        case SQLITE_READONLY_RECOVERY: // the same, in WAL mode
+            return "this process may not write the file";
+        case SQLITE_READONLY_DIRECTORY:
+        case SQLITE_IOERR_DELETE:
+            return "the directory does not let the journal be deleted";
+        default:
+            break;
+    }
+    std::error_code ec;
+    return (error.getErrorCode() & 0xff) == SQLITE_CANTOPEN &&
+                   std::filesystem::exists(std::filesystem::u8path(path + "-journal"), ec)
+               ? "the journal cannot be opened for writing"
+               : "";
 }
 
 // Resets a statement when leaving scope, also when a read throws, so that
@@ -171,6 +208,7 @@ Store::Store(const std::filesystem::path& path, const RepositoryOptions& options
     }
     // SQLite opens a file it may not write for reading only, silently.
     writeProtected_ = !readOnly_ && sqlite3_db_readonly(db_->getHandle(), "main") == 1;
+    firstRead(options);
     validateOrCreate(options);
 }
 
@@ -219,6 +257,13 @@ void Store::raise(const SQLite::Exception& error) const {
             key = "ReadOnly";
             if (error.getExtendedErrorCode() == SQLITE_READONLY_DIRECTORY)
                 reason += " (the directory does not let the journal be created)";
+            // A writer stopped after this connection was opened.
+            if (error.getExtendedErrorCode() == SQLITE_READONLY_ROLLBACK ||
+                error.getExtendedErrorCode() == SQLITE_READONLY_RECOVERY) {
+                key = "LeftMidWrite";
+                reason =
+                    readOnly_ ? "the repository is open for reading only" : rollbackFailure(error, pathText_);
+            }
             break;
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
@@ -246,6 +291,17 @@ void Store::begin() {
         // other here (up to the busy timeout) instead of failing mid-way.
         db_->exec("BEGIN IMMEDIATE");
     } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+    try {
+        // A file of format 1 becomes one of this format with the first
+        // transaction written to it (and stays as it was if that rolls back).
+        if (db_->execAndGet("PRAGMA user_version").getInt() == 1) {
+            db_->exec(kUnfinishedRunTable);
+            db_->exec("PRAGMA user_version = " + std::to_string(Repository::kFormatVersion));
+        }
+    } catch (const SQLite::Exception& e) {
+        rollback();
         raise(e);
     }
 }
@@ -292,12 +348,54 @@ void Store::forgetPositions() {
     }
 }
 
+// The first read rolls back the transaction of a writer that stopped, but
+// only on a connection that may write: a read-only one fails with
+// SQLITE_READONLY_ROLLBACK ("attempt to write a readonly database"). A
+// reader then rolls back through a short read-write connection of its own,
+// and reads the file as that left it. Where this process may not write the
+// file or its directory, "coder:Repository:LeftMidWrite" says what to do
+// instead. Other failures are left to validateOrCreate, which meets them
+// again.
+void Store::firstRead(const RepositoryOptions& options) {
+    try {
+        db_->execAndGet("PRAGMA schema_version");
+        return;
+    } catch (const SQLite::Exception& e) {
+        const std::string failure = rollbackFailure(e, pathText_);
+        if (failure.empty()) return;
+        if (!readOnly_ || e.getExtendedErrorCode() != SQLITE_READONLY_ROLLBACK)
+            vel::diag::throwError("coder:Repository:LeftMidWrite", {pathText_, failure});
+    }
+    try {
+        SQLite::Database writer(pathText_, SQLITE_OPEN_READWRITE, options.busyTimeoutMs);
+        if (sqlite3_db_readonly(writer.getHandle(), "main") == 1)
+            vel::diag::throwError("coder:Repository:LeftMidWrite",
+                                  {pathText_, "this process may not write the file"});
+        writer.execAndGet("PRAGMA schema_version");
+    } catch (const SQLite::Exception& e) {
+        // The journal goes last: a failure leaves it, and the file, to be
+        // rolled back again.
+        const std::string failure = rollbackFailure(e, pathText_);
+        vel::diag::throwError("coder:Repository:LeftMidWrite",
+                              {pathText_, failure.empty() ? describe(e) : failure});
+    }
+    vel::diag::warn("coder:Repository:RolledBack", {pathText_});
+}
+
 void Store::validateOrCreate(const RepositoryOptions& options) {
+    // Ends the read transaction below however this returns.
+    struct EndRead {
+        Store& store;
+        ~EndRead() { store.rollback(); }
+    } endRead{*this};
     try {
         if (options.maxPageCount != 0)
             db_->exec("PRAGMA max_page_count = " + std::to_string(options.maxPageCount));
-        // The first read also replays a journal left by a process that died
-        // inside a transaction.
+        // The reads see one state of the file: another connection may be
+        // creating the schema meanwhile, and a header read before its commit
+        // with a table count read after it would look like another
+        // application's file.
+        db_->exec("BEGIN");
         const int applicationId = db_->execAndGet("PRAGMA application_id").getInt();
         const int version = db_->execAndGet("PRAGMA user_version").getInt();
         // A store cut short still has a valid header; its page count tells,
@@ -314,6 +412,7 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
         const int objects = db_->execAndGet("SELECT count(*) FROM sqlite_schema").getInt();
         if (applicationId == 0 && version == 0 && objects == 0) {
             if (readOnly_) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
+            rollback();
             createSchema();
             return;
         }
@@ -338,6 +437,7 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
             requireTable(kind->name);
             for (const auto& sequence : kind->sequences) requireTable(sequenceTable(*kind, sequence));
         }
+        if (version >= 2) requireTable("UnfinishedRun");
     } catch (const SQLite::Exception& e) {
         const int code = e.getErrorCode() & 0xff;
         if (code == SQLITE_NOTADB) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
@@ -369,6 +469,7 @@ void Store::createSchema() {
                           ", PRIMARY KEY (owner, position)) STRICT, WITHOUT ROWID");
             }
         }
+        db_->exec(kUnfinishedRunTable);
         db_->exec("PRAGMA application_id = " + std::to_string(Repository::kApplicationId));
         db_->exec("PRAGMA user_version = " + std::to_string(Repository::kFormatVersion));
         db_->exec("COMMIT");
@@ -526,10 +627,39 @@ void Store::clear() {
                 db_->exec("DELETE FROM " + quoted(sequenceTable(*kind, sequence)));
             db_->exec("DELETE FROM " + quoted(kind->name));
         }
+        db_->exec("DELETE FROM \"UnfinishedRun\"");
     } catch (const SQLite::Exception& e) {
         raise(e);
     }
     forgetPositions();
+}
+
+std::string Store::unfinishedRun() {
+    requireOpen();
+    try {
+        if (formatVersion() < 2) return {};
+        SQLite::Statement statement(*db_, "SELECT token FROM \"UnfinishedRun\"");
+        return statement.executeStep() ? statement.getColumn(0).getString() : std::string();
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
+}
+
+void Store::setUnfinishedRun(const std::string& token) {
+    requireTransaction();
+    try {
+        // Zeroed as it is deleted, so that the token leaves no trace in the
+        // file: the same model written the same way gives the same bytes.
+        db_->exec("PRAGMA secure_delete = ON");
+        db_->exec("DELETE FROM \"UnfinishedRun\"");
+        db_->exec("PRAGMA secure_delete = OFF");
+        if (token.empty()) return;
+        SQLite::Statement insert(*db_, "INSERT INTO \"UnfinishedRun\" (id, token) VALUES (1, ?)");
+        insert.bind(1, token);
+        insert.exec();
+    } catch (const SQLite::Exception& e) {
+        raise(e);
+    }
 }
 
 std::size_t Store::sequenceSize(const RecordKind& kind, std::size_t sequence, std::int64_t owner) {

@@ -76,12 +76,16 @@ public:
     // The id of the first model record, or 0 when the store holds none.
     std::int64_t firstModelId();
     int formatVersion();
+    // See Repository::getUnfinishedRun and setUnfinishedRun.
+    std::string unfinishedRun();
+    void setUnfinishedRun(const std::string& token);
     std::vector<std::string> checkIntegrity();
 
 private:
     struct SequenceStatements;
     struct KindStatements;
 
+    void firstRead(const RepositoryOptions& options);
     void validateOrCreate(const RepositoryOptions& options);
     void createSchema();
     KindStatements& statementsFor(const RecordKind& kind);

@@ -9,10 +9,14 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
+#include <random>
 #include <set>
 #include <string>
 #include <thread>
@@ -21,18 +25,24 @@
 #include <sqlite3.h>
 
 #include "ChildProcess.hpp"
+#include "DiagnosticTesting.hpp"
+#include "StartLatch.hpp"
 #include "TempDir.hpp"
+#include "ToolProcess.hpp"
 #include "coder/Repository.hpp"
+#include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/feature/Feature.hpp"
+#include "vel/i18n/Text.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CoderDataGroup.hpp"
 #include "velcg/Features.hpp"
 #include "velcg/GraphicalBlock.hpp"
+#include "velcg/ModelDiagnostics.hpp"
 #include "velcg/PlexoModule.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
@@ -63,7 +73,8 @@ private:
 };
 
 // A model of `blocks` blocks with one input port each, in one root
-// subsystem, and two coder data groups that only the second pass writes.
+// subsystem, and two coder data groups named after it ("<name>_Signals",
+// "<name>_States") that only the second pass writes.
 std::unique_ptr<NamedModel> buildModel(const wchar_t* name, int blocks) {
     auto model = std::make_unique<NamedModel>(name);
     auto root = std::make_unique<StoredGraphicalSubsystem>(name, GraphicalSubsystemType::Root);
@@ -74,8 +85,8 @@ std::unique_ptr<NamedModel> buildModel(const wchar_t* name, int blocks) {
         root->addGraphicalBlock(std::make_unique<GraphicalBlock>(block));
     }
     model->getBlockHierarchyMap()->addGraphicalSubsystem(std::move(root));
-    for (const char* group : {"Signals", "States"})
-        model->appendCoderDataGroup(std::make_unique<Group>(group, model.get()));
+    for (const char* group : {"_Signals", "_States"})
+        model->appendCoderDataGroup(std::make_unique<Group>(vel::i18n::toUtf8(name) + group, model.get()));
     return model;
 }
 
@@ -184,11 +195,49 @@ TEST(CGModelSerializeFaults, AStoreThatCannotBeWrittenRaisesAndKeepsTheEarlierPa
     }
 }
 
+namespace {
+
+#if defined(VELCG_DESCRIPTOR_TOOL)
+// What `velcg-descriptor check` says of the store: the identifiers of its
+// warnings, then "ok"; or the identifier of the error that refused it.
+std::string checkVerdict(const fs::path& store, const ChildSetup& setup) {
+    TempDir capture;
+    const auto run =
+        testing_support::runTool(VELCG_DESCRIPTOR_TOOL, capture.path(), {"check", store.string()}, setup);
+    std::string verdict;
+    for (std::size_t end = run.err.find("]\n"); end != std::string::npos;
+         end = run.err.find("]\n", end + 1)) {
+        const std::size_t begin = run.err.rfind('[', end) + 1;
+        verdict += run.err.substr(begin, end - begin) + " ";
+    }
+    return verdict + (run.status == 0 && run.out == store.string() + ": ok\n" ? "ok" : "");
+}
+#endif
+
+// A store's journal is hot, so that a reader must roll it back, while its
+// header is not zero.
+bool hotJournal(const fs::path& store) {
+    return std::ifstream(store.string() + "-journal", std::ios::binary).get() > 0;
+}
+
+int fromEnvironment(const char* name, int fallback) {
+    const char* value = std::getenv(name);
+    return value && std::atoi(value) > 0 ? std::atoi(value) : fallback;
+}
+
+} // namespace
+
 // A process killed at any point of either pass, in the foreground or in the
 // background, leaves the store as the earlier passes left it, or with the
-// new first pass, or with both new passes: never part of a pass.
+// new first pass, or with both new passes: never part of a pass. Where the
+// kill left a hot journal, the descriptor tool (where it is built) refuses
+// the file with LeftMidWrite when it may not write it, and otherwise rolls
+// it back and says so.
+//
+// VELCG_KILLS and VELCG_KILL_BLOCKS set the number of random kill points
+// and the model's size for a longer run (e.g. 50 and 100000).
 TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
-    const auto model = buildModel(L"large", 20000);
+    const auto model = buildModel(L"large", fromEnvironment("VELCG_KILL_BLOCKS", 10000));
     TempDir reference;
     serialize(*buildModel(L"earlier", 3), reference.path());
     const std::string earlierRows = rowCounts(storeIn(reference.path()));
@@ -206,28 +255,33 @@ TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
     ASSERT_NE(firstPassRows, bothPassesRows);
 
     // First right after each synchronous pass has returned, timing the
-    // passes in a child; then after delays spread over that time and a
-    // little past it (the time varies), at both switch values.
+    // passes in a child; then the moment the journal of each pass turns hot
+    // (fraction -1); then at random points of each pass (and a little past
+    // it, as its time varies), at both switch values.
     struct Kill {
         int level;
-        int passesReturned; // the passes the child reported done, or
-        double fraction;    // of the time both passes took
+        int pass;        // the passes done before the wait, 0 to 2
+        double fraction; // of the next pass's time to wait
     };
-    std::vector<Kill> kills = {{2, 1, 0}, {2, 2, 0}};
-    int switchValue = 1;
-    for (double fraction : {0.3, 0.6, 0.9, 1.0, 1.1, 1.25})
-        kills.push_back({switchValue = 3 - switchValue, 0, fraction});
+    std::vector<Kill> kills = {{2, 1, 0}, {2, 2, 0}, {2, 0, -1}, {1, 1, -1}};
+    const unsigned seed = std::random_device()();
+    std::mt19937 random(seed);
+    for (int i = 0; i < fromEnvironment("VELCG_KILLS", 6); ++i)
+        kills.push_back({1 + i % 2, i / 2 % 2, std::uniform_real_distribution<double>(0, 1.1)(random)});
     using Clock = std::chrono::steady_clock;
-    Clock::duration passesTime{};
+    Clock::duration passTime[2]{};
+    int hotKills = 0;
     for (const Kill& k : kills) {
         TempDir dir;
-        fs::copy_file(earlierStore, storeIn(dir.path()));
+        const fs::path store = storeIn(dir.path());
+        fs::copy_file(earlierStore, store);
         int done[2];
         ASSERT_EQ(0, pipe(done));
-        const Clock::time_point started = Clock::now();
+        Clock::time_point started = Clock::now();
         const pid_t child = testing_support::startChild({}, [&] {
             vel::feature::ScopedValue level(VELFEAT_VelCGDirectEmitSerialize, k.level);
             model->serializeModel(dir.path().wstring());
+            model->waitForSerialization();
             if (write(done[1], "1", 1) != 1) return;
             model->serializeModelAfterScriv(dir.path().wstring());
             model->waitForSerialization();
@@ -235,27 +289,137 @@ TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
             pause();
         });
         close(done[1]);
-        if (k.passesReturned == 0) {
-            std::this_thread::sleep_for(passesTime * k.fraction);
-        } else {
-            char marker;
-            for (int passes = 0; passes < k.passesReturned; ++passes) ASSERT_EQ(1, read(done[0], &marker, 1));
-            passesTime = Clock::now() - started;
+        char marker;
+        for (int pass = 0; pass < k.pass; ++pass) {
+            ASSERT_EQ(1, read(done[0], &marker, 1));
+            // The kills right after a pass time it.
+            if (k.fraction == 0) passTime[pass] = Clock::now() - started;
+            started = Clock::now();
+        }
+        if (k.fraction < 0) {
+            const auto deadline = Clock::now() + 2 * (passTime[0] + passTime[1]);
+            while (!hotJournal(store) && Clock::now() < deadline)
+                std::this_thread::sleep_for(std::chrono::microseconds(100));
+        } else if (k.pass < 2) {
+            std::this_thread::sleep_for(passTime[k.pass] * k.fraction);
         }
         kill(child, SIGKILL);
         close(done[0]);
         EXPECT_EQ("signal 9", testing_support::waitForChild(child));
 
-        const std::string trace = "level " + std::to_string(k.level) + ", killed after " +
-                                  (k.passesReturned ? std::to_string(k.passesReturned) + " pass(es)"
-                                                    : std::to_string(k.fraction) + " of the passes' time");
-        EXPECT_EQ("", integrityProblems(storeIn(dir.path()))) << trace;
-        const std::string rows = rowCounts(storeIn(dir.path()));
+        const bool hot = hotJournal(store);
+        hotKills += hot;
+        // A commit keeps the journal hot for many polls.
+        EXPECT_TRUE(hot || k.fraction >= 0) << "the journal never turned hot";
+        const std::string trace = "level " + std::to_string(k.level) + ", killed " +
+                                  std::to_string(k.fraction) + " of pass " + std::to_string(k.pass + 1) +
+                                  "'s time in; random seed " + std::to_string(seed) +
+                                  (hot ? "; a hot journal" : "");
+#if defined(VELCG_DESCRIPTOR_TOOL)
+        if (hot) {
+            const auto readOnly = fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+            fs::permissions(store, readOnly);
+            fs::permissions(dir.path(), readOnly | fs::perms::owner_exec | fs::perms::others_exec);
+            EXPECT_EQ("coder:Repository:LeftMidWrite ", checkVerdict(store, testing_support::unprivileged()))
+                << trace;
+            fs::permissions(store, fs::perms::owner_all);
+            fs::permissions(dir.path(), fs::perms::owner_all);
+        }
+        EXPECT_EQ(hot ? "coder:Repository:RolledBack ok" : "ok", checkVerdict(store, {})) << trace;
+#endif
+        EXPECT_EQ("", integrityProblems(store)) << trace;
+        EXPECT_FALSE(hotJournal(store)) << trace;
+        const std::string rows = rowCounts(store);
         const std::set<std::string> whole =
-            k.passesReturned == 2   ? std::set<std::string>{bothPassesRows}
-            : k.passesReturned == 1 ? std::set<std::string>{firstPassRows, bothPassesRows}
-                                    : std::set<std::string>{earlierRows, firstPassRows, bothPassesRows};
+            k.pass == 2   ? std::set<std::string>{bothPassesRows}
+            : k.pass == 1 ? std::set<std::string>{firstPassRows, bothPassesRows}
+                          : std::set<std::string>{earlierRows, firstPassRows, bothPassesRows};
         EXPECT_EQ(1u, whole.count(rows)) << trace << "; the store holds:\n" << rows;
+    }
+    std::printf("%d of %zu kills left a hot journal\n", hotKills, kills.size());
+}
+
+// A second pass adds to the description only while the store holds the
+// token its own model's last first pass left there. Finding another (of
+// another model, another run of the same model, a later first pass of this
+// model elsewhere) or none (a second pass already ran, or this model ran no
+// first pass), it raises DescriptorOfAnotherRun naming both and leaves the
+// file as it was.
+TEST(CGModelSerializeFaults, ASecondPassAddsOnlyToItsOwnFirstPass) {
+    vel::feature::ScopedValue synchronous(VELFEAT_VelCGDirectEmitSerialize, 2);
+    // Steps "<model><pass>", "@" writing into another directory; the last
+    // fails. Model c is another object named "a". "{i}" is the token that
+    // step i left in its directory.
+    struct Case {
+        std::vector<std::string> steps;
+        std::string own, held;
+    } cases[] = {
+        {{"a1", "b1", "a2"}, "run {0}", "model 'b' of run {1}"},
+        {{"a1", "c1", "a2"}, "run {0}", "model 'a' of run {1}"},
+        {{"a1", "a1@", "a2"}, "run {1}", "model 'a' of run {0}"},
+        {{"a1", "a2", "a2"}, "run {0}", "model 'a' with no second pass outstanding"},
+        {{"a1", "c2"}, "no first pass run", "model 'a' of run {0}"},
+    };
+    for (const Case& c : cases) {
+        TempDir dir, elsewhere;
+        const std::unique_ptr<NamedModel> models[] = {buildModel(L"a", 1), buildModel(L"b", 1),
+                                                      buildModel(L"a", 1)};
+        std::vector<std::string> tokens;
+        const auto run = [&](const std::string& step) {
+            const fs::path in = step.size() > 2 ? elsewhere.path() : dir.path();
+            NamedModel& model = *models[step[0] - 'a'];
+            step[1] == '1' ? model.serializeModel(in.wstring())
+                           : model.serializeModelAfterScriv(in.wstring());
+            tokens.push_back(coder::Repository(storeIn(in), {coder::RepositoryOptions::Access::ReadOnly})
+                                 .getUnfinishedRun());
+        };
+        for (std::size_t i = 0; i + 1 < c.steps.size(); ++i) run(c.steps[i]);
+        std::string expected = "VelCG:Model:DescriptorOfAnotherRun(a, " + c.own + ", " +
+                               storeIn(dir.path()).string() + ", " + c.held + ")";
+        for (std::size_t i = 0; i < tokens.size(); ++i) {
+            const std::string mark = "{" + std::to_string(i) + "}";
+            if (expected.find(mark) != std::string::npos) expected.replace(expected.find(mark), 3, tokens[i]);
+        }
+        const std::string before = testing_support::fileBytes(storeIn(dir.path()));
+        EXPECT_EQ(expected, testing_support::diagnosticWithArgumentsOf([&] { run(c.steps.back()); }));
+        EXPECT_EQ(before, testing_support::fileBytes(storeIn(dir.path())));
+    }
+}
+
+// Two models generating into one directory at once, again and again: the
+// store ends with the model whose first pass came last and its groups,
+// once; the other model's second pass completed before that first pass, or
+// raised DescriptorOfAnotherRun and added nothing.
+TEST(CGModelSerializeFaults, TwoGenerationsIntoOneDirectoryNeverMix) {
+    vel::feature::ScopedValue synchronous(VELFEAT_VelCGDirectEmitSerialize, 2);
+    for (int round = 0; round < 20; ++round) {
+        TempDir dir;
+        const std::unique_ptr<NamedModel> models[] = {buildModel(L"a", 20), buildModel(L"b", 20)};
+        std::string failures[2];
+        testing_support::StartLatch start(2);
+        const auto generate = [&](int i) {
+            start.arriveAndWait();
+            failures[i] = failureOf([&] {
+                models[i]->serializeModel(dir.path().wstring());
+                models[i]->serializeModelAfterScriv(dir.path().wstring());
+            });
+        };
+        std::thread other(generate, 1);
+        generate(0);
+        other.join();
+
+        coder::Repository repository(storeIn(dir.path()), {coder::RepositoryOptions::Access::ReadOnly});
+        const auto model = coder::descriptor::RepositoryHelper::getModel(repository);
+        const std::string name = vel::i18n::toUtf8(model.getModelName());
+        std::string groups;
+        for (const auto& group : model.getCoderGroups()) groups += vel::i18n::toUtf8(group.getName()) + " ";
+        EXPECT_EQ(name + "_Signals " + name + "_States ", groups) << "round " << round;
+        for (int i = 0; i < 2; ++i) {
+            const bool stored = name == (i == 0 ? "a" : "b");
+            EXPECT_TRUE(failures[i] == "no diagnostic" ||
+                        (!stored && failures[i].rfind(kDescriptorOfAnotherRunId, 0) == 0))
+                << "round " << round << ", model " << i << ": " << failures[i];
+        }
     }
 }
 

@@ -56,6 +56,7 @@ private:
 [[noreturn]] VELHOST_API void throwErrorText(std::string identifier, std::string text);
 
 // Warnings: diagnostics about text or values the library drops by design,
+// or about a repair it made on the way (a store rolled back on opening),
 // raised without changing what the raising code does.
 //
 // A warning goes to every WarningCollector alive on the raising thread;
