@@ -69,7 +69,7 @@ namespace {
               "{1}: {2}: format version {3} is not supported; this reader knows version {4}."},
              {"MissingField", "{1}: {2}: the required field is missing."},
              {"WrongType", "{1}: {2}: expected {3}, found {4}."},
-             {"UnknownField", "{1}: {2}: unknown field \"{3}\"."},
+             {"UnknownField", "{1}: {2}: unknown field \"{3}\"{4}."},
              {"DuplicateField", "{1}: {2}: the field appears more than once in its object."},
              {"DanglingReference", "{1}: {2}: {3} names nothing in {4}, which has {5} entries."},
              {"Cycle", "{1}: {2}: cycle: {3}."},
