@@ -40,8 +40,18 @@ namespace {
         {"VelCG:FileRepScrivBridge",
          {
              {"InvalidFileIndex", "File index {1} is out of range: the repository holds {2} file(s)."},
-             {"UnknownAttribute", "'{1}' is not the name of a {2} file attribute."},
-             {"UnknownSection", "'{1}' is not the name of a file section."},
+             {"UnknownAttribute",
+              "'{1}' is not the name of a {2} file attribute{3}. The {2} attributes are {4}."},
+             {"ReadOnlyAttribute",
+              "File attribute '{1}' is read-only: scripts read it with {2} and cannot set it."},
+             {"SectionNotSettable",
+              "'{1}' is a file section, not a settable attribute: add text to it with addSectionContent."},
+             {"WrongValueType", "File attribute '{1}' takes {2}, not {3}."},
+             {"WrongAttributeType", "File attribute '{1}' is a {2}, not a {3}: read it with {4}."},
+             {"UnknownSection", "'{1}' is not the name of a file section{2}. The section names are {3}."},
+             {"InvalidBuiltinSection",
+              "'{1}' is not the name of a built-in file section{2}. Custom sections can be declared for "
+              "{3}."},
              {"NullArgument", "The {1} passed to the file bridge is null."},
              {"WriteFailed", "Cannot write section '{2}' of file '{1}': {3}."},
          }},
@@ -85,11 +95,16 @@ namespace {
          {
              {"NullBuilder", "Cannot create the file '{1}' without a content builder."},
              {"NullStream", "Cannot write section '{2}' of file '{1}': the output stream is null."},
+             {"WrittenEmpty",
+              "File '{1}' was written empty: no text was added to any of its sections (set its attribute "
+              "\"Filter\" to true to leave it unwritten)."},
          }},
         {"VelCG:VelCGFileContent",
          {
              {"InvalidSlot", "Cannot place a section in slot {1} of a file's section table: {2}."},
-             {"MissingSection", "{1} byte(s) added to a section the file does not have were dropped."},
+             {"MissingSection",
+              "{1} byte(s) added to the {2} section of file '{3}' were dropped: a {4} has no {2} section "
+              "(its sections are {5})."},
          }},
     };
     vel::diag::MessageCatalog& host = vel::diag::MessageCatalog::instance();
