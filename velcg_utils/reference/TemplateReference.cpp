@@ -1,7 +1,9 @@
 #include "velcg/TemplateReference.hpp"
 
+#include "MessageEntries.hpp"
 #include "files/FileKindSections.hpp"
 #include "scriv/BridgeAttributes.hpp"
+#include "vel/diag/MessageCatalog.hpp"
 
 namespace VelCG::reference {
 
@@ -39,6 +41,19 @@ std::vector<BridgeAttribute> bridgeAttributes() {
     std::vector<BridgeAttribute> out;
     for (const scriv_detail::AttributeRow& row : scriv_detail::attributeRows())
         out.push_back({row.name, row.readAs, row.setAs, row.description});
+    return out;
+}
+
+std::vector<Message> templateMessages() {
+    std::vector<Message> out;
+    for (const messages_detail::MessageEntry& entry : messages_detail::messageEntries()) {
+        if (!entry.advice) continue;
+        // The host's own messages are listed with the host's text.
+        std::string text = entry.text
+                               ? entry.text
+                               : vel::diag::MessageCatalog::instance().lookup(entry.identifier).value_or("");
+        out.push_back({entry.identifier, std::move(text), entry.advice, entry.warning});
+    }
     return out;
 }
 

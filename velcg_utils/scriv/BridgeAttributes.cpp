@@ -88,8 +88,8 @@ const std::vector<AttributeRow>& attributeRows() {
             [](F& f, const char* v) {
                 if (IncludesSection* s = includesOf(f)) s->addRequiredInclude(v);
             },
-            "Headers the Includes section includes unless its text already does (<name> or a bare name "
-            "in double quotes); setting adds one."),
+            "Headers the Includes section includes unless its text already does (`<name>` for a system "
+            "header, a bare name for one in double quotes); setting adds one."),
         listRow(
             "UtilityIncludes",
             [](const F& f) -> const std::vector<std::string>& {

@@ -38,16 +38,9 @@ ValueType typeOf(Use use) {
 bool isSet(Use use) { return use == Use::SetBoolean || use == Use::SetString; }
 
 const char* readerOf(ValueType type) {
-    switch (type) {
-        case ValueType::Boolean:
-            return "getBooleanAttribute";
-        case ValueType::StringList:
-            return "getStringArrayAttribute";
-        case ValueType::String:
-        case ValueType::None:
-            break;
-    }
-    return "getStringAttribute";
+    return type == ValueType::Boolean      ? "getBooleanAttribute"
+           : type == ValueType::StringList ? "getStringArrayAttribute"
+                                           : "getStringAttribute";
 }
 
 const char* valueOf(ValueType type) { return type == ValueType::Boolean ? "true or false" : "a string"; }
