@@ -53,7 +53,7 @@ std::string quotedList(const std::vector<std::string>& names, char quote, const 
     std::string out;
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (i > 0) out += i + 1 == names.size() ? std::string(" ") + conjunction + " " : ", ";
-        out += quote + names[i] + quote;
+        out += quote ? quote + names[i] + quote : names[i];
     }
     return out;
 }

@@ -15,8 +15,8 @@ namespace VelCG::names_detail {
 // close.
 std::vector<std::string> nearNames(const std::string& name, const std::vector<std::string>& candidates);
 
-// The names in quotes, joined as a reader lists them: "a", "a or b",
-// "a, b or c" (with conjunction "and": "a, b and c").
+// The names in quotes (none for quote 0), joined as a reader lists them:
+// "a", "a or b", "a, b or c" (with conjunction "and": "a, b and c").
 std::string quotedList(const std::vector<std::string>& names, char quote, const char* conjunction = "or");
 
 // " (did you mean 'Creator'?)" for the names near name, or "" when none is

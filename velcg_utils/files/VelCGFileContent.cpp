@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "FileKindSections.hpp"
+#include "NearNames.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/TemplateReference.hpp"
 
@@ -47,10 +48,8 @@ std::vector<std::string> VelCGFileContent::EmptyFileSection::context() const {
                                owner_->hasSection(static_cast<VelCGFileSectionKind>(k));
         if (same) fileKind = files_detail::kFileKindNames[f].label;
     }
-    std::string list;
-    for (std::size_t i = 0; i < present.size(); ++i)
-        list += (i == 0 ? "" : i + 1 == present.size() ? " and " : ", ") + present[i];
-    return {std::move(section), std::move(file), std::move(fileKind), present.empty() ? "none" : list};
+    return {std::move(section), std::move(file), std::move(fileKind),
+            present.empty() ? "none" : names_detail::quotedList(present, 0, "and")};
 }
 
 void VelCGFileContent::EmptyFileSection::warnDropped(std::size_t bytes) const {

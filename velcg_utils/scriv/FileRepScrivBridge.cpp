@@ -70,10 +70,7 @@ const AttributeRow* findRow(const std::string& name) {
 }
 
 std::string unquotedList(const std::vector<std::string>& names) {
-    std::string out;
-    for (std::size_t i = 0; i < names.size(); ++i)
-        out += (i == 0 ? "" : i + 1 == names.size() ? " and " : ", ") + names[i];
-    return out;
+    return names_detail::quotedList(names, 0, "and");
 }
 
 // Raises the diagnostic that says why the operation cannot use the name:
