@@ -5,6 +5,7 @@
 #     [OUTPUT_DIRECTORY <dir>]        default: ${CMAKE_CURRENT_BINARY_DIR}/<name>
 #     [DEFINE <key=value>...]         the template's `options`
 #     [SERIALIZE <level>]             the descriptor's level, 0 for none; default 1
+#     [STRICT]                        a warning fails the step (velcg-gen --strict)
 #     [OUTPUTS_VARIABLE <var>])       receives the generated files
 #
 # The generated files are the outputs of one custom command, read from the
@@ -22,7 +23,7 @@ cmake_policy(PUSH)
 cmake_policy(VERSION 3.20)
 
 function(velcg_generate name)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "MODEL;TEMPLATE;OUTPUT_DIRECTORY;OUTPUTS_VARIABLE;SERIALIZE" "DEFINE")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "STRICT" "MODEL;TEMPLATE;OUTPUT_DIRECTORY;OUTPUTS_VARIABLE;SERIALIZE" "DEFINE")
   if(ARG_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "velcg_generate(${name}): unexpected arguments: ${ARG_UNPARSED_ARGUMENTS}")
   endif()
@@ -80,6 +81,11 @@ function(velcg_generate name)
     list(APPEND outputs "${out}/codedescriptor.strata")
   endif()
 
+  set(strict "")
+  if(ARG_STRICT)
+    set(strict --strict)
+  endif()
+
   set(defines "")
   foreach(define IN LISTS ARG_DEFINE)
     if(NOT define MATCHES "^[^=]+=")
@@ -95,7 +101,7 @@ function(velcg_generate name)
   add_custom_command(OUTPUT "${manifest}" ${outputs}
     COMMAND ${CMAKE_COMMAND} -E env VEL_FEATURE_VelCGDirectEmitSerialize=${level}
             $<TARGET_FILE:velcg::velcg-gen> "${model}" "${template}" -o "${out}" --depfile "${depfile}" --quiet
-            ${defines}
+            ${strict} ${defines}
     DEPENDS "${model}" "${template}" $<TARGET_FILE:velcg::velcg-gen>
     DEPFILE "${depfile}"
     COMMENT "Generating ${name} from ${ARG_MODEL} with ${ARG_TEMPLATE}"

@@ -55,9 +55,10 @@ for example in gain_model sensor_bus; do
     -o "build/install-check/$example"
   "${clean_env[@]}" build/install/bin/velcg-descriptor check "build/install-check/$example/codedescriptor.strata"
 done
-# The installed Python module imports from its site-packages folder, with its stub beside it.
+# The installed Python module imports from its site-packages folder, with its stubs beside it.
 site=$(echo build/install/lib/python3*/site-packages)
 test -f "$site/velcg.pyi"
+test -f "$site/velcg_template.pyi"
 "${clean_env[@]}" PYTHONPATH="$PWD/$site" /usr/bin/python3 -c 'import velcg; print("velcg module:", len(velcg.sectionNames), "section names")'
 # Generation as a build step of a separate project (velcg_generate, Ninja).
 tests/buildstep/check_build_step.sh "$PWD/build/install" "$PWD"

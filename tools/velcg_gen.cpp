@@ -34,7 +34,7 @@ using Change = OutputDirectory::Change;
 const VelCG::cli::Tool kTool = {
     "velcg-gen",
     "usage: velcg-gen MODEL.json TEMPLATE.py -o OUTDIR [-D KEY=VALUE]... [--depfile FILE]\n"
-    "                 [--check] [--quiet] [--no-wait] [--times] [--repeat N]\n"
+    "                 [--check] [--quiet] [--strict] [--no-wait] [--times] [--repeat N]\n"
     "       velcg-gen --help | --version\n",
     "\n"
     "Generates the files of the model described in MODEL.json with the Python\n"
@@ -51,6 +51,8 @@ const VelCG::cli::Tool kTool = {
     "  --check          write nothing; list each file that would change and exit\n"
     "                   with 1 when any would\n"
     "  --quiet          print nothing on success\n"
+    "  --strict         fail (exit status 1) on any warning; one raised before\n"
+    "                   the files are committed leaves OUTDIR as it was\n"
     "  --no-wait        fail at once when another run generates into OUTDIR\n"
     "                   (by default the run waits for it)\n"
     "  --times          print how long each phase took\n"
@@ -74,6 +76,7 @@ struct Options {
     std::vector<std::pair<std::string, std::string>> defines;
     bool check = false;
     bool quiet = false;
+    bool strict = false;
     bool wait = true;
     bool times = false;
     long repeat = 1;
@@ -105,6 +108,8 @@ Options parseArguments(const std::vector<std::string>& arguments) {
             options.check = true;
         } else if (a == "--quiet" || a == "-q") {
             options.quiet = true;
+        } else if (a == "--strict") {
+            options.strict = true;
         } else if (a == "--no-wait") {
             options.wait = false;
         } else if (a == "--times") {
@@ -285,9 +290,11 @@ int generate(const Options& options, Progress& progress, const int& passStatus, 
     const Clock::time_point templated = Clock::now();
 
     progress.phase("writing files and serializing");
-    const VelCG::Generation::Result result = run.finish();
+    run.complete();
     progress.done();
+    // A pass that failed, or with --strict a warning, keeps the outputs out.
     if (passStatus != 0) throw VelCG::cli::Reported();
+    const VelCG::Generation::Result result = run.commit();
 
     if (!options.depfile.empty()) writeDepfile(options, run.outputDirectory(), std::move(dependencies));
     const int status = last ? report(options, run.outputDirectory(), result) : 0;
@@ -317,10 +324,13 @@ int generateAll(const VelCG::cli::Tool& tool, const std::vector<std::string>& ar
         passStatus = 1;
     });
     // Text or values the library dropped by design are reported, without
-    // failing the run.
+    // failing the run unless --strict: then a warning is an error, and one
+    // raised before the outputs are committed keeps them out.
     const vel::diag::ScopedWarningSink warnings([&](const vel::diag::Diagnostic& d) {
         progress.done();
-        VelCG::cli::warning(tool, d.message(), d.identifier());
+        if (!options.strict) return VelCG::cli::warning(tool, d.message(), d.identifier());
+        VelCG::cli::error(tool, {}, d.message(), d.identifier());
+        passStatus = 1;
     });
     // Resident memory after the first run, the tenth of the runs and the last.
     const long tenth = std::max(1L, options.repeat / 10);
@@ -345,7 +355,7 @@ int generateAll(const VelCG::cli::Tool& tool, const std::vector<std::string>& ar
                      options.repeat, resident[0] / mib, resident[1] / mib, tenth, resident[2] / mib,
                      options.repeat);
     }
-    return status;
+    return passStatus != 0 ? 1 : status;
 }
 
 } // namespace

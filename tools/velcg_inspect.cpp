@@ -1,48 +1,61 @@
 // Lists what the library shows to a host: the classes of the package "VelCG"
-// with their properties and methods, and the feature switches. Everything
+// with their properties and methods, the Python module's own classes, the
+// feature switches, and the reference for template writers. Everything
 // about the classes comes from the object system's public client, as a
-// script runtime sees it.
+// script runtime sees it, and from the library's reference tables
+// (velcg/TemplateReference.hpp).
 //
 //   velcg-inspect classes [--markdown | --python] [--output FILE]
+//   velcg-inspect globals [--output FILE]
+//   velcg-inspect reference [--output FILE]
 //   velcg-inspect features
 //
-// --python prints the type stub (.pyi) of the Python module velcg; --output
-// writes the listing to FILE, and only once it is complete.
+// --python prints the type stub (.pyi) of the Python module velcg, globals
+// the stub of the template globals (velcg_template.pyi), reference the page
+// docs/templates.md; --output writes to FILE, and only once it is complete.
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "cli/ToolCli.hpp"
+#include "inspect/ClassListing.hpp"
+#include "inspect/ReferenceWriter.hpp"
+#include "inspect/StubWriter.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
-#include "vel/diag/Diagnostic.hpp"
 #include "vel/feature/Feature.hpp"
 #include "vel/mi/HandleClass.hpp"
 #include "velcg/PlexoModule.hpp"
+#include "velcg/TemplateReference.hpp"
 
 namespace {
 
 using korb::MethodInfo;
 using korb::PropertyInfo;
-using vel::mi::HandleClass;
+using VelCG::inspect::ClassListing;
+using VelCG::inspect::listPackage;
 
 const VelCG::cli::Tool kTool = {
     "velcg-inspect",
     "usage: velcg-inspect classes [--markdown | --python] [--output FILE]\n"
+    "       velcg-inspect globals [--output FILE]\n"
+    "       velcg-inspect reference [--output FILE]\n"
     "       velcg-inspect features\n"
     "       velcg-inspect --help | --version\n",
     "\n"
     "Lists what the library shows to scripts.\n"
     "\n"
     "  classes            the classes of the package with their properties and\n"
-    "                     methods, as text, Markdown (--markdown) or the type stub\n"
-    "                     of the Python module velcg (--python)\n"
+    "                     methods and the Python module's own classes (the\n"
+    "                     bridge), as text, Markdown (--markdown) or the type\n"
+    "                     stub of the Python module velcg (--python)\n"
+    "  globals            the type stub of the globals velcg-gen gives a\n"
+    "                     template (velcg_template.pyi)\n"
+    "  reference          the reference for template writers (docs/templates.md)\n"
     "  --output FILE      write the listing to FILE, only once it is complete\n"
     "  features           the feature switches with their values\n"
     "\n"
@@ -72,27 +85,6 @@ std::string join(const std::vector<std::string>& items, const char* separator) {
     return out;
 }
 
-// A class with the members it declares itself; inherited ones are listed
-// with the class that declares them.
-struct ClassListing {
-    const HandleClass* cls;
-    std::vector<PropertyInfo> properties;
-    std::vector<MethodInfo> methods;
-};
-
-std::vector<ClassListing> listPackage(const korb::Client& client, const std::string& package) {
-    std::vector<ClassListing> out;
-    for (const HandleClass* c : client.getClasses(package)) {
-        ClassListing listing{c, {}, {}};
-        for (auto& p : client.describeProperties(*c))
-            if (p.definedBy == c->getQualifiedName()) listing.properties.push_back(std::move(p));
-        for (auto& m : client.describeMethods(*c))
-            if (m.definedBy == c->getQualifiedName()) listing.methods.push_back(std::move(m));
-        out.push_back(std::move(listing));
-    }
-    return out;
-}
-
 // The host type, with the class of the objects the property holds.
 std::string hostTypeColumn(const PropertyInfo& p) {
     if (p.elementClass.empty()) return p.hostType;
@@ -103,6 +95,13 @@ std::string signature(const MethodInfo& m) {
     std::string out = m.name + "(" + join(m.argumentTypes, ", ") + ")";
     if (!m.resultType.empty()) out += " -> " + m.resultType;
     return out;
+}
+
+// "name(parameter: type, ...) -> result"; a property without parentheses.
+std::string operationSignature(const VelCG::reference::Operation& op) {
+    std::vector<std::string> parameters;
+    for (const auto& p : op.parameters) parameters.push_back(p.name + ": " + p.type);
+    return op.name + (op.property ? "" : "(" + join(parameters, ", ") + ")") + " -> " + op.result;
 }
 
 std::string listText(const std::vector<ClassListing>& classes) {
@@ -117,6 +116,15 @@ std::string listText(const std::vector<ClassListing>& classes) {
             appendf(out, "    %-32s %-*s %s\n", p.name.c_str(), static_cast<int>(typeWidth),
                     hostTypeColumn(p).c_str(), p.readOnly ? "read-only" : "read-write");
         for (const auto& m : methods) appendf(out, "    %s\n", signature(m).c_str());
+    }
+    for (const VelCG::reference::ModuleClass& c : VelCG::reference::moduleClasses()) {
+        std::string summary = c.summary.substr(0, c.summary.find('\n'));
+        if (!summary.empty() && summary.back() == '.') summary.pop_back();
+        appendf(out, "%s  (%s; %s)\n", c.name.empty() ? "velcg" : ("velcg." + c.name).c_str(),
+                summary.c_str(),
+                c.name.empty() ? "the Python module's functions" : "a class of the Python module");
+        for (const VelCG::reference::Operation& op : c.operations)
+            appendf(out, "    %s\n", operationSignature(op).c_str());
     }
     return out;
 }
@@ -138,279 +146,23 @@ std::string listMarkdown(const std::vector<ClassListing>& classes) {
                     m.resultType.empty() ? "-" : m.resultType.c_str());
         out += "\n";
     }
-    return out;
-}
-
-// The module's own types and functions, which do not come from the package.
-constexpr const char* kStubPreamble =
-    R"("""Type stub of the module velcg, generated by `velcg-inspect classes --python`."""
-
-from __future__ import annotations
-
-from typing import Any, BinaryIO
-
-class Error(Exception):
-    identifier: str
-    arguments: list[str]
-    message: str
-    def __init__(self, identifier: str, message: str, arguments: list[str] = ...) -> None: ...
-
-class UnknownMemberError(Error, AttributeError): ...
-
-class Object:
-    def __init__(self, handle: object) -> None: ...
-    def __eq__(self, other: object) -> bool: ...
-    def __ne__(self, other: object) -> bool: ...
-    def __hash__(self) -> int: ...
-    def __repr__(self) -> str: ...
-    def __dir__(self) -> list[str]: ...
-
-class Method:
-    def __call__(self, *args: Any) -> Any: ...
-)";
-
-constexpr const char* kStubModuleExtras = R"(
-class DataInterface:
-    @property
-    def identifier(self) -> str: ...
-    @property
-    def implementation(self) -> str: ...
-    @property
-    def owner(self) -> str: ...
-    @property
-    def typeName(self) -> str: ...
-    @property
-    def graphicalName(self) -> str: ...
-
-class EmbeddedType:
-    @property
-    def name(self) -> str: ...
-
-class HostValue:
-    @property
-    def className(self) -> str: ...
-
-class CustomContents:
-    def isCustomSection(self, name: str) -> bool: ...
-    def addContentToSection(self, name: str, content: str | bytes) -> None: ...
-    def getCustomSectionContent(self, name: str, context: str) -> str: ...
-    def setCustomTokenInUse(self, name: str) -> None: ...
-
-class Bridge:
-    def isBooleanAttribute(self, name: str) -> bool: ...
-    def isStringAttribute(self, name: str) -> bool: ...
-    def isStringArrayAttribute(self, name: str) -> bool: ...
-    def isFileSectionAttribute(self, name: str) -> bool: ...
-    def getBooleanAttribute(self, fileIndex: int, name: str) -> bool: ...
-    def getStringAttribute(self, fileIndex: int, name: str) -> str: ...
-    def getStringArrayAttribute(self, fileIndex: int, name: str) -> list[str]: ...
-    def setAttribute(self, fileIndex: int, name: str, value: bool | str) -> None: ...
-    def addSectionContent(self, fileIndex: int, sectionName: str, content: str | bytes) -> None: ...
-    def addCustomSection(self, fileIndex: int, builtinSectionName: str, customSectionName: str) -> None: ...
-    def appendMissingTokens(self, fileIndex: int, sectionName: str) -> None: ...
-    def writeSection(self, fileIndex: int, sectionName: str, file: BinaryIO) -> None: ...
-    def customContents(self, fileIndex: int) -> CustomContents: ...
-    @property
-    def numberOfFiles(self) -> int: ...
-
-sectionNames: tuple[str, ...]
-
-def bridge(repository: VelCGFileRepository) -> Bridge: ...
-def classOf(obj: Object) -> str: ...
-)";
-
-// Names the stub defines or imports at module level besides the package's
-// classes; a class of the package cannot take one of them.
-const std::set<std::string> kModuleNames = {"Any",
-                                            "BinaryIO",
-                                            "Bridge",
-                                            "CustomContents",
-                                            "DataInterface",
-                                            "EmbeddedType",
-                                            "Error",
-                                            "Object",
-                                            "annotations",
-                                            "bridge",
-                                            "classOf",
-                                            "HostValue",
-                                            "Method",
-                                            "MethodDescriptor",
-                                            "PropertyDescriptor",
-                                            "UnknownMemberError",
-                                            "sectionNames"};
-
-bool isPythonName(const std::string& name) {
-    static const std::set<std::string> keywords = {
-        "False", "None",     "True",  "and",    "as",   "assert", "async",  "await",    "break",
-        "class", "continue", "def",   "del",    "elif", "else",   "except", "finally",  "for",
-        "from",  "global",   "if",    "import", "in",   "is",     "lambda", "nonlocal", "not",
-        "or",    "pass",     "raise", "return", "try",  "while",  "with",   "yield"};
-    if (name.empty() || keywords.count(name)) return false;
-    for (std::size_t i = 0; i < name.size(); ++i) {
-        const char ch = name[i];
-        const bool letter = (ch >= 'A' && ch <= 'Z') || (ch >= 'a' && ch <= 'z') || ch == '_';
-        if (!letter && !(i > 0 && ch >= '0' && ch <= '9')) return false;
-    }
-    return true;
-}
-
-// A Python type: a name, a list of it, or it or None.
-struct PyType {
-    enum Shape { Plain, List, Optional } shape;
-    std::string name;
-    bool operator==(const PyType& o) const { return shape == o.shape && name == o.name; }
-    bool operator!=(const PyType& o) const { return !(*this == o); }
-};
-
-// Writes the classes of one package as Python classes. Inside a class body
-// the class's own members hide module-level names, so a type whose name a
-// member of the class takes is written through a module-level alias.
-class StubWriter {
-public:
-    StubWriter(const korb::Client& client, std::string package)
-        : client_(client), package_(std::move(package)) {}
-
-    std::string write() {
-        const auto classes = listPackage(client_, package_);
-        if (classes.empty())
-            throw std::runtime_error("the package " + package_ + " has no classes; is it registered?");
-        for (const auto& c : classes) {
-            const std::string& name = c.cls->getShortName();
-            if (!isPythonName(name) || kModuleNames.count(name))
-                throw std::runtime_error("the class " + c.cls->getQualifiedName() +
-                                         " cannot be a Python class of that name");
-            packageClasses_.insert(c.cls->getQualifiedName());
-        }
-        std::string out = kStubPreamble;
-        std::set<const HandleClass*> written;
-        for (const auto& c : classes) writeClass(out, classes, c, written);
-        out += kStubModuleExtras;
-        if (!aliases_.empty()) {
-            out += "\n# Names that members of a class hide inside its body.\n";
-            for (const auto& name : aliases_) appendf(out, "_%s = %s\n", name.c_str(), name.c_str());
-        }
-        return out;
-    }
-
-private:
-    // Writes the Python class of its superclass first.
-    void writeClass(std::string& out, const std::vector<ClassListing>& classes, const ClassListing& c,
-                    std::set<const HandleClass*>& written) {
-        if (!written.insert(c.cls).second) return;
-        std::string base = "Object";
-        if (const HandleClass* super = client_.getSuperclass(*c.cls);
-            super && packageClasses_.count(super->getQualifiedName())) {
-            for (const auto& other : classes)
-                if (other.cls == super) writeClass(out, classes, other, written);
-            base = super->getShortName();
-        }
-        ownNames_.clear();
-        for (const auto& p : c.properties) ownNames_.insert(p.name);
-        for (const auto& m : c.methods) ownNames_.insert(m.name);
-
-        appendf(out, "\nclass %s(%s):", c.cls->getShortName().c_str(), base.c_str());
-        if (c.properties.empty() && c.methods.empty()) {
-            out += " ...\n";
-            return;
+    for (const VelCG::reference::ModuleClass& c : VelCG::reference::moduleClasses()) {
+        appendf(out, "## %s\n\n%s\n\n| operation | result |\n|---|---|\n",
+                c.name.empty() ? "velcg" : ("velcg." + c.name).c_str(),
+                c.name.empty() ? "The module's functions and constants." : c.summary.c_str());
+        for (const VelCG::reference::Operation& op : c.operations) {
+            std::string signature = operationSignature(op);
+            signature = signature.substr(0, signature.rfind(" -> "));
+            std::string result = op.result;
+            for (std::string* text : {&signature, &result})
+                for (std::size_t at = 0; (at = text->find('|', at)) != std::string::npos; at += 2)
+                    text->insert(at, "\\");
+            appendf(out, "| %s | %s |\n", signature.c_str(), result.c_str());
         }
         out += "\n";
-        const std::string& cls = c.cls->getQualifiedName();
-        for (const auto& p : c.properties) {
-            if (!isPythonName(p.name)) {
-                appendf(out, "    # %s: not a Python name, reached through getattr() only\n", p.name.c_str());
-                continue;
-            }
-            const PyType type = pyType(p.hostType, p.elementClass, p.oneObject, cls, p.name);
-            if (p.readOnly) {
-                appendf(out, "    @property\n    def %s(self) -> %s: ...\n", p.name.c_str(),
-                        render(type).c_str());
-                continue;
-            }
-            const PyType setterType = pyType(p.setterType, p.elementClass, p.oneObject, cls, p.name);
-            if (setterType == type) {
-                appendf(out, "    %s: %s\n", p.name.c_str(), render(type).c_str());
-            } else {
-                appendf(out, "    @property\n    def %s(self) -> %s: ...\n", p.name.c_str(),
-                        render(type).c_str());
-                appendf(out, "    @%s.setter\n    def %s(self, value: %s) -> None: ...\n", p.name.c_str(),
-                        p.name.c_str(), render(setterType).c_str());
-            }
-        }
-        for (const auto& m : c.methods) {
-            if (!isPythonName(m.name)) {
-                appendf(out, "    # %s: not a Python name, reached through getattr() only\n", m.name.c_str());
-                continue;
-            }
-            std::string parameters = "self";
-            for (std::size_t i = 0; i < m.argumentTypes.size(); ++i)
-                appendf(parameters, ", a%zu: %s", i + 1,
-                        render(pyType(m.argumentTypes[i], {}, false, cls, m.name)).c_str());
-            // Methods take their arguments by position only.
-            if (!m.argumentTypes.empty()) parameters += ", /";
-            std::string result = "None";
-            if (m.returnsOneObject)
-                result = render({PyType::Optional, "Object"});
-            else if (!m.resultType.empty())
-                result = render(pyType(m.resultType, {}, false, cls, m.name));
-            appendf(out, "    def %s(%s) -> %s: ...\n", m.name.c_str(), parameters.c_str(), result.c_str());
-        }
     }
-
-    // The Python class for objects of a qualified class.
-    std::string pyClass(const std::string& qualified) const {
-        if (!packageClasses_.count(qualified)) return "Object";
-        return qualified.substr(qualified.rfind('.') + 1);
-    }
-
-    PyType pyType(const std::string& hostType, const std::string& elementClass, bool oneObject,
-                  const std::string& cls, const std::string& member) const {
-        if (hostType == "logical scalar") return {PyType::Plain, "bool"};
-        if (hostType == "int32 scalar" || hostType == "uint32 scalar" || hostType == "int64 scalar")
-            return {PyType::Plain, "int"};
-        if (hostType == "double scalar") return {PyType::Plain, "float"};
-        if (hostType == "char" || hostType == "char vector") return {PyType::Plain, "str"};
-        if (hostType == "int32 vector") return {PyType::List, "int"};
-        if (hostType == "cell") return {PyType::List, elementClass.empty() ? "str" : pyClass(elementClass)};
-        if (hostType == "any") {
-            if (elementClass.empty()) return {PyType::Plain, "Any"};
-            return {oneObject ? PyType::Optional : PyType::List, pyClass(elementClass)};
-        }
-        // A list type of the package's own: "Package.Class vector".
-        const std::string suffix = " vector";
-        if (hostType.size() > suffix.size() &&
-            hostType.compare(hostType.size() - suffix.size(), suffix.size(), suffix) == 0) {
-            const std::string element = hostType.substr(0, hostType.size() - suffix.size());
-            if (packageClasses_.count(element))
-                return {PyType::List, pyClass(elementClass.empty() ? element : elementClass)};
-        }
-        throw std::runtime_error("no Python type for the host type '" + hostType + "' of " + cls + "." +
-                                 member);
-    }
-
-    std::string ref(const std::string& name) {
-        if (!ownNames_.count(name)) return name;
-        aliases_.insert(name);
-        return "_" + name;
-    }
-
-    std::string render(const PyType& type) {
-        switch (type.shape) {
-            case PyType::List:
-                return ref("list") + "[" + ref(type.name) + "]";
-            case PyType::Optional:
-                return ref(type.name) + " | None";
-            case PyType::Plain:
-                break;
-        }
-        return ref(type.name);
-    }
-
-    const korb::Client& client_;
-    std::string package_;
-    std::set<std::string> packageClasses_;
-    std::set<std::string> ownNames_; // of the class being written
-    std::set<std::string> aliases_;
-};
+    return out;
+}
 
 bool writeOutput(const std::string& text, const std::string& path) {
     if (path.empty()) return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
@@ -447,10 +199,22 @@ int printClasses(const std::vector<std::string>& args) {
             text = listMarkdown(listPackage(client, package));
             break;
         case Python:
-            text = StubWriter(client, package).write();
+            text = VelCG::inspect::StubWriter(client, package).write();
             break;
     }
     return writeOutput(text, output) ? 0 : 1;
+}
+
+// A command that takes only --output FILE.
+int printPage(const std::vector<std::string>& args, std::string (*write)()) {
+    std::string output;
+    for (std::size_t i = 1; i < args.size(); ++i) {
+        if (args[i] == "--output" && output.empty())
+            output = VelCG::cli::optionValue(args, i);
+        else
+            throw VelCG::cli::UsageError("unexpected argument '" + args[i] + "'");
+    }
+    return writeOutput(write(), output) ? 0 : 1;
 }
 
 void printFeatures() {
@@ -464,14 +228,17 @@ void printFeatures() {
 int main(int argc, char** argv) {
     return VelCG::cli::run(
         kTool, argc, argv, [](const VelCG::cli::Tool&, const std::vector<std::string>& args) {
-            const bool classes = !args.empty() && args[0] == "classes";
-            if (!classes && !(args.size() == 1 && args[0] == "features"))
+            const std::string command = args.empty() ? "" : args[0];
+            const bool known = command == "classes" || command == "globals" || command == "reference";
+            if (!known && !(args.size() == 1 && command == "features"))
                 throw VelCG::cli::UsageError(args.empty() ? "missing a command" : "unexpected arguments");
             PlexoInitialize_velcg();
             struct Terminate {
                 ~Terminate() { PlexoTerminate_velcg(); }
             } terminate;
-            if (classes) return printClasses(args);
+            if (command == "classes") return printClasses(args);
+            if (command == "globals") return printPage(args, &VelCG::inspect::writeGlobalsStub);
+            if (command == "reference") return printPage(args, &VelCG::inspect::writeReference);
             printFeatures();
             return 0;
         });

@@ -22,18 +22,12 @@ class VelCGFileRepository;
 // one repository: a file is addressed by its index in the repository's file
 // list (from 0), an attribute or a section by its name (case-sensitive).
 //
-// Attribute names:
-//   boolean, read and set: "Filter", "IsEmpty" (setting false marks the file
-//     non-empty, setting true does nothing), "WrittenToDisk", "Indent",
-//     "Shared", "SharedType", "DeferredIncludeCoderTypes"
-//   string, set: "BaseName", "Type", "Creator", "SystemsInFile" (adds one),
-//     "RequiredIncludes" and "UtilityIncludes" (add one to the includes
-//     section's list), "CodeTemplate", "OutputDirectory", "Group" (only the
-//     first non-empty setting takes), "DefinedMacro"
-//   string, read: "Name", "BaseName", "NameWithoutExtension", "Type",
-//     "Creator", "CodeTemplate", "OutputDirectory", "Group", "DefinedMacro",
-//     and every section name (the section's current text)
-//   string list, read: "SystemsInFile", "RequiredIncludes", "UtilityIncludes"
+// The attributes are the rows of the library's attribute table
+// (scriv/BridgeAttributes.cpp; listed in docs/templates.md): booleans, read
+// and set; strings, read and, except "Name" and "NameWithoutExtension", set;
+// string lists ("SystemsInFile", "RequiredIncludes", "UtilityIncludes"), read
+// as lists and set one string at a time. Every section name also reads as a
+// string attribute (the section's current text).
 //
 // Section names are the Scriv section names of the kinds 0..21 except
 // FORWARD_DECLS_SECTION ("Banner" ... "UserBottom"). For declaring custom
@@ -44,17 +38,32 @@ class VelCGFileRepository;
 // Diagnostics (catalogue "VelCG:FileRepScrivBridge" unless noted):
 //   "VelCG:FileRepScrivBridge:InvalidFileIndex"  fileIndex < 0 or >= number of
 //                                                files (arguments: index, count)
-//   "VelCG:FileRepScrivBridge:UnknownAttribute"  name not in the table the
-//                                                operation uses (name, kind of attribute)
+//   "VelCG:FileRepScrivBridge:UnknownAttribute"  name in no table of the operation's
+//                                                kind (name, kind of attribute, the
+//                                                near names as " (did you mean ...)"
+//                                                or "", the names of that kind)
+//   "VelCG:FileRepScrivBridge:ReadOnlyAttribute" a set of a read-only attribute
+//                                                (name, the operation that reads it)
+//   "VelCG:FileRepScrivBridge:SectionNotSettable" a set of a section name (name)
+//   "VelCG:FileRepScrivBridge:WrongValueType"    a set with a value of the other
+//                                                type (name, value taken, value given)
+//   "VelCG:FileRepScrivBridge:WrongAttributeType" a read of an attribute of another
+//                                                type (name, its type, the type asked
+//                                                for, the operation that reads it)
 //   "VelCG:FileRepScrivBridge:UnknownSection"    section name unknown to the
-//                                                operation (name)
+//                                                operation (name, near names as for
+//                                                UnknownAttribute, the section names)
 //   "VelCG:FileRepScrivBridge:NullArgument"      null value, fragment or stream
 //                                                (argument's name)
 //   "VelCG:FileRepScrivBridge:WriteFailed"       the stream refused a written
 //                                                section when flushed (file name,
 //                                                section name, system's reason)
 //   "Brisk:codeGen:CustomContentInvalidBuiltin"  addCustomSection with an unknown
-//                                                built-in name (custom name, built-in name)
+//                                                built-in name (custom name, built-in name),
+//                                                after the warning
+//                                                "VelCG:FileRepScrivBridge:InvalidBuiltinSection"
+//                                                (built-in name, near names, the names
+//                                                that may be given)
 // Errors of the files' custom contents pass through unchanged.
 class VELCG_API FileRepScrivBridge {
 public:

@@ -25,10 +25,10 @@ class VelCGFileRepository;
 //
 // The constructor locks the output directory, starts the model's first
 // serialization pass into the staging directory and creates the described
-// files. finish() writes every file the templates left unwritten (section
-// by section, in section order), runs the second pass, waits for both, and
-// commits the staging directory (see OutputDirectory), or with `check`
-// only compares it. A run destroyed without finish() leaves the output
+// files. complete() writes every file the templates left unwritten (section
+// by section, in section order), runs the second pass and waits for both;
+// commit() commits the staging directory (see OutputDirectory), or with
+// `check` only compares it. A run destroyed without finish() leaves the output
 // directory as it was.
 class VELCG_API Generation {
 public:
@@ -64,7 +64,14 @@ public:
     // Where templates write files of their own.
     const std::filesystem::path& stagingDirectory() const;
 
-    // REQUIRES: called once. Failures raise diagnostics; the output
+    // Writes the files the templates left and runs the second pass, then
+    // waits for both passes. REQUIRES: called once.
+    void complete();
+    // Commits the staging directory (with `check`, compares it only).
+    // REQUIRES: complete() has run; called once. Between the two a caller
+    // may still decide not to commit, by destroying the run.
+    Result commit();
+    // complete(), then commit(). Failures raise diagnostics; the output
     // directory then stays as it was.
     Result finish();
 
@@ -81,7 +88,8 @@ private:
     std::unique_ptr<OutputDirectory> output_;
     ModelDescription description_;
     std::unique_ptr<VelCGFileRepository> repository_;
-    bool finished_ = false;
+    enum class Stage { Running, Completed, Committed } stage_ = Stage::Running;
+    std::chrono::steady_clock::duration writing_{}, serializing_{};
 };
 
 } // namespace VelCG

@@ -60,7 +60,13 @@ public:
     bool getFiltered() const { return filtered_; }
     void setFiltered(bool filtered) { filtered_ = filtered; }
     bool isWrittenToDisk() const { return writtenToDisk_; }
-    void setIsWrittenToDisk(bool written) { writtenToDisk_ = written; }
+    // Marking a file written, after its sections were written
+    // (writeSectionToFile), reports what did not reach it: a file written
+    // without any text though not marked non-empty warns
+    // "VelCG:VelCGFile:WrittenEmpty" (file name), and custom content lost to
+    // it warns as CustomContents::warnUnwrittenContent says. Once per file;
+    // a file never marked reports when it is destroyed.
+    void setIsWrittenToDisk(bool written);
     bool getIndent() const { return indent_; }
     void setIndent(bool indent) { indent_ = indent; }
     bool isShared() const { return shared_; }
@@ -91,8 +97,9 @@ public:
 
     // Whether the file's kind has a section of this kind.
     bool hasSection(VelCGFileSectionKind kind) const;
-    // The section of this kind, or the shared empty section (which drops
-    // what is added to it) when the file has none.
+    // The section of this kind, or an empty section that stands in for it
+    // when the file has none: it drops what is added to it, warning with
+    // the file's and the section's name (see VelCGFileContent).
     FileSection& getFileSection(VelCGFileSectionKind kind);
     const FileSection& getFileSection(VelCGFileSectionKind kind) const;
     FileSection* korb_getFileSection(VelCGFileSectionKind kind) { return &getFileSection(kind); }
@@ -101,9 +108,8 @@ public:
     // sections the template declared for it but never placed, then the
     // section's bytes. Does nothing when the file has no such section.
     // REQUIRES: stream is not null ("VelCG:VelCGFile:NullStream").
-    // A file of which a section was written warns, when destroyed, about
-    // every custom section whose content never reached the output (see
-    // CustomContents::warnUnwrittenContent).
+    // A file of which a section was written reports, once marked written
+    // (setIsWrittenToDisk) or else when destroyed, what never reached it.
     void writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream);
 
 protected:
@@ -136,10 +142,13 @@ protected:
     VelCGFile(const std::string& name, std::unique_ptr<VelCGFileContentBuilder> builder);
 
 private:
+    void reportWrittenFile();
+
     std::unique_ptr<VelCGFileContent> content_;
-    // The section of every slot (the content's empty section where the file
-    // has none), filled once: the content's sections never change after
-    // construction, and this spares a step on every section access.
+    // The section of every slot, filled once: the content's sections never
+    // change after construction, and this spares a step on every section
+    // access. A slot the file has no section for holds the content's
+    // stand-in from its first use on.
     std::array<FileSection*, kNumberOfSectionSlots> sectionsBySlot_{};
     std::wstring name_;
     std::string nameAscii_;
@@ -160,9 +169,12 @@ private:
     std::string group_;
     std::string definedMacro_;
     bool notEmpty_ = false;
-    // Set by the first writeSectionToFile: from then on, custom content left
-    // unwritten when the file is destroyed is reported as lost.
+    // Set by the first writeSectionToFile: from then on, what does not reach
+    // the file is reported once (reportWrittenFile).
     bool writingStarted_ = false;
+    bool writingReported_ = false;
+    // Whether a written section held any text.
+    bool wroteText_ = false;
     CustomContents customContents_;
 };
 

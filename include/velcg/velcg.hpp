@@ -48,6 +48,7 @@
 #include "velcg/StoredVelType.hpp"
 #include "velcg/StringFileSectionFragment.hpp"
 #include "velcg/System.hpp"
+#include "velcg/TemplateReference.hpp"
 #include "velcg/ToAsyncQueueBlock.hpp"
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGDataTypesFile.hpp"

@@ -193,62 +193,60 @@ void writeSection(const BridgeState& self, FileIndex fileIndex, const std::strin
 
 void defineBridge(py::module_& module) {
     using Contents = CustomContentsState;
-    py::class_<Contents>(module, "CustomContents", nativeInstancesOnly(),
-                         "The custom sections and tokens that a file's code template declared.")
+    const char* const contents = "CustomContents";
+    py::class_<Contents>(module, contents, nativeInstancesOnly(), classDoc(contents))
         .def(
             "isCustomSection",
             [](const Contents& c, const std::string& name) { return c.contents().isCustomSection(name); },
-            py::arg("name"))
+            py::arg("name"), operationDoc(contents, "isCustomSection"))
         .def(
             "addContentToSection",
             [](const Contents& c, const std::string& name, py::handle content) {
                 c.contents().addContentToSection(name, contentOf("addContentToSection", content));
             },
-            py::arg("name"), py::arg("content"))
+            py::arg("name"), py::arg("content"), operationDoc(contents, "addContentToSection"))
         .def(
             "getCustomSectionContent",
             [](const Contents& c, const std::string& name, const std::string& context) {
                 return text(c.contents().getCustomSectionContent(name, context));
             },
-            py::arg("name"), py::arg("context"))
+            py::arg("name"), py::arg("context"), operationDoc(contents, "getCustomSectionContent"))
         .def(
             "setCustomTokenInUse",
             [](const Contents& c, const std::string& name) { c.contents().setCustomTokenInUse(name); },
-            py::arg("name"));
+            py::arg("name"), operationDoc(contents, "setCustomTokenInUse"));
 
     using B = BridgeState;
-    py::class_<B>(module, "Bridge", nativeInstancesOnly(), R"(The script bridge of a file repository.
-
-Files are addressed by their index in the repository's file list,
-attributes and sections by name.)")
+    const char* const bridge = "Bridge";
+    py::class_<B>(module, bridge, nativeInstancesOnly(), classDoc(bridge))
         .def(
             "isBooleanAttribute",
             [](const B& b, const std::string& name) { return b.bridge().isBooleanAttribute(name); },
-            py::arg("name"))
+            py::arg("name"), operationDoc(bridge, "isBooleanAttribute"))
         .def(
             "isStringAttribute",
             [](const B& b, const std::string& name) { return b.bridge().isStringAttribute(name); },
-            py::arg("name"))
+            py::arg("name"), operationDoc(bridge, "isStringAttribute"))
         .def(
             "isStringArrayAttribute",
             [](const B& b, const std::string& name) { return b.bridge().isStringArrayAttribute(name); },
-            py::arg("name"))
+            py::arg("name"), operationDoc(bridge, "isStringArrayAttribute"))
         .def(
             "isFileSectionAttribute",
             [](const B& b, const std::string& name) { return b.bridge().isFileSectionAttribute(name); },
-            py::arg("name"))
+            py::arg("name"), operationDoc(bridge, "isFileSectionAttribute"))
         .def(
             "getBooleanAttribute",
             [](const B& b, FileIndex i, const std::string& name) {
                 return b.bridge().getBooleanAttribute(i, name);
             },
-            py::arg("fileIndex"), py::arg("name"))
+            py::arg("fileIndex"), py::arg("name"), operationDoc(bridge, "getBooleanAttribute"))
         .def(
             "getStringAttribute",
             [](const B& b, FileIndex i, const std::string& name) {
                 return text(b.bridge().getStringAttribute(i, name));
             },
-            py::arg("fileIndex"), py::arg("name"))
+            py::arg("fileIndex"), py::arg("name"), operationDoc(bridge, "getStringAttribute"))
         .def(
             "getStringArrayAttribute",
             [](const B& b, FileIndex i, const std::string& name) {
@@ -256,32 +254,38 @@ attributes and sections by name.)")
                 for (const std::string& s : b.bridge().getStringArrayAttribute(i, name)) out.append(text(s));
                 return out;
             },
-            py::arg("fileIndex"), py::arg("name"))
-        .def("setAttribute", &setAttribute, py::arg("fileIndex"), py::arg("name"), py::arg("value"))
+            py::arg("fileIndex"), py::arg("name"), operationDoc(bridge, "getStringArrayAttribute"))
+        .def("setAttribute", &setAttribute, py::arg("fileIndex"), py::arg("name"), py::arg("value"),
+             operationDoc(bridge, "setAttribute"))
         .def("addSectionContent", &addSectionContent, py::arg("fileIndex"), py::arg("sectionName"),
-             py::arg("content"))
+             py::arg("content"), operationDoc(bridge, "addSectionContent"))
         .def(
             "addCustomSection",
             [](const BridgeState& b, FileIndex i, const std::string& builtin, const std::string& custom) {
                 b.bridge().addCustomSection(i, builtin, custom);
             },
-            py::arg("fileIndex"), py::arg("builtinSectionName"), py::arg("customSectionName"))
+            py::arg("fileIndex"), py::arg("builtinSectionName"), py::arg("customSectionName"),
+            operationDoc(bridge, "addCustomSection"))
         .def(
             "appendMissingTokens",
             [](const BridgeState& b, FileIndex i, const std::string& section) {
                 b.bridge().appendMissingTokens(i, section);
             },
-            py::arg("fileIndex"), py::arg("sectionName"))
-        .def("writeSection", &writeSection, py::arg("fileIndex"), py::arg("sectionName"), py::arg("file"))
+            py::arg("fileIndex"), py::arg("sectionName"), operationDoc(bridge, "appendMissingTokens"))
+        .def("writeSection", &writeSection, py::arg("fileIndex"), py::arg("sectionName"), py::arg("file"),
+             operationDoc(bridge, "writeSection"))
         .def(
             "customContents",
             [](const BridgeState& b, FileIndex i) {
                 return CustomContentsState{b.bridge().getFileFromIndex(i).makeRef()};
             },
-            py::arg("fileIndex"))
-        .def_property_readonly("numberOfFiles", [](const BridgeState& b) {
-            return static_cast<std::int32_t>(b.repositoryObject().getFileList().size());
-        });
+            py::arg("fileIndex"), operationDoc(bridge, "customContents"))
+        .def_property_readonly(
+            "numberOfFiles",
+            [](const BridgeState& b) {
+                return static_cast<std::int32_t>(b.repositoryObject().getFileList().size());
+            },
+            operationDoc(bridge, "numberOfFiles"));
 
     // The section names in the order sections stand in a file.
     py::list sectionNames;
@@ -291,8 +295,7 @@ attributes and sections by name.)")
     }
     module.attr("sectionNames") = py::tuple(sectionNames);
 
-    module.def("bridge", &makeBridge, py::arg("repository"),
-               "The script bridge of a file repository (a velcg.VelCGFileRepository).");
+    module.def("bridge", &makeBridge, py::arg("repository"), operationDoc("", "bridge"));
 }
 
 } // namespace VelCG::python

@@ -1,7 +1,7 @@
 #include "Module.hpp"
 
-#include <map>
 #include <pybind11/eval.h>
+#include <stdexcept>
 #include <string>
 
 #include "Bridge.hpp"
@@ -10,33 +10,12 @@
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
-#include "vel/diag/MessageCatalog.hpp"
 #include "velcg/PlexoModule.hpp"
+#include "velcg/TemplateReference.hpp"
 
 namespace VelCG::python {
 
 namespace {
-
-// The messages of the diagnostics the module raises itself.
-[[maybe_unused]] const bool kCatalogRegistered = [] {
-    vel::diag::MessageCatalog::instance().addCatalog(
-        "VelCG:Python",
-        {
-            {"NotARepository",
-             "The script bridge needs a file repository (velcg.VelCGFileRepository), not {1}."},
-            {"NotAHandleCapsule", "A velcg.Object is made from a capsule named 'vel.mi.Handle', not '{1}'."},
-            {"InvalidArgument", "The argument of {1} must be {2}, not {3}."},
-            {"NotABinaryFile",
-             "Section '{1}' can only be written to a file opened in binary mode, not to {2}."},
-            {"CannotWrite", "Cannot write section '{1}': {2}."},
-            {"CannotReadTemplate", "Cannot read the template '{1}': {2}."},
-            {"TemplateFailed", "The template '{1}' raised an exception:\n{2}"},
-            {"CannotStart", "The Python interpreter cannot start with {1}."},
-            {"Finalized",
-             "The Python interpreter of this process has been shut down; templates can no longer run."},
-        });
-    return true;
-}();
 
 // velcg.Error and its subclass for unknown members, which is also an
 // AttributeError so that hasattr() and getattr() with a default work.
@@ -88,6 +67,18 @@ korb::Client& client() { return korb::ObjectSystem::instance().getPublicClient()
 
 py::object errorType() { return errorClass(); }
 
+const char* classDoc(const char* className) {
+    for (const reference::ModuleClass& c : reference::moduleClasses())
+        if (c.name == className) return c.summary.c_str();
+    throw std::logic_error(std::string("velcg.") + className + " is not documented");
+}
+
+const char* operationDoc(const char* className, const char* name) {
+    const reference::Operation* op = reference::findOperation(className, name);
+    if (!op) throw std::logic_error(std::string(className) + "." + name + " is not documented");
+    return op->summary.c_str();
+}
+
 void releaseModule() {
     releaseObjects();
     errorClass() = py::object();
@@ -99,7 +90,7 @@ void defineModule(py::module_& module) {
     // loads the library the way the host does.
     PlexoInitialize_velcg();
 
-    module.doc() = "Template scripts on the velcg model: objects as property bags, and the script bridge.";
+    module.doc() = classDoc("");
     py::dict scope;
     scope["__name__"] = "velcg";
     scope["__builtins__"] = py::module_::import("builtins");

@@ -38,4 +38,11 @@ py::object wrap(const vel::mi::HandleRef& ref);
 // The class velcg.Error, once the module is defined.
 py::object errorType();
 
+// The documentation of a class of the module of its own, and of its
+// operations (class "" for the module's functions), from the library's
+// table (reference::moduleClasses). Raises std::logic_error for a name the
+// table lacks, so that the module cannot drift from it unnoticed.
+const char* classDoc(const char* className);
+const char* operationDoc(const char* className, const char* name);
+
 } // namespace VelCG::python

@@ -12,6 +12,7 @@
 #include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/mi/HandleClass.hpp"
+#include "velcg/TemplateReference.hpp"
 
 namespace VelCG::python {
 
@@ -53,7 +54,26 @@ std::string shortNameOf(const std::string& qualified) {
 // ordinary attribute lookup first.
 struct MethodDescriptor {
     std::string name;
+    std::string doc;
+    // "($self, name, /)", for inspect.signature and help().
+    std::string textSignature;
 };
+
+// The documentation of a member of cls or of the class that declares it;
+// empty when there is none.
+const reference::MemberDoc* memberDoc(const vel::mi::HandleClass& cls, const std::string& name) {
+    for (const vel::mi::HandleClass* c = &cls; c; c = client().getSuperclass(*c))
+        if (const reference::MemberDoc* doc = reference::findMemberDoc(c->getQualifiedName(), name))
+            return doc;
+    return nullptr;
+}
+
+std::string textSignature(const reference::MemberDoc* doc) {
+    std::string out = "($self";
+    if (doc)
+        for (const std::string& argument : doc->argumentNames) out += ", " + argument;
+    return out + (doc && !doc->argumentNames.empty() ? ", /)" : ")");
+}
 
 // Sets the Python error for the exception being handled, as pybind11 does
 // for its own functions (velcg.Error for host diagnostics).
@@ -78,6 +98,7 @@ void raiseCurrentException() {
 struct PropertyDescriptorObject {
     PyObject ob_base; // the object header
     std::string* name;
+    std::string* doc;
     Shape shape;
 };
 
@@ -119,19 +140,28 @@ PyObject* propertyRepr(PyObject* self) {
     return PyUnicode_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size()));
 }
 
+// The property's own documentation, as help() shows it.
+PyObject* propertyDoc(PyObject* self, void*) {
+    const std::string& doc = *reinterpret_cast<PropertyDescriptorObject*>(self)->doc;
+    return PyUnicode_FromStringAndSize(doc.data(), static_cast<Py_ssize_t>(doc.size()));
+}
+
 void propertyDealloc(PyObject* self) {
     PyTypeObject* type = Py_TYPE(self);
     delete reinterpret_cast<PropertyDescriptorObject*>(self)->name;
+    delete reinterpret_cast<PropertyDescriptorObject*>(self)->doc;
     type->tp_free(self);
     Py_DECREF(type); // instances of heap types hold their type
 }
 
 py::object makePropertyDescriptorType() {
+    static PyGetSetDef getset[] = {{"__doc__", &propertyDoc, nullptr, nullptr, nullptr},
+                                   {nullptr, nullptr, nullptr, nullptr, nullptr}};
     static PyType_Slot slots[] = {{Py_tp_descr_get, reinterpret_cast<void*>(&propertyGet)},
+                                  {Py_tp_getset, getset},
                                   {Py_tp_descr_set, reinterpret_cast<void*>(&propertySet)},
                                   {Py_tp_repr, reinterpret_cast<void*>(&propertyRepr)},
                                   {Py_tp_dealloc, reinterpret_cast<void*>(&propertyDealloc)},
-                                  {Py_tp_doc, const_cast<char*>("A property of an object-system class.")},
                                   {0, nullptr}};
     static PyType_Spec descriptorType = {"velcg.PropertyDescriptor", sizeof(PropertyDescriptorObject), 0,
                                          Py_TPFLAGS_DEFAULT, slots};
@@ -140,15 +170,17 @@ py::object makePropertyDescriptorType() {
     return py::reinterpret_steal<py::object>(type);
 }
 
-py::object makePropertyDescriptor(const std::string& name, Shape shape) {
+py::object makePropertyDescriptor(const std::string& name, const std::string& doc, Shape shape) {
     auto* type = reinterpret_cast<PyTypeObject*>(propertyDescriptorType().ptr());
     PyObject* self = type->tp_alloc(type, 0);
     if (!self) throw py::error_already_set();
     auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
     d->shape = shape;
     d->name = nullptr;
+    d->doc = nullptr;
     py::object owned = py::reinterpret_steal<py::object>(self);
     d->name = new std::string(name);
+    d->doc = new std::string(doc);
     return owned;
 }
 
@@ -169,10 +201,17 @@ py::object pythonClassFor(const vel::mi::HandleClass& cls) {
     members["__module__"] = py::str("velcg");
     members["__doc__"] = py::str(cls.getDescription());
     members["__qualname__"] = py::str(shortNameOf(name));
-    for (const auto& p : cls.getProperties())
+    for (const auto& p : cls.getProperties()) {
+        const reference::MemberDoc* doc = reference::findMemberDoc(name, p.name);
         members[py::str(p.name)] = makePropertyDescriptor(
-            p.name, shapeOf(p.getter->hostTypeName(), p.getter->deliversOneObject(), p.elementClass));
-    for (const auto& m : cls.getMethods()) members[py::str(m.name)] = py::cast(MethodDescriptor{m.name});
+            p.name, doc ? doc->summary + (p.setter ? "" : " Read-only.") : "",
+            shapeOf(p.getter->hostTypeName(), p.getter->deliversOneObject(), p.elementClass));
+    }
+    for (const auto& m : cls.getMethods()) {
+        const reference::MemberDoc* doc = reference::findMemberDoc(name, m.name);
+        members[py::str(m.name)] =
+            py::cast(MethodDescriptor{m.name, doc ? doc->summary : "", textSignature(doc)});
+    }
     py::object type = py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(&PyType_Type))(
         shortNameOf(name), py::make_tuple(base), members);
     types.emplace(name, type);
@@ -197,7 +236,10 @@ py::object getAttribute(py::handle target, const std::string& name) {
         return toPython(*value, shapeOf(property->getter->hostTypeName(),
                                         property->getter->deliversOneObject(), property->elementClass));
     }
-    if (client().findMethod(cls, name)) return py::cast(BoundMethod{self.ref, cls.getQualifiedName(), name});
+    if (client().findMethod(cls, name)) {
+        const reference::MemberDoc* doc = memberDoc(cls, name);
+        return py::cast(BoundMethod{self.ref, cls.getQualifiedName(), name, doc ? doc->summary : ""});
+    }
     vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
 }
 
@@ -337,24 +379,28 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
     py::class_<BoundMethod>(module, "Method", nativeInstancesOnly(),
                             "A method of one native object; call it with its arguments.")
         .def("__call__", &callMethod)
+        .def_readonly("__doc__", &BoundMethod::doc)
         .def("__repr__", [](const BoundMethod& self) {
             return "<method " + self.name + " of " + self.className + " object>";
         });
 
-    py::class_<DataInterfaceValue>(module, "DataInterface", nativeInstancesOnly(),
-                                   "Where a piece of model data lives in generated code.")
+    using D = DataInterfaceValue;
+    py::class_<D>(module, "DataInterface", nativeInstancesOnly(), classDoc("DataInterface"))
         .def_property_readonly(
-            "identifier", [](const DataInterfaceValue& d) { return d.value->getDescription().identifier; })
+            "identifier", [](const D& d) { return d.value->getDescription().identifier; },
+            operationDoc("DataInterface", "identifier"))
         .def_property_readonly(
-            "implementation",
-            [](const DataInterfaceValue& d) { return d.value->getDescription().implementation; })
-        .def_property_readonly("owner",
-                               [](const DataInterfaceValue& d) { return d.value->getDescription().owner; })
-        .def_property_readonly("typeName",
-                               [](const DataInterfaceValue& d) { return d.value->getDescription().typeName; })
+            "implementation", [](const D& d) { return d.value->getDescription().implementation; },
+            operationDoc("DataInterface", "implementation"))
         .def_property_readonly(
-            "graphicalName",
-            [](const DataInterfaceValue& d) { return d.value->getDescription().graphicalName; })
+            "owner", [](const D& d) { return d.value->getDescription().owner; },
+            operationDoc("DataInterface", "owner"))
+        .def_property_readonly(
+            "typeName", [](const D& d) { return d.value->getDescription().typeName; },
+            operationDoc("DataInterface", "typeName"))
+        .def_property_readonly(
+            "graphicalName", [](const D& d) { return d.value->getDescription().graphicalName; },
+            operationDoc("DataInterface", "graphicalName"))
         .def("__eq__",
              [](const DataInterfaceValue& self, py::object other) {
                  return py::isinstance<DataInterfaceValue>(other) &&
@@ -365,9 +411,10 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
             return "<coder.DataInterface " + d.value->getDescription().identifier + ">";
         });
 
-    py::class_<EmbeddedTypeValue>(module, "EmbeddedType", nativeInstancesOnly(),
-                                  "A type of the code generator's type system.")
-        .def_property_readonly("name", [](const EmbeddedTypeValue& t) { return t.value->getName(); })
+    py::class_<EmbeddedTypeValue>(module, "EmbeddedType", nativeInstancesOnly(), classDoc("EmbeddedType"))
+        .def_property_readonly(
+            "name", [](const EmbeddedTypeValue& t) { return t.value->getName(); },
+            operationDoc("EmbeddedType", "name"))
         .def("__eq__",
              [](const EmbeddedTypeValue& self, py::object other) {
                  return py::isinstance<EmbeddedTypeValue>(other) &&
@@ -377,27 +424,52 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
         .def("__repr__",
              [](const EmbeddedTypeValue& t) { return "<embedded.type " + t.value->getName() + ">"; });
 
-    py::class_<HostValue>(module, "HostValue", nativeInstancesOnly(),
-                          "A host value of a foreign class, passed through unchanged.")
-        .def_property_readonly("className", [](const HostValue& v) { return v.value->className(); })
+    py::class_<HostValue>(module, "HostValue", nativeInstancesOnly(), classDoc("HostValue"))
+        .def_property_readonly(
+            "className", [](const HostValue& v) { return v.value->className(); },
+            operationDoc("HostValue", "className"))
         .def("__repr__", [](const HostValue& v) { return "<" + v.value->describe() + ">"; });
 
     module.def(
         "classOf", [](py::handle obj) { return classOfLive(live(stateOf(obj).ref)).getQualifiedName(); },
-        py::arg("obj"), "The fully qualified object-system class of a live object.");
+        py::arg("obj"), operationDoc("", "classOf"));
 
     propertyDescriptorType() = makePropertyDescriptorType();
     module.attr("PropertyDescriptor") = propertyDescriptorType();
-    py::class_<MethodDescriptor>(module, "MethodDescriptor", nativeInstancesOnly(),
-                                 "A method of an object-system class.")
+    py::class_<MethodDescriptor> methodDescriptor(module, "MethodDescriptor", nativeInstancesOnly(),
+                                                  "A method of an object-system class.");
+    methodDescriptor
         .def("__get__",
              [](const MethodDescriptor& self, py::handle target, py::handle) -> py::object {
                  if (target.is_none()) return py::cast(self);
                  const ObjectState& state = stateOf(target);
                  live(state.ref);
-                 return py::cast(BoundMethod{state.ref, state.className, self.name});
+                 return py::cast(BoundMethod{state.ref, state.className, self.name, self.doc});
              })
+        // Called on an object, as Class.method(obj, ...), it calls the
+        // object's method.
+        .def("__call__",
+             [](const MethodDescriptor& self, py::handle target, py::args args) {
+                 const ObjectState& state = stateOf(target);
+                 return callMethod(BoundMethod{state.ref, state.className, self.name, self.doc}, args);
+             })
+        .def_readonly("__doc__", &MethodDescriptor::doc)
         .def("__repr__", [](const MethodDescriptor& self) { return "<method " + self.name + ">"; });
+    // help() documents a method descriptor by its __name__ and, through
+    // inspect.signature, the argument names of its __text_signature__. A
+    // type refuses both attributes when set the usual way, so their
+    // properties go into the class dictionary directly.
+    auto* type = reinterpret_cast<PyTypeObject*>(methodDescriptor.ptr());
+    const py::object property = py::module_::import("builtins").attr("property");
+    const std::pair<const char*, std::string MethodDescriptor::*> instanceAttributes[] = {
+        {"__name__", &MethodDescriptor::name}, {"__text_signature__", &MethodDescriptor::textSignature}};
+    for (const auto& [attribute, member] : instanceAttributes) {
+        py::object getter = property(
+            py::cpp_function([member = member](const MethodDescriptor& self) { return self.*member; },
+                             py::is_method(methodDescriptor)));
+        if (PyDict_SetItemString(type->tp_dict, attribute, getter.ptr()) != 0) throw py::error_already_set();
+    }
+    PyType_Modified(type);
 
     // One Python class per class of the package, so that isinstance works
     // and editors can complete members from the generated stub.

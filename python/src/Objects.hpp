@@ -25,6 +25,7 @@ struct BoundMethod {
     vel::mi::HandleRef ref;
     std::string className;
     std::string name;
+    std::string doc;
 };
 
 // Host values that are not objects of the object system, holding their own

@@ -35,6 +35,9 @@ count() { # pattern log
 "${clean_env[@]}" cmake -S "$project" -B "$build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/configure.log" 2>&1 ||
   { fail "configure:"; cat "$work/configure.log"; }
 
+"${clean_env[@]}" ninja -C "$build" -t commands | grep -q -- "velcg-gen .* --strict" ||
+  fail "velcg_generate(... STRICT) does not run velcg-gen --strict"
+
 # 1. A clean build, and the programs it made.
 build_log clean
 [ "$(count "Generating" clean)" -eq 2 ] || fail "the clean build did not generate both examples"

@@ -158,7 +158,8 @@ def test_bridge_counts_the_files_of_its_repository(bridge, objects):
 
 INDEX = "VelCG:FileRepScrivBridge:InvalidFileIndex"
 SECTION = "VelCG:FileRepScrivBridge:UnknownSection"
-ATTRIBUTE = "VelCG:FileRepScrivBridge:UnknownAttribute"
+WRONG_TYPE = "VelCG:FileRepScrivBridge:WrongAttributeType"
+READ_ONLY = "VelCG:FileRepScrivBridge:ReadOnlyAttribute"
 ARGUMENT = "VelCG:Python:InvalidArgument"
 BUILTIN = "Brisk:codeGen:CustomContentInvalidBuiltin"
 
@@ -170,11 +171,15 @@ BUILTIN = "Brisk:codeGen:CustomContentInvalidBuiltin"
         (lambda b, out: b.setAttribute(-1, "Type", "x"), INDEX, ["-1", "4"]),
         (lambda b, out: b.writeSection(7, "Includes", out), INDEX, ["7", "4"]),
         (lambda b, out: b.customContents(9), INDEX, ["9", "4"]),
-        (lambda b, out: b.writeSection(SOURCE, "Types", out), SECTION, ["Types"]),
-        (lambda b, out: b.addSectionContent(SOURCE, "", "x"), SECTION, [""]),
-        (lambda b, out: b.appendMissingTokens(SOURCE, "includes"), SECTION, ["includes"]),
-        (lambda b, out: b.getBooleanAttribute(SOURCE, "Name"), ATTRIBUTE, ["Name", "boolean"]),
-        (lambda b, out: b.setAttribute(SOURCE, "Name", "x"), ATTRIBUTE, ["Name", "settable string"]),
+        (lambda b, out: b.writeSection(SOURCE, "Types", out), SECTION, None),
+        (lambda b, out: b.addSectionContent(SOURCE, "", "x"), SECTION, None),
+        (lambda b, out: b.appendMissingTokens(SOURCE, "includes"), SECTION, None),
+        (
+            lambda b, out: b.getBooleanAttribute(SOURCE, "Name"),
+            WRONG_TYPE,
+            ["Name", "string", "boolean", "getStringAttribute"],
+        ),
+        (lambda b, out: b.setAttribute(SOURCE, "Name", "x"), READ_ONLY, ["Name", "getStringAttribute"]),
         (lambda b, out: b.addCustomSection(SOURCE, "typedefs", "Mine"), BUILTIN, ["Mine", "typedefs"]),
         (lambda b, out: b.setAttribute(SOURCE, "Type", 1), ARGUMENT, None),
         (lambda b, out: b.addSectionContent(SOURCE, "Defines", None), ARGUMENT, None),

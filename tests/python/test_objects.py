@@ -1,6 +1,9 @@
 """Native objects as velcg objects: reading, writing, calling, identity."""
 
+import ast
 import gc
+import inspect
+import os
 
 import pytest
 import velcg
@@ -434,6 +437,29 @@ def test_properties_are_descriptors_of_their_class(objects):
             descriptor.__get__(target, type(target))
         with pytest.raises((TypeError, RuntimeError)):
             descriptor.__set__(target, "x")
+
+
+def test_help_shows_the_docstrings_and_argument_names_of_the_stub(objects):
+    """Every member's docstring in velcg.pyi is what Python itself says of it,
+    and every public member of the module's classes is in the stub."""
+    path = os.path.join(os.path.dirname(velcg.__file__), "velcg.pyi")
+    with open(path, encoding="utf-8") as f:
+        stub = ast.parse(f.read())
+    documented = 0
+    for cls in (c for c in stub.body if isinstance(c, ast.ClassDef)):
+        python = getattr(velcg, cls.name)
+        defs = [i for i in cls.body if isinstance(i, ast.FunctionDef) and not i.name.startswith("_")]
+        for item in defs:
+            assert ast.get_docstring(item) in getattr(python, item.name).__doc__, f"{cls.name}.{item.name}"
+            documented += 1
+        assert {n for n in vars(python) if not n.startswith("_")} <= {i.name for i in defs}, cls.name
+    assert documented > 250
+    # Methods of the package's classes have their arguments' names, and are
+    # unbound methods that take the object first.
+    get_system = velcg.CGModel.getSystemForFunction
+    assert str(inspect.signature(get_system)) == "(self, functionName, /)"
+    assert get_system(objects["model"], "no_such_function") is None
+    assert objects["model"].getName.__doc__ == "The model's name."
 
 
 def test_instances_never_initialized_are_refused_not_read(objects):

@@ -67,7 +67,12 @@ def check_package_classes(module):
         ("CGModel", "BlockHierarchyMap", "_BlockHierarchyMap | None"),
         ("VelCGFileRepository", "FileList", "list[VelCGFile]"),
         ("ToAsyncQueueBlock", "leafElements", "list[ToAsyncQueueBlock]"),
-        ("Region", "DataInterface", "Any"),
+        ("Region", "DataInterface", "_DataInterface | None"),
+        ("VelCGType", "EmbeddedType", "_EmbeddedType | None"),
+        ("VelCGFileRepository", "findFileByName", "VelCGFile | None"),
+        ("VelCGModuleFile", "getFunctionsSection", "FunctionsSection"),
+        ("VelCGGenericFile", "getFunctionsSection", "FileSection"),
+        ("Bridge", "getStringArrayAttribute", "list[str]"),
     ]
     for cls, member, want in expected:
         if cls not in classes:
@@ -81,6 +86,23 @@ def check_package_classes(module):
             fail(f"{cls}.{member or '(bases)'}: {got}, expected {want}")
 
 
+def check_documented(module):
+    """Every class and every member but a setter carries a docstring, and
+    arguments have their own names."""
+    for cls in (c for c in module.body if isinstance(c, ast.ClassDef)):
+        if not ast.get_docstring(cls):
+            fail(f"class {cls.name} has no docstring")
+        for item in cls.body:
+            if not isinstance(item, ast.FunctionDef):
+                continue
+            setter = any(isinstance(d, ast.Attribute) and d.attr == "setter" for d in item.decorator_list)
+            if not setter and not ast.get_docstring(item):
+                fail(f"{cls.name}.{item.name} has no docstring")
+            for arg in item.args.posonlyargs + item.args.args:
+                if arg.arg[0] == "a" and arg.arg[1:].isdigit():
+                    fail(f"{cls.name}.{item.name} has an argument without a name of its own: {arg.arg}")
+
+
 def main():
     stub = subprocess.run([sys.argv[1], "classes", "--python"], check=True, capture_output=True, text=True).stdout
     try:
@@ -89,6 +111,7 @@ def main():
         fail(f"not valid Python: {e}")
     check_names_resolve(module)
     check_package_classes(module)
+    check_documented(module)
 
 
 if __name__ == "__main__":

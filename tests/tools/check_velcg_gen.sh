@@ -65,8 +65,8 @@ check_descriptor() { # directory
 
 # --- gain_model: the template writes every file itself.
 out="$work/gain_model"
-run "$gen" "$examples/gain_model/model.json" "$examples/gain_model/template.py" -o "$out"
-expect_status 0 "velcg-gen on gain_model"
+run "$gen" --strict "$examples/gain_model/model.json" "$examples/gain_model/template.py" -o "$out"
+expect_status 0 "velcg-gen --strict on gain_model"
 expect_in "$work/stdout" "descriptor written (level 1, 5 blocks)" "velcg-gen on gain_model"
 compile "$out" demo gain_model.c gain_model_main.c
 run "$out/demo"
@@ -261,6 +261,35 @@ fi
 expect_in "$work/stderr" "velcg-gen: warning: Custom section 'Notes' of file" \
   "velcg-gen with a custom section placed but never retrieved"
 ! grep -qF "never retrieved */" "$work/writes/"* || fail "velcg-gen wrote a custom section placed but never retrieved"
+
+# Warnings name the file and the section; with --strict they fail the run,
+# which leaves the output directory as it was.
+cat >"$work/careless.py" <<'EOF'
+import velcg
+
+bridge = velcg.bridge(repository)
+names = [bridge.getStringAttribute(i, "Name") for i in range(bridge.numberOfFiles)]
+bridge.addSectionContent(names.index("sensor_bus_types.h"), "Functions", "void dropped(void);\n")
+for i, name in enumerate(names):
+    if name != "sensor_bus.c":
+        bridge.addSectionContent(i, "Includes", "/* filled */\n")
+EOF
+dropped="20 byte(s) added to the Functions section of file 'sensor_bus_types.h' were dropped: a data-types file \
+has no Functions section (its sections are Includes, Defines and Typedefs). [VelCG:VelCGFileContent:MissingSection]"
+empty="File 'sensor_bus.c' was written empty: no text was added to any of its sections (set its attribute \
+\"Filter\" to true to leave it unwritten). [VelCG:VelCGFile:WrittenEmpty]"
+out="$work/careless"
+run "$gen" "$examples/sensor_bus/model.json" "$work/careless.py" -o "$out"
+expect_status 0 "velcg-gen with warnings"
+expect_in "$work/stderr" "velcg-gen: warning: $dropped" "velcg-gen with warnings"
+expect_in "$work/stderr" "velcg-gen: warning: $empty" "velcg-gen with warnings"
+printf '/* edited */\n' >>"$out/sensor_bus.h"
+snapshot "$out" >"$work/careless.snapshot"
+run "$gen" --strict "$examples/sensor_bus/model.json" "$work/careless.py" -o "$out"
+expect_status 1 "velcg-gen --strict with warnings"
+expect_in "$work/stderr" "velcg-gen: error: $dropped" "velcg-gen --strict with warnings"
+expect_in "$work/stderr" "velcg-gen: error: $empty" "velcg-gen --strict with warnings"
+expect_unchanged "$out" "$work/careless.snapshot" "velcg-gen --strict with warnings"
 
 # Faults met while writing the generated files: each run fails naming the
 # file, and the output directory stays as it was. The descriptor is switched

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "NearNames.hpp"
 #include "description/Diagnostics.hpp"
 #include "vel/i18n/Text.hpp"
 #include "velcg/CGModelFactory.hpp"
@@ -81,7 +82,8 @@ void DescriptionReader::checkKnown(const Json& object, const Place& place,
                                    const std::vector<std::string>& known) const {
     for (auto it = object.begin(); it != object.end(); ++it)
         if (std::find(known.begin(), known.end(), it.key()) == known.end())
-            fail(key::kUnknownField, place / it.key(), {it.key()});
+            fail(key::kUnknownField, place / it.key(),
+                 {it.key(), names_detail::didYouMean(it.key(), known, '"')});
 }
 
 const Json& DescriptionReader::required(const Json& object, const Place& place, const char* key) const {

@@ -53,7 +53,8 @@ public:
 
     void expectObject(const Json& value, const Place& place) const;
     void expectArray(const Json& value, const Place& place) const;
-    // Raises UnknownField for the first key of object that is not known.
+    // Raises UnknownField for the first key of object that is not known,
+    // suggesting the known keys nearest to it.
     void checkKnown(const Json& object, const Place& place, const std::vector<std::string>& known) const;
     // The field, or MissingField.
     const Json& required(const Json& object, const Place& place, const char* key) const;

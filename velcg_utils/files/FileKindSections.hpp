@@ -80,6 +80,19 @@ inline constexpr SectionRow kSectionRows[kNumberOfSectionKinds] = {
 };
 // clang-format on
 
+// How messages and the template reference name a file kind, and the file
+// class and kinds of a model description's "files" entry that give it.
+struct FileKindNames {
+    const char* label;
+    const char* className;
+    const char* descriptionKinds;
+};
+inline constexpr FileKindNames kFileKindNames[kNumberOfFileKinds] = {
+    {"module file", "VelCGModuleFile", "ModuleHeader, ModuleSource"},
+    {"generic file", "VelCGGenericFile", "Generic"},
+    {"data-types file", "VelCGDataTypesFile", "DataTypes"},
+};
+
 // The slot of kind for the file kind; none for a kind outside 0..21.
 constexpr const Slot& slotOf(FileKind file, VelCGFileSectionKind kind) {
     return kind >= 0 && kind < kNumberOfSectionKinds ? kSectionRows[kind].slot(file) : none;

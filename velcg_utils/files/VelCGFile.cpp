@@ -6,6 +6,7 @@
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/i18n/Text.hpp"
 #include "velcg/FileSection.hpp"
+#include "velcg/IncludesSection.hpp"
 #include "velcg/VelCGFileContent.hpp"
 #include "velcg/VelCGFileContentBuilder.hpp"
 #include "velcg/VelCGFileContentCreator.hpp"
@@ -34,19 +35,33 @@ VelCGFile::VelCGFile(const std::string& name, std::unique_ptr<VelCGFileContentBu
       baseName_(boost::filesystem::path(name).stem().string()),
       nameWithoutExtension_(withoutLastExtension(name)),
       customContents_(name) {
-    for (int k = 0; k < kNumberOfSectionSlots; ++k)
-        sectionsBySlot_[k] = &content_->getSection(static_cast<VelCGFileSectionKind>(k));
+    content_->setFileName(name);
+    // The stand-ins of the sections the file lacks are made on first use.
+    for (int k = 0; k < kNumberOfSectionSlots; ++k) {
+        const auto kind = static_cast<VelCGFileSectionKind>(k);
+        if (content_->hasSection(kind)) sectionsBySlot_[k] = &content_->getSection(kind);
+    }
 }
 
 VelCGFile::~VelCGFile() {
-    // Once the file has been written, custom content that did not reach it
-    // never will.
-    if (!writingStarted_) return;
     try {
-        customContents_.warnUnwrittenContent([this](VelCGFileSectionKind kind) { return hasSection(kind); });
+        reportWrittenFile();
     } catch (...) {
         // Warnings never make destruction fail.
     }
+}
+
+void VelCGFile::setIsWrittenToDisk(bool written) {
+    writtenToDisk_ = written;
+    if (written) reportWrittenFile();
+}
+
+void VelCGFile::reportWrittenFile() {
+    // Once the file has been written, what did not reach it never will.
+    if (!writingStarted_ || writingReported_) return;
+    writingReported_ = true;
+    if (!wroteText_ && !notEmpty_) vel::diag::warn("VelCG:VelCGFile:WrittenEmpty", {nameAscii_});
+    customContents_.warnUnwrittenContent([this](VelCGFileSectionKind kind) { return hasSection(kind); });
 }
 
 const char* VelCGFile::getFullyQualifiedKorbTypeName() const { return "VelCG.VelCGFile"; }
@@ -75,12 +90,25 @@ bool isSlot(VelCGFileSectionKind kind) {
 } // namespace
 
 FileSection& VelCGFile::getFileSection(VelCGFileSectionKind kind) {
-    return isSlot(kind) ? *sectionsBySlot_[kind] : content_->getSection(kind);
+    if (!isSlot(kind)) return content_->getSection(kind);
+    FileSection*& section = sectionsBySlot_[kind];
+    if (!section) section = &content_->getSection(kind);
+    return *section;
 }
 
 const FileSection& VelCGFile::getFileSection(VelCGFileSectionKind kind) const {
-    return isSlot(kind) ? *sectionsBySlot_[kind] : content_->getSection(kind);
+    return isSlot(kind) && sectionsBySlot_[kind] ? *sectionsBySlot_[kind] : content_->getSection(kind);
 }
+
+namespace {
+// Whether writing the section puts any byte in the file: an includes section
+// renders its include lists even without fragments.
+bool writesText(const FileSection& section) {
+    if (const auto* includes = dynamic_cast<const IncludesSection*>(&section))
+        return !includes->getContent().empty();
+    return !section.isEmpty();
+}
+} // namespace
 
 void VelCGFile::writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream) {
     writingStarted_ = true;
@@ -89,6 +117,7 @@ void VelCGFile::writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream)
         vel::diag::throwError("VelCG:VelCGFile:NullStream", {nameAscii_, getScrivSectionNameFromEnum(kind)});
     FileSection& section = getFileSection(kind);
     customContents_.appendMissingTokens(section, kind);
+    wroteText_ = wroteText_ || writesText(section);
     section.writeToFile(stream);
 }
 

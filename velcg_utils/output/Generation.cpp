@@ -57,24 +57,39 @@ VelCGFileRepository& Generation::repository() { return *repository_; }
 const fs::path& Generation::outputDirectory() const { return output_->path(); }
 const fs::path& Generation::stagingDirectory() const { return output_->staging(); }
 
-Generation::Result Generation::finish() {
-    if (finished_)
-        vel::diag::throwErrorText("VelCG:Generation:Finished", "The generation has finished already.");
-    finished_ = true;
+void Generation::complete() {
+    if (stage_ != Stage::Running)
+        vel::diag::throwErrorText("VelCG:Generation:Completed", "The generation has completed already.");
+    stage_ = Stage::Completed;
     using Clock = std::chrono::steady_clock;
-    Result result;
     const Clock::time_point start = Clock::now();
     writeUnwrittenFiles(*repository_, output_->staging(), output_->path());
     const Clock::time_point written = Clock::now();
     CGModel& model = *description_.model;
     model.serializeModelAfterScriv(wide(output_->staging()));
     model.finishSerialization();
-    result.writing = written - start;
-    result.serializing = Clock::now() - written;
-    result.blocks = blockCount(model);
+    writing_ = written - start;
+    serializing_ = Clock::now() - written;
+}
+
+Generation::Result Generation::commit() {
+    if (stage_ != Stage::Completed)
+        vel::diag::throwErrorText("VelCG:Generation:NotCompleted",
+                                  stage_ == Stage::Running ? "The generation has not completed yet."
+                                                           : "The generation has been committed already.");
+    stage_ = Stage::Committed;
+    Result result;
+    result.blocks = blockCount(*description_.model);
     result.level = VELFEAT_VelCGDirectEmitSerialize.peek();
+    result.writing = writing_;
+    result.serializing = serializing_;
     result.changes = settings_.check ? output_->compare() : output_->commit();
     return result;
+}
+
+Generation::Result Generation::finish() {
+    complete();
+    return commit();
 }
 
 void Generation::writeUnwrittenFiles(VelCGFileRepository& repository, const fs::path& directory,

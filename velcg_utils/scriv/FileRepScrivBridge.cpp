@@ -1,41 +1,123 @@
 #include "velcg/FileRepScrivBridge.hpp"
 
+#include <algorithm>
 #include <cerrno>
 
+#include "NearNames.hpp"
 #include "files/FilesDetail.hpp"
+#include "scriv/BridgeAttributes.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CustomContents.hpp"
 #include "velcg/FileSection.hpp"
-#include "velcg/IncludesSection.hpp"
 #include "velcg/VelCGFile.hpp"
 #include "velcg/VelCGFileRepository.hpp"
 
 namespace VelCG {
 
 namespace {
-[[noreturn]] void unknownAttribute(const std::string& name, const char* kind) {
-    vel::diag::throwError("VelCG:FileRepScrivBridge:UnknownAttribute", {name, kind});
+using reference::ValueType;
+using scriv_detail::AttributeRow;
+
+// The use an operation makes of an attribute.
+enum class Use { ReadBoolean, ReadString, ReadStringList, SetBoolean, SetString };
+
+ValueType typeOf(Use use) {
+    switch (use) {
+        case Use::ReadBoolean:
+        case Use::SetBoolean:
+            return ValueType::Boolean;
+        case Use::ReadString:
+        case Use::SetString:
+            return ValueType::String;
+        case Use::ReadStringList:
+            break;
+    }
+    return ValueType::StringList;
+}
+
+bool isSet(Use use) { return use == Use::SetBoolean || use == Use::SetString; }
+
+const char* readerOf(ValueType type) {
+    return type == ValueType::Boolean      ? "getBooleanAttribute"
+           : type == ValueType::StringList ? "getStringArrayAttribute"
+                                           : "getStringAttribute";
+}
+
+const char* valueOf(ValueType type) { return type == ValueType::Boolean ? "true or false" : "a string"; }
+
+// The Scriv section names, in the order sections stand in a file.
+const std::vector<std::string>& sectionNames() {
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> out;
+        for (int k = BANNER_SECTION; k <= USERBOTTOM_SECTION; ++k) {
+            std::string name = getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(k));
+            if (!name.empty()) out.push_back(std::move(name));
+        }
+        return out;
+    }();
+    return names;
+}
+
+bool isSectionName(const std::string& name) {
+    const auto& names = sectionNames();
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+const AttributeRow* findRow(const std::string& name) {
+    for (const AttributeRow& row : scriv_detail::attributeRows())
+        if (name == row.name) return &row;
+    return nullptr;
+}
+
+std::string unquotedList(const std::vector<std::string>& names) {
+    return names_detail::quotedList(names, 0, "and");
+}
+
+// Raises the diagnostic that says why the operation cannot use the name:
+// a name of another type, a read-only one, a section, or an unknown name
+// with the names it may have meant.
+[[noreturn]] void refuseAttribute(const std::string& name, Use use) {
+    const char* const id = "VelCG:FileRepScrivBridge:";
+    const ValueType wanted = typeOf(use);
+    const AttributeRow* row = findRow(name);
+    if (isSet(use) && isSectionName(name))
+        vel::diag::throwError(std::string(id) + "SectionNotSettable", {name});
+    if (isSet(use) && row && row->setAs == ValueType::None)
+        vel::diag::throwError(std::string(id) + "ReadOnlyAttribute", {name, readerOf(row->readAs)});
+    if (isSet(use) && row)
+        vel::diag::throwError(std::string(id) + "WrongValueType",
+                              {name, valueOf(row->setAs), valueOf(wanted)});
+    const ValueType actual = row ? row->readAs : isSectionName(name) ? ValueType::String : ValueType::None;
+    if (actual != ValueType::None)
+        vel::diag::throwError(
+            std::string(id) + "WrongAttributeType",
+            {name, reference::valueTypeName(actual), reference::valueTypeName(wanted), readerOf(actual)});
+    std::vector<std::string> candidates;
+    for (const AttributeRow& r : scriv_detail::attributeRows())
+        if ((isSet(use) ? r.setAs : r.readAs) == wanted) candidates.push_back(r.name);
+    std::vector<std::string> listed = candidates;
+    if (use == Use::ReadString) {
+        listed.push_back("the section names");
+        candidates.insert(candidates.end(), sectionNames().begin(), sectionNames().end());
+    }
+    const char* kind = use == Use::ReadString         ? "readable string"
+                       : use == Use::SetString        ? "settable string"
+                       : wanted == ValueType::Boolean ? "boolean"
+                                                      : "string list";
+    vel::diag::throwError(
+        std::string(id) + "UnknownAttribute",
+        {name, kind, names_detail::didYouMean(name, candidates, '\''), unquotedList(listed)});
 }
 
 [[noreturn]] void unknownSection(const std::string& name) {
-    vel::diag::throwError("VelCG:FileRepScrivBridge:UnknownSection", {name});
+    vel::diag::throwError(
+        "VelCG:FileRepScrivBridge:UnknownSection",
+        {name, names_detail::didYouMean(name, sectionNames(), '\''), unquotedList(sectionNames())});
 }
 
 void requireNonNull(const void* p, const char* what) {
     if (!p) vel::diag::throwError("VelCG:FileRepScrivBridge:NullArgument", {what});
 }
-
-// The includes section of a file. Every file kind has one; for a file
-// without, the empty section stands in and the cast fails, so the include
-// lists read as empty and additions are dropped like any other addition to
-// a missing section.
-IncludesSection* includesOf(VelCGFile& file) {
-    return dynamic_cast<IncludesSection*>(&file.getFileSection(INCLUDES_SECTION));
-}
-const IncludesSection* includesOf(const VelCGFile& file) {
-    return dynamic_cast<const IncludesSection*>(&file.getFileSection(INCLUDES_SECTION));
-}
-const std::vector<std::string> kNoIncludes;
 
 // The file at fileIndex of the repository's live list: a bridge call must not
 // cost more as the repository grows.
@@ -63,77 +145,23 @@ FileRepScrivBridge::FileRepScrivBridge(VelCGFileRepository& repository) : reposi
 FileRepScrivBridge::~FileRepScrivBridge() = default;
 
 void FileRepScrivBridge::fillAttributeTables() {
-    // Boolean attributes.
-    booleanSetters_["Filter"] = [](VelCGFile& f, bool v) { f.setFiltered(v); };
-    booleanGetters_["Filter"] = [](const VelCGFile& f) { return f.getFiltered(); };
-    // A file can be marked non-empty, never empty again.
-    booleanSetters_["IsEmpty"] = [](VelCGFile& f, bool v) {
-        if (!v) f.setIsNotEmpty();
-    };
-    booleanGetters_["IsEmpty"] = [](const VelCGFile& f) { return f.isEmpty(); };
-    booleanSetters_["WrittenToDisk"] = [](VelCGFile& f, bool v) { f.setIsWrittenToDisk(v); };
-    booleanGetters_["WrittenToDisk"] = [](const VelCGFile& f) { return f.isWrittenToDisk(); };
-    booleanSetters_["Indent"] = [](VelCGFile& f, bool v) { f.setIndent(v); };
-    booleanGetters_["Indent"] = [](const VelCGFile& f) { return f.getIndent(); };
-    booleanSetters_["Shared"] = [](VelCGFile& f, bool v) { f.setIsShared(v); };
-    booleanGetters_["Shared"] = [](const VelCGFile& f) { return f.isShared(); };
-    booleanSetters_["SharedType"] = [](VelCGFile& f, bool v) { f.setSharedType(v); };
-    booleanGetters_["SharedType"] = [](const VelCGFile& f) { return f.getSharedType(); };
-    booleanSetters_["DeferredIncludeCoderTypes"] = [](VelCGFile& f, bool v) {
-        f.setDeferredIncludeCoderTypes(v);
-    };
-    booleanGetters_["DeferredIncludeCoderTypes"] = [](const VelCGFile& f) {
-        return f.getDeferredIncludeCoderTypes();
-    };
-
-    // String attributes that can be set.
-    stringSetters_["BaseName"] = [](VelCGFile& f, const char* v) { f.setBaseName(v); };
-    stringSetters_["Type"] = [](VelCGFile& f, const char* v) { f.setType(v); };
-    stringSetters_["Creator"] = [](VelCGFile& f, const char* v) { f.setCreator(v); };
-    stringSetters_["SystemsInFile"] = [](VelCGFile& f, const char* v) { f.addSystemToFile(v); };
-    stringSetters_["RequiredIncludes"] = [](VelCGFile& f, const char* v) {
-        if (IncludesSection* s = includesOf(f)) s->addRequiredInclude(v);
-    };
-    stringSetters_["UtilityIncludes"] = [](VelCGFile& f, const char* v) {
-        if (IncludesSection* s = includesOf(f)) s->addUtilityInclude(v);
-    };
-    stringSetters_["CodeTemplate"] = [](VelCGFile& f, const char* v) { f.setCodeTemplate(v); };
-    stringSetters_["OutputDirectory"] = [](VelCGFile& f, const char* v) { f.setOutputDirectory(v); };
-    // The first group a file is given sticks.
-    stringSetters_["Group"] = [](VelCGFile& f, const char* v) {
-        if (f.getGroup().empty()) f.setGroup(v);
-    };
-    stringSetters_["DefinedMacro"] = [](VelCGFile& f, const char* v) { f.setDefinedMacro(v); };
-
-    // String attributes that can be read (section names follow in
-    // fillSectionTables).
-    using Getter = const std::string& (VelCGFile::*)() const;
-    const std::pair<const char*, Getter> stringGetters[] = {
-        {"Name", &VelCGFile::getNameAscii},
-        {"BaseName", &VelCGFile::getBaseName},
-        {"NameWithoutExtension", &VelCGFile::getNameWithoutExtension},
-        {"Type", &VelCGFile::getType},
-        {"Creator", &VelCGFile::getCreator},
-        {"CodeTemplate", &VelCGFile::getCodeTemplate},
-        {"OutputDirectory", &VelCGFile::getOutputDirectory},
-        {"Group", &VelCGFile::getGroup},
-        {"DefinedMacro", &VelCGFile::getDefinedMacro},
-    };
-    for (const auto& [name, get] : stringGetters)
-        stringGetters_[name] = [get = get](const VelCGFile& f) -> const std::string& { return (f.*get)(); };
-
-    // String-array attributes.
-    stringArrayGetters_["SystemsInFile"] = [](const VelCGFile& f) -> const std::vector<std::string>& {
-        return f.getSystemsInFile();
-    };
-    stringArrayGetters_["RequiredIncludes"] = [](const VelCGFile& f) -> const std::vector<std::string>& {
-        const IncludesSection* s = includesOf(f);
-        return s ? s->getRequiredIncludes() : kNoIncludes;
-    };
-    stringArrayGetters_["UtilityIncludes"] = [](const VelCGFile& f) -> const std::vector<std::string>& {
-        const IncludesSection* s = includesOf(f);
-        return s ? s->getUtilityIncludes() : kNoIncludes;
-    };
+    for (const AttributeRow& row : scriv_detail::attributeRows()) {
+        switch (row.readAs) {
+            case ValueType::Boolean:
+                booleanGetters_[row.name] = row.getBoolean;
+                break;
+            case ValueType::String:
+                stringGetters_[row.name] = row.getString;
+                break;
+            case ValueType::StringList:
+                stringArrayGetters_[row.name] = row.getStringList;
+                break;
+            case ValueType::None:
+                break;
+        }
+        if (row.setAs == ValueType::Boolean) booleanSetters_[row.name] = row.setBoolean;
+        if (row.setAs == ValueType::String) stringSetters_[row.name] = row.setString;
+    }
 }
 
 void FileRepScrivBridge::fillSectionTables() {
@@ -210,32 +238,32 @@ void FileRepScrivBridge::setAttribute(std::int32_t fileIndex, const std::string&
 
 bool FileRepScrivBridge::getBooleanAttributeFromFile(const VelCGFile& file, const std::string& name) const {
     return handlerFor(booleanGetters_, name,
-                      [](const std::string& n) { unknownAttribute(n, "boolean"); })(file);
+                      [](const std::string& n) { refuseAttribute(n, Use::ReadBoolean); })(file);
 }
 
 const char* FileRepScrivBridge::getStringAttributeFromFile(const VelCGFile& file,
                                                            const std::string& name) const {
     return handlerFor(stringGetters_, name,
-                      [](const std::string& n) { unknownAttribute(n, "readable string"); })(file)
+                      [](const std::string& n) { refuseAttribute(n, Use::ReadString); })(file)
         .c_str();
 }
 
 const std::vector<std::string>& FileRepScrivBridge::getStringArrayAttributeFromFile(
     const VelCGFile& file, const std::string& name) const {
     return handlerFor(stringArrayGetters_, name,
-                      [](const std::string& n) { unknownAttribute(n, "string list"); })(file);
+                      [](const std::string& n) { refuseAttribute(n, Use::ReadStringList); })(file);
 }
 
 void FileRepScrivBridge::setAttributeForFile(VelCGFile& file, const std::string& name, const char* value) {
-    const StringSetter& set = handlerFor(
-        stringSetters_, name, [](const std::string& n) { unknownAttribute(n, "settable string"); });
+    const StringSetter& set =
+        handlerFor(stringSetters_, name, [](const std::string& n) { refuseAttribute(n, Use::SetString); });
     requireNonNull(value, "attribute value");
     set(file, value);
 }
 
 void FileRepScrivBridge::setAttributeForFile(VelCGFile& file, const std::string& name, bool value) {
-    handlerFor(booleanSetters_, name, [](const std::string& n) { unknownAttribute(n, "boolean"); })(file,
-                                                                                                    value);
+    handlerFor(booleanSetters_, name, [](const std::string& n) { refuseAttribute(n, Use::SetBoolean); })(
+        file, value);
 }
 
 void FileRepScrivBridge::addSectionContent(std::int32_t fileIndex, const std::string& sectionName,
@@ -250,9 +278,17 @@ void FileRepScrivBridge::addCustomSection(std::int32_t fileIndex, const std::str
                                           const std::string& customSectionName) {
     VelCGFile& file = getFileFromIndex(fileIndex);
     auto it = customSectionAdders_.find(builtinSectionName);
-    if (it == customSectionAdders_.end())
+    if (it == customSectionAdders_.end()) {
+        // The host's message names the built-in section; the names it could
+        // have been come as a warning of their own.
+        std::vector<std::string> builtins = sectionNames();
+        builtins.push_back("Types");
+        vel::diag::warn("VelCG:FileRepScrivBridge:InvalidBuiltinSection",
+                        {builtinSectionName, names_detail::didYouMean(builtinSectionName, builtins, '\''),
+                         unquotedList(builtins)});
         vel::diag::throwError("Brisk:codeGen:CustomContentInvalidBuiltin",
                               {customSectionName, builtinSectionName});
+    }
     it->second(file, customSectionName.c_str());
 }
 

@@ -185,7 +185,8 @@ TEST(VelCGFileContent, EmptySectionStandsInForMissingAndOutOfRangeKinds) {
         EXPECT_FALSE(content.hasSection(static_cast<VelCGFileSectionKind>(k))) << k;
 
     // The empty section, and a clone of it, drop whatever is added and say
-    // how much text they dropped.
+    // how much text they dropped, and where.
+    content.setFileName("m.c");
     FileSection& missing = content.getSection(FUNCTIONS_SECTION);
     std::unique_ptr<FileSection> missingClone = missing.clone();
     for (FileSection* s : {&missing, missingClone.get()}) {
@@ -198,12 +199,17 @@ TEST(VelCGFileContent, EmptySectionStandsInForMissingAndOutOfRangeKinds) {
         s->addFragment(nullptr);
         EXPECT_TRUE(s->isEmpty());
         EXPECT_EQ("", s->getContent());
-        EXPECT_EQ(
-            (Strings{"VelCG:VelCGFileContent:MissingSection(7)", "VelCG:VelCGFileContent:MissingSection(4)",
-                     "VelCG:VelCGFileContent:MissingSection(2)"}),
-            warningsOf(warnings));
+        const std::string where = ", Functions, m.c, file of its kind, Defines)";
+        EXPECT_EQ((Strings{"VelCG:VelCGFileContent:MissingSection(7" + where,
+                           "VelCG:VelCGFileContent:MissingSection(4" + where,
+                           "VelCG:VelCGFileContent:MissingSection(2" + where}),
+                  warningsOf(warnings));
     }
-    EXPECT_EQ(&missing, &content.getSection(static_cast<VelCGFileSectionKind>(-5)));
+    // One stand-in per slot, and one for every kind outside the table.
+    EXPECT_EQ(&missing, &content.getSection(FUNCTIONS_SECTION));
+    EXPECT_NE(&missing, &content.getSection(BANNER_SECTION));
+    EXPECT_EQ(&content.getSection(static_cast<VelCGFileSectionKind>(23)),
+              &content.getSection(static_cast<VelCGFileSectionKind>(-5)));
     EXPECT_TRUE(content.isEmpty());
 
     content.getSection(DEFINES_SECTION).addContent("#define A 1\n");

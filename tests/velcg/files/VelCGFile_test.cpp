@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -135,6 +136,87 @@ TEST(VelCGFile, EachKindBuildsItsOwnSectionTable) {
     EXPECT_EQ("", types.getFileSection(FUNCTIONS_SECTION).getContent());
     EXPECT_TRUE(types.isEmpty());
     EXPECT_EQ(&types.getIncludesSection(), &types.getFileSection(INCLUDES_SECTION));
+}
+
+namespace {
+// Writes every section of the file in kind order, as a generator does.
+void writeAllSections(VelCGFile& file) {
+    bytesWrittenBy([&](std::FILE* f) {
+        for (int k = BANNER_SECTION; k <= USERBOTTOM_SECTION; ++k)
+            file.writeSectionToFile(static_cast<VelCGFileSectionKind>(k), f);
+    });
+}
+} // namespace
+
+TEST(VelCGFile, WarningsAboutLostTextNameTheFileAndTheSection) {
+    const std::string typesSections = "(its sections are Includes, Defines and Typedefs).";
+    const std::string writtenEmpty =
+        "File 't.h' was written empty: no text was added to any of its sections "
+        "(set its attribute \"Filter\" to true to leave it unwritten).";
+    struct Case {
+        const char* what;
+        std::function<void()> run;
+        std::vector<std::string> messages;
+    } cases[] = {
+        {"text for a section the file lacks",
+         [] { VelCGDataTypesFile("t.h").getFileSection(FUNCTIONS_SECTION).addContent("void f(void);\n"); },
+         {"14 byte(s) added to the Functions section of file 't.h' were dropped: a data-types file has no "
+          "Functions section " +
+          typesSections}},
+        {"a module file's banner",
+         [] { VelCGModuleFile("m.c").getFileSection(BANNER_SECTION).addContent_cstr("/* m */\n"); },
+         {"8 byte(s) added to the Banner section of file 'm.c' were dropped: a module file has no Banner "
+          "section (its sections are Includes, Defines, Typedefs, ForwardDecls, ExternData, ExternFcns, "
+          "FcnPrototypes, Declarations, Functions and Documentation)."}},
+        {"a kind outside the table",
+         [] {
+             VelCGDataTypesFile f("t.h");
+             f.getFileSection(static_cast<VelCGFileSectionKind>(30))
+                 .addFragment(files_testing::fragment("x"));
+         },
+         {"1 byte(s) added to the out-of-range section of file 't.h' were dropped: a data-types file has no "
+          "out-of-range section " +
+          typesSections}},
+        {"a file written without text, when marked written",
+         [] {
+             VelCGDataTypesFile f("t.h");
+             writeAllSections(f);
+             f.setIsWrittenToDisk(true);
+             f.setIsWrittenToDisk(true);
+         },
+         {writtenEmpty}},
+        {"a file written without text and never marked, when destroyed",
+         [] {
+             VelCGDataTypesFile f("t.h");
+             writeAllSections(f);
+         },
+         {writtenEmpty}},
+        {"a file with only required includes",
+         [] {
+             VelCGDataTypesFile f("t.h");
+             static_cast<IncludesSection&>(f.getIncludesSection()).addRequiredInclude("a.h");
+             writeAllSections(f);
+             f.setIsWrittenToDisk(true);
+         },
+         {}},
+        {"a file marked non-empty",
+         [] {
+             VelCGDataTypesFile f("t.h");
+             f.setIsNotEmpty();
+             writeAllSections(f);
+         },
+         {}},
+        {"a file marked written that the library never wrote",
+         [] { VelCGDataTypesFile("t.h").setIsWrittenToDisk(true); },
+         {}},
+    };
+    for (const Case& c : cases) {
+        vel::diag::WarningCollector warnings;
+        c.run();
+        std::vector<std::string> messages;
+        for (const vel::diag::Diagnostic& d : warnings.warnings()) messages.push_back(d.message());
+        EXPECT_EQ(c.messages, messages) << c.what;
+    }
 }
 
 TEST(VelCGFile, WritingASectionAppendsUnplacedCustomSectionsFirst) {
