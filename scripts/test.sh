@@ -65,6 +65,8 @@ tests/buildstep/check_build_step.sh "$PWD/build/install" "$PWD"
 # The larger example generated 1,000 times in one process: resident memory
 # may grow by at most 2 MiB from the hundredth run to the last.
 tests/tools/check_velcg_gen_soak.sh build/release/tools/velcg-gen . 1000 2
+# velcg-gen killed in every phase of a run of 20,000 blocks.
+tests/tools/check_velcg_gen_kill.sh build/release/tools/velcg-gen . 20000
 # 100 pairs of runs started at once into one output directory.
 tests/tools/check_velcg_gen_concurrent.sh build/release/tools/velcg-gen build/release/tools/velcg-descriptor . 100
 
