@@ -443,6 +443,8 @@ def test_help_shows_the_docstrings_and_argument_names_of_the_stub(objects):
     """Every member's docstring in velcg.pyi is what Python itself says of it,
     and every public member of the module's classes is in the stub."""
     path = os.path.join(os.path.dirname(velcg.__file__), "velcg.pyi")
+    if not os.path.exists(path):
+        pytest.skip("the stub is made by velcg-inspect, which builds with the tools (VELCG_BUILD_TOOLS)")
     with open(path, encoding="utf-8") as f:
         stub = ast.parse(f.read())
     documented = 0
