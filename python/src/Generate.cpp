@@ -162,10 +162,10 @@ void defineGenerate(py::module_& module) {
 
     module.def(
         "load", [](const py::object& path) { return load(pathText(path)); }, py::arg("path"),
-               "Loads a model description (JSON) into a velcg.Description. Bad input raises velcg.Error "
-               "with a \"VelCG:ModelDescription:...\" identifier.");
-    module.def("generate", &generate, py::arg("description"), py::arg("template"), py::arg("output_directory"),
-               py::arg("options") = py::none(), py::arg("check") = false,
+        "Loads a model description (JSON) into a velcg.Description. Bad input raises velcg.Error "
+        "with a \"VelCG:ModelDescription:...\" identifier.");
+    module.def("generate", &generate, py::arg("description"), py::arg("template"),
+               py::arg("output_directory"), py::arg("options") = py::none(), py::arg("check") = false,
                "Runs a template on a described model as velcg-gen does, and returns what changed:\n"
                "{'written': [...], 'unchanged': [...], 'removed': [...], 'level': int, 'blocks': int}.\n\n"
                "description -- a path, or a velcg.Description (used up: load it again to generate again)\n"
