@@ -271,7 +271,9 @@ TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
     using Clock = std::chrono::steady_clock;
     Clock::duration passTime[2]{};
     int hotKills = 0;
-    for (const Kill& k : kills) {
+    int missedHot = 0;
+    for (std::size_t next = 0; next < kills.size(); ++next) {
+        const Kill k = kills[next];
         TempDir dir;
         const fs::path store = storeIn(dir.path());
         fs::copy_file(earlierStore, store);
@@ -309,8 +311,14 @@ TEST(CGModelSerializeFaults, AProcessKilledDuringAPassLeavesWholePasses) {
 
         const bool hot = hotJournal(store);
         hotKills += hot;
-        // A commit keeps the journal hot for many polls.
-        EXPECT_TRUE(hot || k.fraction >= 0) << "the journal never turned hot";
+        // The commit may end between seeing the journal hot and the kill on a
+        // busy machine: such a kill is tried again, up to 20 times.
+        if (!hot && k.fraction < 0) {
+            if (++missedHot <= 20)
+                kills.push_back(k);
+            else
+                ADD_FAILURE() << "the journal was never caught hot";
+        }
         const std::string trace = "level " + std::to_string(k.level) + ", killed " +
                                   std::to_string(k.fraction) + " of pass " + std::to_string(k.pass + 1) +
                                   "'s time in; random seed " + std::to_string(seed) +
