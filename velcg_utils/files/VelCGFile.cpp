@@ -39,6 +39,7 @@ VelCGFile::VelCGFile(const std::string& name, std::unique_ptr<VelCGFileContentBu
 }
 
 VelCGFile::~VelCGFile() {
+    endScriptAccess();
     // Once the file has been written, custom content that did not reach it
     // never will.
     if (!writingStarted_) return;
