@@ -75,6 +75,9 @@ namespace {
              {"Cycle", "{1}: {2}: cycle: {3}."},
              {"UnknownEnumerator", "{1}: {2}: \"{3}\" is not one of {4}."},
              {"InvalidValue", "{1}: {2}: {3}."},
+             {"NotAPlainFileName", "{1}: {2}: {3} is not a plain file name: {4}."},
+             {"SameFileName",
+              "{1}: {2}: {3} names the same file as {4} at {5} (file names are compared ignoring case)."},
              // {1} is the path of the file.
              {"ReadFailed", "Cannot read the model description \"{1}\": {2}."},
              {"WriteFailed", "Cannot write the model description \"{1}\": {2}."},

@@ -30,6 +30,7 @@
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/ModelParameter.hpp"
 #include "velcg/Parameter.hpp"
+#include "velcg/PlainFileName.hpp"
 #include "velcg/PlexoModule.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/PythonRuntime.hpp"
