@@ -11,7 +11,10 @@
 
 namespace VelCG {
 
-BlockHierarchyMap::~BlockHierarchyMap() { clearSubsystems(); }
+BlockHierarchyMap::~BlockHierarchyMap() {
+    endScriptAccess();
+    clearSubsystems();
+}
 
 const char* BlockHierarchyMap::getFullyQualifiedKorbTypeName() const { return "VelCG.BlockHierarchyMap"; }
 

@@ -137,6 +137,9 @@ CGModel::CGModel()
 // cannot throw (see detail::deleteAll). The hierarchy map, a member, goes
 // after the lists.
 CGModel::~CGModel() {
+    // Scripts on other threads lose every object reached through the model
+    // before any of them goes.
+    endScriptAccess();
     // A background pass may still be reading the elements deleted below.
     waitForSerialization();
     if (serializationError_) reportBackgroundFailure(std::exchange(serializationError_, nullptr));

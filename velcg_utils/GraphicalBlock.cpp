@@ -29,7 +29,8 @@ GraphicalBlock::GraphicalBlock(GraphicalBlockIF* impl) : impl_(impl) {
     if (!impl_) throwNullArgument("The implementation of a graphical block");
 }
 
-GraphicalBlock::~GraphicalBlock() = default;
+// The implementation, a member, holds what the block owns.
+GraphicalBlock::~GraphicalBlock() { endScriptAccess(); }
 
 const char* GraphicalBlock::getFullyQualifiedKorbTypeName() const { return "VelCG.GraphicalBlock"; }
 

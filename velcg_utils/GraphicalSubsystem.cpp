@@ -12,7 +12,10 @@
 
 namespace VelCG {
 
-GraphicalSubsystem::~GraphicalSubsystem() { clearBlocks(); }
+GraphicalSubsystem::~GraphicalSubsystem() {
+    endScriptAccess();
+    clearBlocks();
+}
 
 const char* GraphicalSubsystem::getFullyQualifiedKorbTypeName() const { return "VelCG.GraphicalSubsystem"; }
 

@@ -12,9 +12,19 @@
 #include <unordered_set>
 #include <vector>
 
+#include "vel/mi/Handle.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 
 namespace VelCG::detail {
+
+// Deletes an element that scripts may reach: its references die, and
+// accesses in flight end, before any of its members goes.
+template <class T>
+void deleteOwned(T* element) noexcept {
+    if constexpr (std::is_base_of_v<vel::mi::Handle, T>)
+        if (element) element->endScriptAccess();
+    delete element;
+}
 
 // Appends the element and takes its ownership. The pointer is released only
 // once the list has room, so a failed append leaves it with the caller.
@@ -48,7 +58,7 @@ void checkReplacement(const std::vector<T*>& current, const std::vector<T*>& giv
 template <class T>
 void deleteAll(std::vector<T*>& list) noexcept {
     static_assert(std::is_nothrow_destructible_v<T>, "owned elements must not throw from their destructor");
-    for (T* element : list) delete element;
+    for (T* element : list) deleteOwned(element);
     list.clear();
 }
 
@@ -60,7 +70,7 @@ void replaceOwned(std::vector<T*>& current, const std::vector<T*>& given) {
     std::vector<T*> replacement(given);
     const std::unordered_set<const T*> kept(given.begin(), given.end());
     for (T* element : current)
-        if (!kept.count(element)) delete element;
+        if (!kept.count(element)) deleteOwned(element);
     current.swap(replacement);
 }
 

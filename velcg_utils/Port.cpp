@@ -19,7 +19,10 @@
 
 namespace VelCG {
 
-Port::~Port() { detail::deleteAll(regions_); }
+Port::~Port() {
+    endScriptAccess();
+    detail::deleteAll(regions_);
+}
 
 const char* Port::getFullyQualifiedKorbTypeName() const { return "VelCG.Port"; }
 

@@ -4,6 +4,9 @@ namespace VelCG {
 
 // A background pass calls getName and getKordelVersion: wait for it while
 // the fields they read still exist.
-StoredCGModel::~StoredCGModel() { waitForSerialization(); }
+StoredCGModel::~StoredCGModel() {
+    endScriptAccess();
+    waitForSerialization();
+}
 
 } // namespace VelCG

@@ -11,7 +11,10 @@ namespace VelCG {
 
 ToAsyncQueueBlock::ToAsyncQueueBlock(GraphicalBlockIF* impl) : GraphicalBlock(impl) {}
 
-ToAsyncQueueBlock::~ToAsyncQueueBlock() { detail::deleteAll(leafElements_); }
+ToAsyncQueueBlock::~ToAsyncQueueBlock() {
+    endScriptAccess();
+    detail::deleteAll(leafElements_);
+}
 
 const char* ToAsyncQueueBlock::getFullyQualifiedKorbTypeName() const { return "VelCG.ToAsyncQueueBlock"; }
 

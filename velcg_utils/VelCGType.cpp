@@ -25,7 +25,10 @@ const T* elementAt(const std::vector<T*>& list, int index, const char* what) {
 
 } // namespace
 
-VelCGType::~VelCGType() { detail::deleteAll(members_); }
+VelCGType::~VelCGType() {
+    endScriptAccess();
+    detail::deleteAll(members_);
+}
 
 const char* VelCGType::getFullyQualifiedKorbTypeName() const { return "VelCG.VelCGType"; }
 

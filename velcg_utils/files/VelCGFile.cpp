@@ -44,6 +44,7 @@ VelCGFile::VelCGFile(const std::string& name, std::unique_ptr<VelCGFileContentBu
 }
 
 VelCGFile::~VelCGFile() {
+    endScriptAccess();
     try {
         reportWrittenFile();
     } catch (...) {

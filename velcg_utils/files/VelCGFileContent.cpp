@@ -132,6 +132,7 @@ void VelCGFileContent::setSection(VelCGFileSectionKind kind, std::unique_ptr<Fil
     if (!section)
         vel::diag::throwError("VelCG:VelCGFileContent:InvalidSlot",
                               {std::to_string(static_cast<int>(kind)), "the section is null"});
+    if (sections_[kind]) sections_[kind]->endScriptAccess();
     sections_[kind] = std::move(section);
 }
 

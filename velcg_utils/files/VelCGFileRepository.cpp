@@ -18,6 +18,7 @@ VelCGModuleFile* lookup(const boost::unordered_map<std::int32_t, VelCGModuleFile
 VelCGFileRepository::VelCGFileRepository() : bridge_(std::make_unique<FileRepScrivBridge>(*this)) {}
 
 VelCGFileRepository::~VelCGFileRepository() {
+    endScriptAccess();
     detail::deleteAll(files_);
     bridge_.reset();
 }

@@ -46,9 +46,14 @@ struct MethodInfo {
 // name.
 //
 // Objects are addressed by HandleRef or by a 1-by-1 host array of handles, as
-// scripts hold them. Every failure is a diagnostic (arguments in brackets):
-//   "Korb:InvalidHandle"           a null reference, a destroyed object, or a
-//                                  host array that is not exactly one object
+// scripts hold them. A read, write or call through a reference runs inside an
+// access (vel::mi::Access): another thread may destroy the object meanwhile,
+// and its destruction waits for the access to end. The members that take a
+// Handle& do not: the caller keeps that object alive. Every failure is a
+// diagnostic (arguments in brackets):
+//   "Korb:InvalidHandle"           a null or dead reference (its object has
+//                                  begun to die or its lifetime has ended), or
+//                                  a host array that is not exactly one object
 //   "Korb:UnknownClass"            the object's class is not registered (class)
 //   "Korb:UnknownProperty"         no such property (name, class)
 //   "Korb:UnknownMethod"           no such method (name, class)

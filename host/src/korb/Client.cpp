@@ -16,8 +16,9 @@ namespace korb {
 namespace {
 [[noreturn]] void invalidHandle() { vel::diag::throwError("Korb:InvalidHandle", {}); }
 
-inline vel::mi::Handle& live(const vel::mi::HandleRef& ref) {
-    vel::mi::Handle* h = ref.get();
+// The object of an open access, which keeps it from being freed meanwhile.
+inline vel::mi::Handle& live(const vel::mi::Access& access) {
+    vel::mi::Handle* h = access.object();
     if (!h) invalidHandle();
     return *h;
 }
@@ -191,7 +192,8 @@ const std::string& Client::getPropertyType(const vel::mi::Handle& object, const 
 }
 
 tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string& name) const {
-    vel::mi::Handle& object = live(ref);
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
     // The common read, straight through the class's resolved entry.
     const char* typeName = object.getFullyQualifiedKorbTypeName();
     const auto* entry = system_.typeNames_->find(typeName);
@@ -207,7 +209,8 @@ void Client::enter(const vel::mi::Handle& object) const {
 }
 
 Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string& name) const {
-    vel::mi::Handle& object = live(ref);
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
     const auto& property = requireProperty(*this, object, name);
     enter(object);
     return property.getter->getValue(object);
@@ -215,7 +218,8 @@ Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string&
 
 void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
                          const tuvArray& value) const {
-    vel::mi::Handle& object = live(ref);
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
     const auto& prop = requireProperty(*this, object, name);
     const std::string& cls = classOf(object).getQualifiedName();
     if (prop.isReadOnly()) vel::diag::throwError("Korb:ReadOnlyProperty", {name, cls});
@@ -233,7 +237,8 @@ void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
 
 tuvArrayPtr Client::callMethod(const vel::mi::HandleRef& ref, const std::string& name,
                                const std::vector<tuvArrayPtr>& args) const {
-    vel::mi::Handle& object = live(ref);
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
     const auto& method = requireMethod(*this, object, name);
     enter(object);
     try {

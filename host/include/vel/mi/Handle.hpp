@@ -1,8 +1,11 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 
 #include "vel/HostExport.hpp"
+#include "vel/mi/Lifetime.hpp"
 
 class tuvArray;
 
@@ -10,16 +13,31 @@ namespace vel::mi {
 
 class Handle;
 
+namespace detail {
+// What the references to one object share: the object, until it begins to
+// die, and the lifetime of references made from it directly.
+struct Anchor {
+    explicit Anchor(Handle* h) : object(h) {}
+    std::atomic<Handle*> object;
+    Lifetime own;
+};
+} // namespace detail
+
 // A script-side reference to a native handle object. It does not own the
-// object: when the object is destroyed every reference to it turns null, so a
-// host script that kept a reference past the object's life gets a diagnostic
-// instead of touching freed memory.
+// object: once the object begins to die, or the lifetime the reference
+// belongs to ends (see Lifetime), it reads as null, so that a host script
+// that kept a reference gets a diagnostic instead of touching freed memory.
 class VELHOST_API HandleRef {
 public:
     HandleRef() = default;
 
-    // Null when the object has been destroyed (or for a default reference).
-    Handle* get() const { return anchor_ ? *anchor_ : nullptr; }
+    // Null when the reference is dead (or for a default reference). Use the
+    // object only inside an Access on this reference, or where no other
+    // thread can destroy it.
+    Handle* get() const {
+        if (!anchor_ || lifetime_->hasEnded()) return nullptr;
+        return anchor_->object.load(std::memory_order_seq_cst);
+    }
     explicit operator bool() const { return get() != nullptr; }
 
     // Two references are equal when they were taken from the same object.
@@ -27,19 +45,24 @@ public:
     // Equal for references to the same object and stable for the life of
     // any reference to it, dead or alive: a key for hashing references.
     const void* identity() const { return anchor_.get(); }
+    // Null for a default reference.
+    const std::shared_ptr<Lifetime>& lifetime() const { return lifetime_; }
 
 private:
     friend class Handle;
-    explicit HandleRef(std::shared_ptr<Handle*> anchor) : anchor_(std::move(anchor)) {}
-    std::shared_ptr<Handle*> anchor_;
+    HandleRef(std::shared_ptr<detail::Anchor> anchor, std::shared_ptr<Lifetime> lifetime)
+        : anchor_(std::move(anchor)), lifetime_(std::move(lifetime)) {}
+    std::shared_ptr<detail::Anchor> anchor_;
+    std::shared_ptr<Lifetime> lifetime_;
 };
 
 // Base of every native class that host scripts can reach through the object
 // system. A handle's identity is the object itself: copying a handle object
 // copies its data, never its identity or its lock state.
 //
-// Not thread-safe: handles are created, scripted and destroyed on the host's
-// thread.
+// Not thread-safe, except for references: a handle is built and changed on
+// one thread at a time, but references to it may be made and used on any
+// thread, and its destruction waits for their accesses (endScriptAccess).
 class VELHOST_API Handle {
 public:
     Handle() = default;
@@ -71,12 +94,33 @@ public:
     virtual void unlock();
     bool isLocked() const { return lockCount_ > 0; }
 
-    // A non-owning reference for host values; see HandleRef.
+    // A non-owning reference for host values; see HandleRef. It belongs to
+    // the lifetime of the thread's open Access, or else to the object's own.
     HandleRef makeRef() const;
+    HandleRef makeRef(std::shared_ptr<Lifetime> lifetime) const;
+    // The lifetime of the references made from this object outside any
+    // access; it ends when endScriptAccess is called.
+    std::shared_ptr<Lifetime> getOwnLifetime() const;
+
+    // Makes every reference to this object dead, ends its own lifetime and
+    // waits for the accesses in flight (see Access), after which the object
+    // may be freed. An owner calls it on an element before deleting it, and
+    // as the first step of its own destructor, so that nothing it frees is
+    // reached meanwhile; ~Handle calls it for every other object. Calling it
+    // again does nothing; without a reference ever made it costs one
+    // atomic operation.
+    void endScriptAccess() noexcept;
 
 private:
-    mutable std::shared_ptr<Handle*> anchor_;
+    // The anchor of this object's references, made by the first reference.
+    std::shared_ptr<detail::Anchor> anchor() const;
+
+    enum AnchorState : std::uint8_t { kNoAnchor, kMakingAnchor, kAnchored, kEnded };
+
+    // Written once, before anchorState_ turns kAnchored.
+    mutable std::shared_ptr<detail::Anchor> anchor_;
     int lockCount_ = 0;
+    mutable std::atomic<std::uint8_t> anchorState_{kNoAnchor};
 };
 
 } // namespace vel::mi
