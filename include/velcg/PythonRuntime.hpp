@@ -41,8 +41,10 @@ namespace VelCG {
 class VELCG_PYTHON_API PythonRuntime {
 public:
     // Names and values a template finds among its globals. Objects are
-    // passed by reference and are not owned: a template that keeps one past
-    // the object's life gets velcg.Error ("Korb:InvalidHandle") on use.
+    // passed by reference and are not owned. They, and every object reached
+    // through them, serve the template only while it runs: afterwards (or
+    // once the object begins to die) any use, from any thread the template
+    // left running, raises velcg.Error ("Korb:InvalidHandle").
     class VELCG_PYTHON_API Globals {
     public:
         Globals& add(std::string name, vel::mi::Handle& object);

@@ -59,29 +59,41 @@ namespace VelCG::python {
 namespace {
 
 // The bridge of a repository that scripts hold by reference: every call
-// resolves the repository again, so one that has died raises instead of
-// touching freed memory.
+// resolves the repository again, inside an access, so that one that has died
+// raises instead of touching freed memory, and one that dies meanwhile waits
+// for the call. Python values are converted outside the access.
 struct BridgeState {
     vel::mi::HandleRef repository;
 
-    VelCGFileRepository& repositoryObject() const {
+    // f(the repository), returning a copy of what f returns.
+    template <class F>
+    auto with(F&& f) const {
+        const vel::mi::Access access(repository);
         // Checked to be a repository when the bridge was made.
-        return dynamic_cast<VelCGFileRepository&>(live(repository));
+        return f(dynamic_cast<VelCGFileRepository&>(live(access)));
     }
-    FileRepScrivBridge& bridge() const { return repositoryObject().scrivBridge(); }
+    template <class F>
+    auto withBridge(F&& f) const {
+        return with([&](VelCGFileRepository& r) -> decltype(auto) { return f(r.scrivBridge()); });
+    }
 };
 
 struct CustomContentsState {
     vel::mi::HandleRef file;
-    CustomContents& contents() const { return dynamic_cast<VelCGFile&>(live(file)).getCustomContent(); }
+
+    template <class F>
+    auto with(F&& f) const {
+        const vel::mi::Access access(file);
+        return f(dynamic_cast<VelCGFile&>(live(access)).getCustomContent());
+    }
 };
 
 BridgeState makeBridge(py::handle repository) {
     if (!py::isinstance<ObjectState>(repository))
         vel::diag::throwError("VelCG:Python:NotARepository", {describePython(repository)});
     const ObjectState& state = stateOf(repository);
-    vel::mi::Handle& object = live(state.ref);
-    if (!dynamic_cast<VelCGFileRepository*>(&object))
+    const vel::mi::Access access(state.ref);
+    if (!dynamic_cast<VelCGFileRepository*>(&live(access)))
         vel::diag::throwError("VelCG:Python:NotARepository", {state.className});
     return BridgeState{state.ref};
 }
@@ -108,10 +120,11 @@ std::string bytesOf(py::handle str) {
 
 void setAttribute(const BridgeState& self, FileIndex fileIndex, const std::string& name, py::handle value) {
     if (PyBool_Check(value.ptr())) {
-        self.bridge().setAttribute(fileIndex, name, value.ptr() == Py_True);
+        const bool flag = value.ptr() == Py_True;
+        self.withBridge([&](FileRepScrivBridge& b) { b.setAttribute(fileIndex, name, flag); });
     } else if (PyUnicode_Check(value.ptr())) {
         const std::string bytes = bytesOf(value);
-        self.bridge().setAttribute(fileIndex, name, bytes.c_str());
+        self.withBridge([&](FileRepScrivBridge& b) { b.setAttribute(fileIndex, name, bytes.c_str()); });
     } else {
         wrongArgument("setAttribute", "a bool or a str", value);
     }
@@ -125,22 +138,21 @@ std::string contentOf(const char* operation, py::handle content) {
 
 void addSectionContent(const BridgeState& self, FileIndex fileIndex, const std::string& section,
                        py::handle content) {
-    self.bridge().addSectionContent(
-        fileIndex, section,
-        boost::make_shared<StringFileSectionFragment>(contentOf("addSectionContent", content)));
+    auto fragment = boost::make_shared<StringFileSectionFragment>(contentOf("addSectionContent", content));
+    self.withBridge([&](FileRepScrivBridge& b) { b.addSectionContent(fileIndex, section, fragment); });
 }
 
 // Writes through a C stream on a duplicate of the file's descriptor, so the
 // bytes go straight to the file; afterwards the Python file object is moved
 // to where the writing ended, so the script can go on writing its own bytes.
-void writeToDescriptor(FileRepScrivBridge& bridge, std::int32_t fileIndex, const std::string& section,
+void writeToDescriptor(const BridgeState& self, std::int32_t fileIndex, const std::string& section,
                        py::handle file, int fd) {
     file.attr("flush")();
     std::FILE* stream = vel::io::openDuplicateForWriting(fd);
     if (!stream)
         vel::diag::throwError("VelCG:Python:CannotWrite", {section, "the file is not open for writing"});
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(stream, &std::fclose);
-    bridge.writeSection(fileIndex, section, stream);
+    self.withBridge([&](FileRepScrivBridge& b) { b.writeSection(fileIndex, section, stream); });
     if (std::fflush(stream) != 0 || std::ferror(stream))
         vel::diag::throwError("VelCG:Python:CannotWrite", {section, "the stream reported an error"});
     if (std::fclose(closer.release()) != 0)
@@ -154,12 +166,12 @@ void writeToDescriptor(FileRepScrivBridge& bridge, std::int32_t fileIndex, const
 
 // For file objects without a descriptor (io.BytesIO, ...): the section is
 // written to a temporary C stream and its bytes handed to file.write.
-void writeThroughBuffer(FileRepScrivBridge& bridge, std::int32_t fileIndex, const std::string& section,
+void writeThroughBuffer(const BridgeState& self, std::int32_t fileIndex, const std::string& section,
                         py::handle file) {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::tmpfile(), &std::fclose);
     if (!stream)
         vel::diag::throwError("VelCG:Python:CannotWrite", {section, "no temporary file can be created"});
-    bridge.writeSection(fileIndex, section, stream.get());
+    self.withBridge([&](FileRepScrivBridge& b) { b.writeSection(fileIndex, section, stream.get()); });
     const long size = std::ftell(stream.get());
     std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
     std::rewind(stream.get());
@@ -170,7 +182,7 @@ void writeThroughBuffer(FileRepScrivBridge& bridge, std::int32_t fileIndex, cons
 }
 
 void writeSection(const BridgeState& self, FileIndex fileIndex, const std::string& section, py::handle file) {
-    FileRepScrivBridge& bridge = self.bridge();
+    requireLive(self.repository);
     py::module_ io = py::module_::import("io");
     if (py::isinstance(file, io.attr("TextIOBase")) || !py::hasattr(file, "write"))
         vel::diag::throwError("VelCG:Python:NotABinaryFile", {section, describePython(file)});
@@ -184,9 +196,9 @@ void writeSection(const BridgeState& self, FileIndex fileIndex, const std::strin
         }
     }
     if (fd >= 0)
-        writeToDescriptor(bridge, fileIndex, section, file, fd);
+        writeToDescriptor(self, fileIndex, section, file, fd);
     else
-        writeThroughBuffer(bridge, fileIndex, section, file);
+        writeThroughBuffer(self, fileIndex, section, file);
 }
 
 } // namespace
@@ -197,61 +209,78 @@ void defineBridge(py::module_& module) {
     py::class_<Contents>(module, contents, nativeInstancesOnly(), classDoc(contents))
         .def(
             "isCustomSection",
-            [](const Contents& c, const std::string& name) { return c.contents().isCustomSection(name); },
+            [](const Contents& c, const std::string& name) {
+                return c.with([&](CustomContents& cc) { return cc.isCustomSection(name); });
+            },
             py::arg("name"), operationDoc(contents, "isCustomSection"))
         .def(
             "addContentToSection",
             [](const Contents& c, const std::string& name, py::handle content) {
-                c.contents().addContentToSection(name, contentOf("addContentToSection", content));
+                const std::string bytes = contentOf("addContentToSection", content);
+                c.with([&](CustomContents& cc) { cc.addContentToSection(name, bytes); });
             },
             py::arg("name"), py::arg("content"), operationDoc(contents, "addContentToSection"))
         .def(
             "getCustomSectionContent",
             [](const Contents& c, const std::string& name, const std::string& context) {
-                return text(c.contents().getCustomSectionContent(name, context));
+                return text(
+                    c.with([&](CustomContents& cc) { return cc.getCustomSectionContent(name, context); }));
             },
             py::arg("name"), py::arg("context"), operationDoc(contents, "getCustomSectionContent"))
         .def(
             "setCustomTokenInUse",
-            [](const Contents& c, const std::string& name) { c.contents().setCustomTokenInUse(name); },
+            [](const Contents& c, const std::string& name) {
+                c.with([&](CustomContents& cc) { cc.setCustomTokenInUse(name); });
+            },
             py::arg("name"), operationDoc(contents, "setCustomTokenInUse"));
 
     using B = BridgeState;
+    using Scriv = FileRepScrivBridge;
     const char* const bridge = "Bridge";
     py::class_<B>(module, bridge, nativeInstancesOnly(), classDoc(bridge))
         .def(
             "isBooleanAttribute",
-            [](const B& b, const std::string& name) { return b.bridge().isBooleanAttribute(name); },
+            [](const B& b, const std::string& name) {
+                return b.withBridge([&](Scriv& s) { return s.isBooleanAttribute(name); });
+            },
             py::arg("name"), operationDoc(bridge, "isBooleanAttribute"))
         .def(
             "isStringAttribute",
-            [](const B& b, const std::string& name) { return b.bridge().isStringAttribute(name); },
+            [](const B& b, const std::string& name) {
+                return b.withBridge([&](Scriv& s) { return s.isStringAttribute(name); });
+            },
             py::arg("name"), operationDoc(bridge, "isStringAttribute"))
         .def(
             "isStringArrayAttribute",
-            [](const B& b, const std::string& name) { return b.bridge().isStringArrayAttribute(name); },
+            [](const B& b, const std::string& name) {
+                return b.withBridge([&](Scriv& s) { return s.isStringArrayAttribute(name); });
+            },
             py::arg("name"), operationDoc(bridge, "isStringArrayAttribute"))
         .def(
             "isFileSectionAttribute",
-            [](const B& b, const std::string& name) { return b.bridge().isFileSectionAttribute(name); },
+            [](const B& b, const std::string& name) {
+                return b.withBridge([&](Scriv& s) { return s.isFileSectionAttribute(name); });
+            },
             py::arg("name"), operationDoc(bridge, "isFileSectionAttribute"))
         .def(
             "getBooleanAttribute",
             [](const B& b, FileIndex i, const std::string& name) {
-                return b.bridge().getBooleanAttribute(i, name);
+                return b.withBridge([&](Scriv& s) { return s.getBooleanAttribute(i, name); });
             },
             py::arg("fileIndex"), py::arg("name"), operationDoc(bridge, "getBooleanAttribute"))
         .def(
             "getStringAttribute",
             [](const B& b, FileIndex i, const std::string& name) {
-                return text(b.bridge().getStringAttribute(i, name));
+                return text(b.withBridge([&](Scriv& s) { return s.getStringAttribute(i, name); }));
             },
             py::arg("fileIndex"), py::arg("name"), operationDoc(bridge, "getStringAttribute"))
         .def(
             "getStringArrayAttribute",
             [](const B& b, FileIndex i, const std::string& name) {
+                const std::vector<std::string> values =
+                    b.withBridge([&](Scriv& s) { return s.getStringArrayAttribute(i, name); });
                 py::list out;
-                for (const std::string& s : b.bridge().getStringArrayAttribute(i, name)) out.append(text(s));
+                for (const std::string& v : values) out.append(text(v));
                 return out;
             },
             py::arg("fileIndex"), py::arg("name"), operationDoc(bridge, "getStringArrayAttribute"))
@@ -261,29 +290,32 @@ void defineBridge(py::module_& module) {
              py::arg("content"), operationDoc(bridge, "addSectionContent"))
         .def(
             "addCustomSection",
-            [](const BridgeState& b, FileIndex i, const std::string& builtin, const std::string& custom) {
-                b.bridge().addCustomSection(i, builtin, custom);
+            [](const B& b, FileIndex i, const std::string& builtin, const std::string& custom) {
+                b.withBridge([&](Scriv& s) { s.addCustomSection(i, builtin, custom); });
             },
             py::arg("fileIndex"), py::arg("builtinSectionName"), py::arg("customSectionName"),
             operationDoc(bridge, "addCustomSection"))
         .def(
             "appendMissingTokens",
-            [](const BridgeState& b, FileIndex i, const std::string& section) {
-                b.bridge().appendMissingTokens(i, section);
+            [](const B& b, FileIndex i, const std::string& section) {
+                b.withBridge([&](Scriv& s) { s.appendMissingTokens(i, section); });
             },
             py::arg("fileIndex"), py::arg("sectionName"), operationDoc(bridge, "appendMissingTokens"))
         .def("writeSection", &writeSection, py::arg("fileIndex"), py::arg("sectionName"), py::arg("file"),
              operationDoc(bridge, "writeSection"))
         .def(
             "customContents",
-            [](const BridgeState& b, FileIndex i) {
-                return CustomContentsState{b.bridge().getFileFromIndex(i).makeRef()};
+            [](const B& b, FileIndex i) {
+                // Made inside the access: the file's reference dies with the repository's.
+                return b.withBridge(
+                    [&](Scriv& s) { return CustomContentsState{s.getFileFromIndex(i).makeRef()}; });
             },
             py::arg("fileIndex"), operationDoc(bridge, "customContents"))
         .def_property_readonly(
             "numberOfFiles",
-            [](const BridgeState& b) {
-                return static_cast<std::int32_t>(b.repositoryObject().getFileList().size());
+            [](const B& b) {
+                return b.with(
+                    [](VelCGFileRepository& r) { return static_cast<std::int32_t>(r.getFileList().size()); });
             },
             operationDoc(bridge, "numberOfFiles"));
 

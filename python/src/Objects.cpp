@@ -4,6 +4,7 @@
 #include <pybind11/stl.h>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "Values.hpp"
@@ -218,7 +219,12 @@ py::object pythonClassFor(const vel::mi::HandleClass& cls) {
     return type;
 }
 
-const vel::mi::HandleClass& classOfLive(const vel::mi::Handle& object) { return client().classOf(object); }
+// The class of the object, looked up inside an access: its type name is
+// read from the object itself.
+const vel::mi::HandleClass& classOfRef(const vel::mi::HandleRef& ref) {
+    const vel::mi::Access access(ref);
+    return client().classOf(live(access));
+}
 
 [[noreturn]] void rethrowConversion(const WrongPythonType& e, const std::string& identifier,
                                     std::vector<std::string> leading) {
@@ -229,8 +235,7 @@ const vel::mi::HandleClass& classOfLive(const vel::mi::Handle& object) { return 
 
 py::object getAttribute(py::handle target, const std::string& name) {
     const ObjectState& self = stateOf(target);
-    vel::mi::Handle& object = live(self.ref);
-    const vel::mi::HandleClass& cls = classOfLive(object);
+    const vel::mi::HandleClass& cls = classOfRef(self.ref);
     if (const auto* property = client().findProperty(cls, name)) {
         const tuvArrayPtr value = client().getProperty(self.ref, name);
         return toPython(*value, shapeOf(property->getter->hostTypeName(),
@@ -244,8 +249,7 @@ py::object getAttribute(py::handle target, const std::string& name) {
 }
 
 void setAttribute(const ObjectState& self, const std::string& name, py::handle value) {
-    vel::mi::Handle& object = live(self.ref);
-    const vel::mi::HandleClass& cls = classOfLive(object);
+    const vel::mi::HandleClass& cls = classOfRef(self.ref);
     const auto* property = client().findProperty(cls, name);
     if (!property) vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
     // A read-only property: the client refuses any value with its own message.
@@ -260,8 +264,7 @@ void setAttribute(const ObjectState& self, const std::string& name, py::handle v
 }
 
 py::object callMethod(const BoundMethod& self, py::args args) {
-    vel::mi::Handle& object = live(self.ref);
-    const vel::mi::HandleClass& cls = classOfLive(object);
+    const vel::mi::HandleClass& cls = classOfRef(self.ref);
     const auto* method = client().findMethod(cls, self.name);
     if (!method) vel::diag::throwError("Korb:UnknownMethod", {self.name, cls.getQualifiedName()});
     const auto& types = method->binder->argumentTypes();
@@ -285,7 +288,8 @@ py::object callMethod(const BoundMethod& self, py::args args) {
 }
 
 std::vector<std::string> memberNames(py::handle target) {
-    const vel::mi::Handle& object = live(stateOf(target).ref);
+    const vel::mi::Access access(stateOf(target).ref);
+    const vel::mi::Handle& object = live(access);
     std::vector<std::string> names = client().getPropertyNames(object);
     for (std::string& m : client().getMethodNames(object)) names.push_back(std::move(m));
     return names;
@@ -297,12 +301,18 @@ bool sameObject(py::handle self, py::handle other) {
     return py::isinstance<ObjectState>(other) && state.ref.sameObject(stateOf(other).ref);
 }
 
+// The state wrap() is making an object for, on this thread. Its capsule
+// carries nothing else: a capsule that a script kept cannot pass for it.
+thread_local const ObjectState* wrapping = nullptr;
+constexpr const char* kWrappingCapsule = "velcg.ObjectState";
+
 ObjectState fromCapsule(const py::capsule& capsule) {
-    if (std::string(capsule.name() ? capsule.name() : "") != "vel.mi.Handle")
-        vel::diag::throwError("VelCG:Python:NotAHandleCapsule", {capsule.name() ? capsule.name() : ""});
+    const std::string name = capsule.name() ? capsule.name() : "";
+    if (name == kWrappingCapsule && wrapping && capsule.get_pointer() == wrapping) return *wrapping;
+    if (name != "vel.mi.Handle") vel::diag::throwError("VelCG:Python:NotAHandleCapsule", {name});
     auto* handle = static_cast<vel::mi::Handle*>(capsule.get_pointer());
     if (!handle) vel::diag::throwError("Korb:InvalidHandle", {});
-    classOfLive(*handle);
+    client().classOf(*handle);
     return ObjectState{handle->makeRef(), handle->getFullyQualifiedKorbTypeName()};
 }
 
@@ -327,19 +337,32 @@ py::custom_type_setup nativeInstancesOnly() {
         [](PyHeapTypeObject* type) { type->ht_type.tp_flags |= Py_TPFLAGS_DISALLOW_INSTANTIATION; });
 }
 
-vel::mi::Handle& live(const vel::mi::HandleRef& ref) {
-    vel::mi::Handle* object = ref.get();
+vel::mi::Handle& live(const vel::mi::Access& access) {
+    vel::mi::Handle* object = access.object();
     if (!object) vel::diag::throwError("Korb:InvalidHandle", {});
     return *object;
 }
 
+void requireLive(const vel::mi::HandleRef& ref) {
+    if (!ref) vel::diag::throwError("Korb:InvalidHandle", {});
+}
+
 py::object wrap(const vel::mi::HandleRef& ref) {
-    vel::mi::Handle* object = ref.get();
-    if (!object) return py::none();
+    if (!ref.identity()) return py::none();
     // An embedding runtime may wrap its globals before a script imported the module.
     if (!objectBaseType()) py::module_::import("velcg");
-    py::object type = pythonClassFor(classOfLive(*object));
-    return type(py::capsule(static_cast<void*>(object), "vel.mi.Handle"));
+    const vel::mi::HandleClass& cls = classOfRef(ref);
+    const ObjectState state{ref, cls.getQualifiedName()};
+    py::object type = pythonClassFor(cls);
+    const ObjectState* outer = std::exchange(wrapping, &state);
+    try {
+        py::object object = type(py::capsule(const_cast<ObjectState*>(&state), kWrappingCapsule));
+        wrapping = outer;
+        return object;
+    } catch (...) {
+        wrapping = outer;
+        throw;
+    }
 }
 
 void releaseObjects() {
@@ -431,7 +454,7 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
         .def("__repr__", [](const HostValue& v) { return "<" + v.value->describe() + ">"; });
 
     module.def(
-        "classOf", [](py::handle obj) { return classOfLive(live(stateOf(obj).ref)).getQualifiedName(); },
+        "classOf", [](py::handle obj) { return classOfRef(stateOf(obj).ref).getQualifiedName(); },
         py::arg("obj"), operationDoc("", "classOf"));
 
     propertyDescriptorType() = makePropertyDescriptorType();
@@ -443,7 +466,7 @@ once that is destroyed, every use raises velcg.Error ("Korb:InvalidHandle").)");
              [](const MethodDescriptor& self, py::handle target, py::handle) -> py::object {
                  if (target.is_none()) return py::cast(self);
                  const ObjectState& state = stateOf(target);
-                 live(state.ref);
+                 requireLive(state.ref);
                  return py::cast(BoundMethod{state.ref, state.className, self.name, self.doc});
              })
         // Called on an object, as Class.method(obj, ...), it calls the

@@ -51,8 +51,13 @@ const ObjectState& stateOf(py::handle target);
 // meets an instance that was never initialized.
 py::custom_type_setup nativeInstancesOnly();
 
-// The live native object, or "Korb:InvalidHandle".
-vel::mi::Handle& live(const vel::mi::HandleRef& ref);
+// The object of an open access, or "Korb:InvalidHandle". Native objects are
+// used only inside an access (see vel::mi::Access), and no Python code runs
+// inside one: a thread that destroys objects while it holds the interpreter
+// lock waits for the accesses of the others.
+vel::mi::Handle& live(const vel::mi::Access& access);
+// Raises "Korb:InvalidHandle" when the reference is dead.
+void requireLive(const vel::mi::HandleRef& ref);
 
 void defineObjects(py::module_& module);
 // Drops the references to the module's classes that defineObjects keeps.

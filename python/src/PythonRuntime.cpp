@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <mutex>
 #include <pybind11/embed.h>
 #include <sstream>
@@ -11,6 +12,7 @@
 #include "Module.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/mi/Handle.hpp"
+#include "vel/mi/Lifetime.hpp"
 
 // The module is built in, so `import velcg` in a template finds this copy.
 PYBIND11_EMBEDDED_MODULE(velcg, module) { VelCG::python::defineModule(module); }
@@ -150,6 +152,16 @@ void run(const std::string& source, const std::string& fileName, const std::stri
          const PythonRuntime::Globals& given, std::vector<std::string>* dependencies) {
     ensureStarted();
     py::gil_scoped_acquire gil;
+    // The objects the template reaches belong to this run: when it returns,
+    // threads it left running get "Korb:InvalidHandle" from them, and so
+    // does anything it kept. A global that dies first ends the run's reach too.
+    const auto reach = vel::mi::Lifetime::make();
+    struct EndReach {
+        const std::shared_ptr<vel::mi::Lifetime>& reach;
+        // With the interpreter lock held no other Python thread is inside
+        // an access, so ending waits for nothing but native threads.
+        ~EndReach() { reach->end(); }
+    } endReach{reach};
     if (dependencies) dependencyRecorder().attr("recording") = py::set();
     // Stops recording however the template ends, and hands over what it read.
     auto finishRecording = [&] {
@@ -174,7 +186,8 @@ void run(const std::string& source, const std::string& fileName, const std::stri
         for (const auto& entry : given.entries()) {
             switch (entry.kind) {
                 case PythonRuntime::Globals::Entry::Kind::Object:
-                    globals[entry.name.c_str()] = python::wrap(entry.object->makeRef());
+                    entry.object->getOwnLifetime()->addDependent(reach);
+                    globals[entry.name.c_str()] = python::wrap(entry.object->makeRef(reach));
                     break;
                 case PythonRuntime::Globals::Entry::Kind::Text:
                     globals[entry.name.c_str()] = py::str(entry.text);
