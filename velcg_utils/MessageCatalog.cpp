@@ -133,6 +133,11 @@ const std::vector<MessageEntry>& messageEntries() {
         {"VelCG:ModelDescription:Cycle", "{1}: {2}: cycle: {3}.", nullptr, kError},
         {"VelCG:ModelDescription:UnknownEnumerator", "{1}: {2}: \"{3}\" is not one of {4}.", nullptr, kError},
         {"VelCG:ModelDescription:InvalidValue", "{1}: {2}: {3}.", nullptr, kError},
+        {"VelCG:ModelDescription:NotAPlainFileName", "{1}: {2}: {3} is not a plain file name: {4}.",
+         "A file name names one file inside the output directory: no folders, '..' or drive letters.", kError},
+        {"VelCG:ModelDescription:SameFileName",
+         "{1}: {2}: {3} names the same file as {4} at {5} (file names are compared ignoring case).",
+         "Rename one of the two: on Windows and macOS they would be one file.", kError},
         // {1} is the path of the file.
         {"VelCG:ModelDescription:ReadFailed", "Cannot read the model description \"{1}\": {2}.", nullptr,
          kError},

@@ -32,6 +32,7 @@
 #include "velcg/ModelParameter.hpp"
 #include "velcg/OutputDirectory.hpp"
 #include "velcg/Parameter.hpp"
+#include "velcg/PlainFileName.hpp"
 #include "velcg/PlexoModule.hpp"
 #include "velcg/Port.hpp"
 #include "velcg/PythonRuntime.hpp"

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 
 #include "description/DescriptionReader.hpp"
 #include "description/DescriptionWriter.hpp"
@@ -13,6 +14,7 @@
 #include "description/Fields.hpp"
 #include "description/JsonText.hpp"
 #include "vel/diag/Diagnostic.hpp"
+#include "velcg/PlainFileName.hpp"
 #include "velcg/StoredCGModel.hpp"
 #include "velcg/VelCGFileRepository.hpp"
 
@@ -37,6 +39,28 @@ constexpr const char* kWholeDocument = "(the whole document)";
 bool isOurs(const vel::diag::Exception& e) { return e.identifier().rfind("VelCG:ModelDescription:", 0) == 0; }
 
 std::string systemError() { return errno ? std::strerror(errno) : "unknown error"; }
+
+// A file name as messages quote it, escaped.
+std::string quotedName(const std::string& name) {
+    return Json(name).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+// The files are written into one output directory: each name is plain and
+// names a file of its own there, also where case is ignored.
+void checkFileNames(const DescriptionReader& reader, const std::vector<ModelFileDescription>& files) {
+    std::map<std::string, std::size_t> byKey;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const std::string& name = files[i].name;
+        const Place place = Place() / kFilesKey / i / "name";
+        if (const auto problem = plainFileNameProblem(name))
+            reader.fail(key::kNotAPlainFileName, place, {quotedName(name), *problem});
+        const auto [first, added] = byKey.emplace(fileNameFoldKey(name), i);
+        if (!added)
+            reader.fail(key::kSameFileName, place,
+                        {quotedName(name), quotedName(files[first->second].name),
+                         (Place() / kFilesKey / first->second / "name").pointer()});
+    }
+}
 
 // Reads the document into a model. Everything is built into objects the
 // model owns as soon as they exist, so that a failure frees all of it.
@@ -70,6 +94,7 @@ ModelDescription read(const Json& document, const std::string& sourceName) {
             files.push_back(std::move(file));
         }
     }
+    checkFileNames(reader, files);
     reader.runDeferred();
     checkGraphicalSources(reader, *model);
     checkTypeChains(reader, *model);
@@ -125,6 +150,9 @@ std::string ModelDescription::toText(const CGModel& model, const std::vector<Mod
         Json list = Json::array();
         for (std::size_t i = 0; i < files.size(); ++i) {
             const ModelFileDescription none;
+            if (const auto problem = plainFileNameProblem(files[i].name))
+                writer.fail(Place() / kFilesKey / i / "name",
+                            quotedName(files[i].name) + " is not a plain file name: " + *problem);
             list.push_back(fileFields().write(writer, files[i], none, Place() / kFilesKey / i));
         }
         if (!list.empty()) document[kFilesKey] = std::move(list);

@@ -1,11 +1,13 @@
 // Bad input to the model description reader, and models the writer cannot
 // describe: each a "VelCG:ModelDescription:" diagnostic naming the place.
 #include <cmath>
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
 #include <vector>
 
+#include "RefusedFileNames.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModelFactory.hpp"
@@ -227,6 +229,50 @@ TEST(ModelDescription, RefusesBadInputNamingThePlace) {
         if (c.message) {
             EXPECT_EQ(c.message, outcome.message) << c.what;
         }
+    }
+}
+
+// A JSON string literal of any bytes.
+std::string jsonString(const std::string& text) {
+    std::string out = "\"";
+    for (const char c : text) {
+        char escaped[8];
+        if (c == '"' || c == '\\')
+            out += {'\\', c};
+        else if (static_cast<unsigned char>(c) < 0x20)
+            out.append(escaped,
+                       static_cast<std::size_t>(std::snprintf(escaped, sizeof escaped, "\\u%04x", c)));
+        else
+            out += c;
+    }
+    return out + "\"";
+}
+
+TEST(ModelDescription, RefusesFileNamesThatAreNotPlainNamesOfOneDirectory) {
+    for (const auto& [name, reason] : testing_support::refusedFileNames()) {
+        const Outcome outcome =
+            outcomeOf(doc(R"("files": [{"kind": "Generic", "name": "ok.c"}, {"kind": "Generic", "name": )" +
+                          jsonString(name) + "}]"));
+        EXPECT_EQ("VelCG:ModelDescription:NotAPlainFileName", outcome.identifier) << jsonString(name);
+        EXPECT_EQ("/files/1/name", outcome.place) << jsonString(name);
+        EXPECT_NE(std::string::npos, outcome.message.find(std::string("is not a plain file name: ") + reason))
+            << outcome.message;
+    }
+    // Two names of one file where case is ignored.
+    const Outcome same = outcomeOf(doc(R"("files": [{"kind": "Generic", "name": "Model.c"},
+        {"kind": "Generic", "name": "main.c"}, {"kind": "DataTypes", "name": "MODEL.C"}])"));
+    EXPECT_EQ("VelCG:ModelDescription:SameFileName", same.identifier);
+    EXPECT_EQ(
+        "bad.json: /files/2/name: \"MODEL.C\" names the same file as \"Model.c\" at /files/0/name (file "
+        "names are compared ignoring case).",
+        same.message);
+    // Nor does the writer describe one.
+    try {
+        ModelDescription::toText(StoredCGModel(), {{ModelFileDescription::Kind::Generic, "../x.c", {}}});
+        ADD_FAILURE() << "described";
+    } catch (const vel::diag::Exception& e) {
+        EXPECT_EQ("VelCG:ModelDescription:NotDescribable", e.identifier());
+        EXPECT_EQ("/files/0/name", e.arguments().at(0));
     }
 }
 
