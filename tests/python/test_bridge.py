@@ -256,3 +256,27 @@ def test_a_file_open_for_reading_cannot_be_written(bridge, tmp_path):
     with open(path, "rb") as out, raises_diagnostic("VelCG:Python:CannotWrite"):
         bridge.writeSection(SOURCE, "Defines", out)
     assert path.read_bytes() == b"kept\n"
+
+
+def test_whole_files_are_written_under_plain_names_inside_the_directory(bridge, objects, tmp_path):
+    out = tmp_path / "out"
+    out.mkdir()
+    index, fill, expected = FILES["module"]
+    fill(bridge)
+    bridge.writeFile(index, str(out))
+    written = out / "every_kind.c"
+    assert written.read_bytes() == expected.replace(SCRIPT_BYTES, b"")
+    assert bridge.getBooleanAttribute(index, "WrittenToDisk")
+    # The same bytes again leave the file in place.
+    inode = written.stat().st_ino
+    bridge.writeFile(index, str(out))
+    assert written.stat().st_ino == inode
+    # Names that would leave the directory, or are not one file everywhere.
+    refused = ["../escaped.h", str(tmp_path / "abs_escaped.h"), "..\\escaped.h", "sub/x.h", "C:x.h",
+               "x.h:stream", "CON", "lpt9.h", "Com1.c", "dot."]
+    for name in refused:
+        objects["repository"].createGenericFile(name)
+        with raises_diagnostic("VelCG:Python:NotAPlainFileName") as caught:
+            bridge.writeFile(bridge.numberOfFiles - 1, str(out))
+        assert caught.value.arguments[0] == name
+    assert sorted(p.relative_to(tmp_path).as_posix() for p in tmp_path.rglob("*")) == ["out", "out/every_kind.c"]

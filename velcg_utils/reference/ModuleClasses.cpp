@@ -58,6 +58,10 @@ const std::vector<ModuleClass>& moduleClasses() {
              method("writeSection", {kFileIndex, kSectionName, {"file", "BinaryIO"}}, "None",
                     "Writes the section of the file, byte for byte, to a file opened in binary mode, and "
                     "flushes it."),
+             method("writeFile", {kFileIndex, {"directory", "str"}}, "None",
+                    "Writes the whole file into the directory under its name, which must be a plain file "
+                    "name: each section after its missing tokens, replacing the file only when its bytes "
+                    "change."),
              method("customContents", {kFileIndex}, "CustomContents", "The custom sections of the file."),
              property("numberOfFiles", "int", "The number of files of the repository."),
          }},
