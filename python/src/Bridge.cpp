@@ -124,7 +124,10 @@ std::string bytesOf(py::handle str) {
     vel::diag::throwError("VelCG:Python:InvalidArgument", {operation, expected, describePython(value)});
 }
 
+// Each operation first checks that its object is alive, so that a dead one
+// is refused as such whatever the arguments.
 void setAttribute(const BridgeState& self, FileIndex fileIndex, const std::string& name, py::handle value) {
+    requireLive(self.repository);
     if (PyBool_Check(value.ptr())) {
         const bool flag = value.ptr() == Py_True;
         self.withBridge([&](FileRepScrivBridge& b) { b.setAttribute(fileIndex, name, flag); });
@@ -144,6 +147,7 @@ std::string contentOf(const char* operation, py::handle content) {
 
 void addSectionContent(const BridgeState& self, FileIndex fileIndex, const std::string& section,
                        py::handle content) {
+    requireLive(self.repository);
     auto fragment = boost::make_shared<StringFileSectionFragment>(contentOf("addSectionContent", content));
     self.withBridge([&](FileRepScrivBridge& b) { b.addSectionContent(fileIndex, section, fragment); });
 }
@@ -197,6 +201,9 @@ void writeSection(const BridgeState& self, FileIndex fileIndex, const std::strin
     py::module_ io = py::module_::import("io");
     if (py::isinstance(file, io.attr("TextIOBase")) || !py::hasattr(file, "write"))
         vel::diag::throwError("VelCG:Python:NotABinaryFile", {section, describePython(file)});
+    const py::object closed = py::getattr(file, "closed", py::none());
+    if (!closed.is_none() && PyObject_IsTrue(closed.ptr()) == 1)
+        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "the file is closed"});
     int fd = -1;
     if (py::hasattr(file, "fileno")) {
         try {
@@ -274,6 +281,7 @@ void defineBridge(py::module_& module) {
         .def(
             "addContentToSection",
             [](const Contents& c, const std::string& name, py::handle content) {
+                requireLive(c.file);
                 const std::string bytes = contentOf("addContentToSection", content);
                 c.with([&](CustomContents& cc) { cc.addContentToSection(name, bytes); });
             },

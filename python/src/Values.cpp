@@ -176,10 +176,16 @@ tuvArrayPtr fromPython(py::handle v, const std::string& hostType) {
     if (hostType == "double scalar") {
         if (PyFloat_Check(v.ptr())) return tuvArray::float64(PyFloat_AS_DOUBLE(v.ptr()));
         if (!isInt(v)) wrongType("a float", v);
+        // An int the double cannot hold exactly is refused rather than rounded.
         const double d = PyLong_AsDouble(v.ptr());
         if (d == -1.0 && PyErr_Occurred()) {
             PyErr_Clear();
             wrongType("a float", v);
+        }
+        const py::object back = py::reinterpret_steal<py::object>(PyLong_FromDouble(d));
+        if (!back || PyObject_RichCompareBool(back.ptr(), v.ptr(), Py_EQ) != 1) {
+            PyErr_Clear();
+            wrongType("a float, or an int that a double holds exactly", v);
         }
         return tuvArray::float64(d);
     }

@@ -10,10 +10,10 @@
 //
 // Python to host: the value must have the Python type that the member's
 // host type names (bool for "logical scalar", int for the integer types,
-// float or int for "double scalar", str for "char", a list of str for
-// "cell", an object, a list of objects (possibly empty) or None for "any");
-// anything else is refused rather than converted. Ranges are checked by the
-// host's own conversion.
+// float, or an int that a double holds exactly, for "double scalar", str for
+// "char", a list of str for "cell", an object, a list of objects (possibly
+// empty) or None for "any"); anything else is refused rather than converted.
+// Ranges are checked by the host's own conversion.
 
 #include <pybind11/pybind11.h>
 #include <string>

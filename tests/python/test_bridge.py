@@ -162,6 +162,13 @@ WRONG_TYPE = "VelCG:FileRepScrivBridge:WrongAttributeType"
 READ_ONLY = "VelCG:FileRepScrivBridge:ReadOnlyAttribute"
 ARGUMENT = "VelCG:Python:InvalidArgument"
 BUILTIN = "Brisk:codeGen:CustomContentInvalidBuiltin"
+WRITE = "VelCG:Python:CannotWrite"
+
+
+def closed():
+    sink = io.BytesIO()
+    sink.close()
+    return sink
 
 
 @pytest.mark.parametrize(
@@ -183,6 +190,7 @@ BUILTIN = "Brisk:codeGen:CustomContentInvalidBuiltin"
         (lambda b, out: b.addCustomSection(SOURCE, "typedefs", "Mine"), BUILTIN, ["Mine", "typedefs"]),
         (lambda b, out: b.setAttribute(SOURCE, "Type", 1), ARGUMENT, None),
         (lambda b, out: b.addSectionContent(SOURCE, "Defines", None), ARGUMENT, None),
+        (lambda b, out: b.writeSection(SOURCE, "Includes", closed()), WRITE, ["Includes", "the file is closed"]),
     ],
 )
 def test_bad_indices_names_and_values_are_refused_without_writing(

@@ -212,6 +212,7 @@ INVALID_VALUE = "Korb:InvalidPropertyValue"
         ("queue", "isEnum", 1),
         ("queue", "fxpBias", "0.5"),
         ("queue", "fxpBias", False),
+        ("queue", "fxpBias", 2**53 + 1),
         ("queue", "enumLabels", [1, 2]),
         ("queue", "enumLabels", "AB"),
         ("queue", "enumValues", [1.5]),
