@@ -9,7 +9,7 @@ packages=(
   libsqlite3-dev sqlite3 libsqlitecpp-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format clang libclang-rt-dev
-  pybind11-dev python3-dev python3-pytest python3-jsonschema python3-jinja2 python3-jedi
+  pybind11-dev python3-dev python3-pytest python3-jsonschema python3-jinja2 python3-jedi python3-hypothesis
 )
 
 missing=()

@@ -10,6 +10,7 @@
 #include "EveryKindModel.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
+#include "vel/diag/Diagnostic.hpp"
 
 namespace py = pybind11;
 
@@ -104,6 +105,20 @@ private:
     std::unique_ptr<testing_support::EveryKindRepository> files_;
 };
 
+// The host warnings raised on this thread while it lives (it must be
+// released on the thread that made it).
+class Warnings {
+public:
+    py::list identifiers() const {
+        py::list out;
+        for (const vel::diag::Diagnostic& d : collector_.warnings()) out.append(d.identifier());
+        return out;
+    }
+
+private:
+    vel::diag::WarningCollector collector_;
+};
+
 // What the host says of a class: its superclass and its members, in lookup
 // order, with their host types.
 py::dict describeClass(const std::string& qualifiedName) {
@@ -148,6 +163,7 @@ PYBIND11_MODULE(velcg_testing, module) {
         .def_property_readonly("repository", &Fixture::repository)
         .def("objects", &Fixture::objects)
         .def("close", &Fixture::close);
+    py::class_<Warnings>(module, "Warnings").def(py::init<>()).def("identifiers", &Warnings::identifiers);
     module.def("describeClass", &describeClass, py::arg("qualifiedName"));
     module.def("classNames", [] {
         velcgModule();
