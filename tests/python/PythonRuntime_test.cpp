@@ -174,30 +174,4 @@ TEST(PythonRuntime, ARaisingTemplateReportsItsTraceback) {
               failureOf([&] { PythonRuntime::runTemplate(missing, {}); }));
 }
 
-TEST(PythonRuntime, AnObjectKeptPastItsNativeLifeRaisesInvalidHandle) {
-    {
-        SmallModel m;
-        PythonRuntime::Globals globals;
-        globals.add("obj", *m.velType);
-        ASSERT_EQ("no diagnostic", failureOfText("import velcg\nvelcg.kept = obj\n", "keep.py", globals));
-    }
-    const std::string failure = failureOfText("import velcg\nprint(velcg.kept.ID)\n", "use.py");
-    EXPECT_EQ(0u, failure.find("VelCG:Python:TemplateFailed\nuse.py\n")) << failure;
-    EXPECT_NE(std::string::npos, failure.find("File \"use.py\", line 2")) << failure;
-    EXPECT_NE(std::string::npos, failure.find("velcg.Error: Korb:InvalidHandle")) << failure;
-    // The object itself is still a Python object that says what it was.
-    EXPECT_EQ("no diagnostic", failureOfText(R"(
-import velcg
-try:
-    velcg.kept.getDTName()
-except velcg.Error as e:
-    assert e.identifier == "Korb:InvalidHandle", e.identifier
-else:
-    raise AssertionError("a destroyed object answered")
-assert repr(velcg.kept) == "<VelCG.VelType object (destroyed)>", repr(velcg.kept)
-del velcg.kept
-)",
-                                             "check.py"));
-}
-
 } // namespace

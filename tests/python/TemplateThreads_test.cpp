@@ -35,11 +35,8 @@ TEST(TemplateThreads, ThreadsLeftRunningNeverReachADestroyedModel) {
     for (int i = 0; i < n && !testing::Test::HasFailure(); ++i) {
         auto model = std::make_unique<testing_support::EveryKindModel>();
         auto files = std::make_unique<testing_support::EveryKindRepository>();
-        PythonRuntime::Globals globals;
-        globals.add("model", model->model).add("repository", files->repository);
-        runTemplate(globals);
-        // Let the threads get into their sweeps, by a different amount each
-        // time, then tear down as a code generator does: the model, then the files.
+        runTemplate(PythonRuntime::Globals().add("model", model->model).add("repository", files->repository));
+        // Into the threads' sweeps by a different amount each time, tear down as velcg-gen does.
         std::this_thread::sleep_for(std::chrono::microseconds(37 * (i % 50)));
         model.reset();
         files.reset();

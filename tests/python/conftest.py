@@ -8,6 +8,7 @@ EveryKindModel.hpp); the velcg objects taken from it do not keep it alive.
 """
 
 import contextlib
+import io
 
 import pytest
 import velcg
@@ -47,6 +48,12 @@ def raises_diagnostic(identifier, arguments=None):
     if arguments is not None:
         assert caught.value.arguments == arguments
     assert str(caught.value).startswith(identifier + ": ")
+
+
+def closed_sink():
+    sink = io.BytesIO()
+    sink.close()
+    return sink
 
 
 def describe(obj):

@@ -1,9 +1,9 @@
 // Bad input to the model description reader, and models the writer cannot
 // describe: each a "VelCG:ModelDescription:" diagnostic naming the place.
 #include <cmath>
-#include <cstdio>
 #include <gtest/gtest.h>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -232,30 +232,13 @@ TEST(ModelDescription, RefusesBadInputNamingThePlace) {
     }
 }
 
-// A JSON string literal of any bytes.
-std::string jsonString(const std::string& text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        char escaped[8];
-        if (c == '"' || c == '\\')
-            out += {'\\', c};
-        else if (static_cast<unsigned char>(c) < 0x20)
-            out.append(escaped,
-                       static_cast<std::size_t>(std::snprintf(escaped, sizeof escaped, "\\u%04x", c)));
-        else
-            out += c;
-    }
-    return out + "\"";
-}
-
 TEST(ModelDescription, RefusesFileNamesThatAreNotPlainNamesOfOneDirectory) {
     for (const auto& [name, reason] : testing_support::refusedFileNames()) {
-        const Outcome outcome =
-            outcomeOf(doc(R"("files": [{"kind": "Generic", "name": "ok.c"}, {"kind": "Generic", "name": )" +
-                          jsonString(name) + "}]"));
-        EXPECT_EQ("VelCG:ModelDescription:NotAPlainFileName", outcome.identifier) << jsonString(name);
-        EXPECT_EQ("/files/1/name", outcome.place) << jsonString(name);
-        EXPECT_NE(std::string::npos, outcome.message.find(std::string("is not a plain file name: ") + reason))
+        const std::string quoted = nlohmann::json(name).dump();
+        const Outcome outcome = outcomeOf(doc(R"("files": [{"kind": "Generic", "name": )" + quoted + "}]"));
+        EXPECT_EQ("VelCG:ModelDescription:NotAPlainFileName", outcome.identifier) << quoted;
+        EXPECT_EQ("/files/0/name", outcome.place) << quoted;
+        EXPECT_NE(std::string::npos, outcome.message.find(quoted + " is not a plain file name: " + reason))
             << outcome.message;
     }
     // Two names of one file where case is ignored.

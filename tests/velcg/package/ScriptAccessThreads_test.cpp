@@ -1,7 +1,5 @@
-// A script on another thread reads, writes and calls every member of every
-// object it reaches from the model and the repository, through the
-// object-system client, while the owner destroys both. Repeated
-// VELCG_THREAD_REPETITIONS times (default 100).
+// A script thread uses every member of every object it reaches while the
+// owner destroys them, VELCG_THREAD_REPETITIONS times (default 100).
 
 #include <atomic>
 #include <cstdlib>
@@ -23,8 +21,7 @@ using vel::mi::HandleRef;
 
 namespace {
 
-// Sweeps the objects reachable from the roots until an access says that
-// they are gone; records any other way of ending.
+// Sweeps everything reachable from the roots until an access fails.
 class Script {
 public:
     explicit Script(std::vector<HandleRef> roots) : roots_(std::move(roots)) {}
@@ -34,19 +31,15 @@ public:
             for (;;) sweep();
         } catch (const vel::diag::Exception& e) {
             outcome_ = e.identifier();
-        } catch (const std::exception& e) {
-            outcome_ = std::string("an exception: ") + e.what();
         }
         ended_ = true;
     }
-    int accesses() const { return accesses_.load(); }
-    bool ended() const { return ended_.load(); }
-    // Once the thread has been joined.
-    const std::string& outcome() const { return outcome_; }
+    int accesses() const { return accesses_; }
+    bool ended() const { return ended_; }
+    const std::string& outcome() const { return outcome_; } // once the thread is joined
 
 private:
     korb::Client& client() { return korb::ObjectSystem::instance().getPublicClient(); }
-
     // Every member of the object; every diagnostic but InvalidHandle is an
     // answer. Objects read are queued.
     void use(const HandleRef& ref, std::vector<HandleRef>& queue) {
