@@ -15,7 +15,6 @@ Globals given by the generator:
   outputDirectory  where the files are written (it exists)
 """
 
-import os
 
 import velcg
 
@@ -154,12 +153,8 @@ add(
     "    return 0;\n}\n",
 )
 
-# Every file, section by section in section order; a section that the
-# file's kind does not have writes nothing.
+# Every file, whole, into the output directory: each section in section
+# order after its missing tokens; a section that the file's kind does not
+# have writes nothing.
 for i in range(bridge.numberOfFiles):
-    path = os.path.join(outputDirectory, bridge.getStringAttribute(i, "Name"))
-    with open(path, "wb") as out:
-        for section in velcg.sectionNames:
-            bridge.appendMissingTokens(i, section)
-            bridge.writeSection(i, section, out)
-    bridge.setAttribute(i, "WrittenToDisk", True)
+    bridge.writeFile(i, outputDirectory)

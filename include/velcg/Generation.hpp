@@ -76,8 +76,8 @@ public:
     Result finish();
 
     // Writes every file of the repository that is neither written nor
-    // filtered out into `directory`, through the repository's script bridge,
-    // and marks it written. Failures name the file as `shownDirectory`/NAME.
+    // filtered out into `directory` (writeWholeFile), and marks it written.
+    // Failures name the file as `shownDirectory`/NAME.
     static void writeUnwrittenFiles(VelCGFileRepository& repository, const std::filesystem::path& directory,
                                     const std::filesystem::path& shownDirectory);
 

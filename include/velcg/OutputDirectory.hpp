@@ -61,8 +61,8 @@ public:
     std::vector<Change> commit();
 
     // True when `name` is a relative '/'-separated path inside a directory:
-    // no empty, "." or ".." component, no root or drive, no backslash,
-    // colon or NUL, and nothing of this class's own bookkeeping.
+    // every component a plain file name (see plainFileNameProblem), and
+    // nothing of this class's own bookkeeping.
     static bool isPlainRelativePath(const std::string& name);
 
     static constexpr const char* kManifestName = ".velcg-gen-manifest";

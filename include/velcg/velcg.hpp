@@ -64,3 +64,4 @@
 #include "velcg/VelCGType.hpp"
 #include "velcg/VelType.hpp"
 #include "velcg/Version.hpp"
+#include "velcg/WholeFile.hpp"

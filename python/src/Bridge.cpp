@@ -3,14 +3,10 @@
 // file. Sections are written to Python binary file objects.
 #include "Bridge.hpp"
 
-#include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <pybind11/stl.h>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -23,11 +19,11 @@
 #include "vel/io/Stream.hpp"
 #include "velcg/CustomContents.hpp"
 #include "velcg/FileRepScrivBridge.hpp"
-#include "velcg/PlainFileName.hpp"
 #include "velcg/StringFileSectionFragment.hpp"
 #include "velcg/VelCGFile.hpp"
 #include "velcg/VelCGFileRepository.hpp"
 #include "velcg/VelCGFileSectionKind.hpp"
+#include "velcg/WholeFile.hpp"
 
 namespace VelCG::python {
 
@@ -174,25 +170,19 @@ void writeToDescriptor(const BridgeState& self, std::int32_t fileIndex, const st
     }
 }
 
-// The bytes of sections of a file, as writeSection writes them (after their
-// missing custom tokens, with completeTokens), through a temporary C stream.
-std::string sectionBytes(const BridgeState& self, std::int32_t fileIndex,
-                         const std::vector<std::string>& sections, bool completeTokens) {
-    const std::string& what = sections.size() == 1 ? sections.front() : std::string("(all)");
+// The bytes of a section of a file as writeSection writes them, through a
+// temporary C stream.
+std::string sectionBytes(const BridgeState& self, std::int32_t fileIndex, const std::string& section) {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::tmpfile(), &std::fclose);
     if (!stream)
-        vel::diag::throwError("VelCG:Python:CannotWrite", {what, "no temporary file can be created"});
-    self.withBridge([&](FileRepScrivBridge& b) {
-        for (const std::string& section : sections) {
-            if (completeTokens) b.appendMissingTokens(fileIndex, section);
-            b.writeSection(fileIndex, section, stream.get());
-        }
-    });
+        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "no temporary file can be created"});
+    self.withBridge([&](FileRepScrivBridge& b) { b.writeSection(fileIndex, section, stream.get()); });
     const long size = std::ftell(stream.get());
     std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
     std::rewind(stream.get());
     if (std::fread(bytes.data(), 1, bytes.size(), stream.get()) != bytes.size())
-        vel::diag::throwError("VelCG:Python:CannotWrite", {what, "the temporary file cannot be read back"});
+        vel::diag::throwError("VelCG:Python:CannotWrite",
+                              {section, "the temporary file cannot be read back"});
     return bytes;
 }
 
@@ -217,53 +207,13 @@ void writeSection(const BridgeState& self, FileIndex fileIndex, const std::strin
     if (fd >= 0)
         writeToDescriptor(self, fileIndex, section, file, fd);
     else
-        file.attr("write")(py::bytes(sectionBytes(self, fileIndex, {section}, false)));
+        file.attr("write")(py::bytes(sectionBytes(self, fileIndex, section)));
 }
 
-// The section names in the order sections stand in a file.
-std::vector<std::string> sectionNamesInOrder() {
-    std::vector<std::string> names;
-    for (int kind = BANNER_SECTION; kind <= USERBOTTOM_SECTION; ++kind) {
-        std::string name = getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(kind));
-        if (!name.empty()) names.push_back(std::move(name));
-    }
-    return names;
-}
-
-// Writes the whole file into `directory` under its name, which must be a
-// plain name (see plainFileNameProblem): every section in file order, each
-// after its missing custom tokens. The bytes go to a temporary file beside
-// the target that then replaces it, and only when they differ from the file
-// there. Marks the file written.
+// Writes the whole file through the library's writer, inside one access.
 void writeFile(const BridgeState& self, FileIndex fileIndex, const std::string& directory) {
-    const std::string name =
-        self.withBridge([&](FileRepScrivBridge& b) { return b.getStringAttribute(fileIndex, "Name"); });
-    if (const auto problem = plainFileNameProblem(name))
-        vel::diag::throwError("VelCG:Python:NotAPlainFileName", {name, *problem});
-    const std::string bytes = sectionBytes(self, fileIndex, sectionNamesInOrder(), true);
-    const std::filesystem::path target = std::filesystem::u8path(directory) / std::filesystem::u8path(name);
-    const bool unchanged = [&] {
-        std::ifstream old(target, std::ios::binary);
-        return old && std::string(std::istreambuf_iterator<char>(old), {}) == bytes;
-    }();
-    if (!unchanged) {
-        std::filesystem::path temporary = target;
-        temporary += "." + std::to_string(std::random_device()()) + ".tmp";
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        out.close();
-        std::error_code error;
-        if (out)
-            std::filesystem::rename(temporary, target, error);
-        else
-            error = std::error_code(errno ? errno : EIO, std::generic_category());
-        if (error) {
-            std::error_code ignored;
-            std::filesystem::remove(temporary, ignored);
-            vel::diag::throwError("VelCG:Python:CannotWriteFile", {target.u8string(), error.message()});
-        }
-    }
-    self.withBridge([&](FileRepScrivBridge& b) { b.setAttribute(fileIndex, "WrittenToDisk", true); });
+    self.withBridge(
+        [&](FileRepScrivBridge& b) { writeWholeFile(b, fileIndex, std::filesystem::u8path(directory)); });
 }
 
 } // namespace
@@ -387,7 +337,7 @@ void defineBridge(py::module_& module) {
             },
             operationDoc(bridge, "numberOfFiles"));
 
-    module.attr("sectionNames") = py::tuple(py::cast(sectionNamesInOrder()));
+    module.attr("sectionNames") = py::tuple(py::cast(sectionNamesInFileOrder()));
 
     module.def("bridge", &makeBridge, py::arg("repository"), operationDoc("", "bridge"));
 }

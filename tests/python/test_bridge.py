@@ -274,7 +274,7 @@ def test_whole_files_are_written_under_plain_names_inside_the_directory(bridge, 
     # Names that would leave the directory, or are not one file everywhere.
     for name in ["../up.h", str(tmp_path / "abs.h"), "..\\up.h", "C:x.h", "x.h:s", "CON", "lpt9.h", "dot."]:
         objects["repository"].createGenericFile(name)
-        with raises_diagnostic("VelCG:Python:NotAPlainFileName") as caught:
+        with raises_diagnostic("VelCG:FileRepScrivBridge:NotAPlainFileName") as caught:
             bridge.writeFile(bridge.numberOfFiles - 1, str(out))
         assert caught.value.arguments[0] == name
     assert sorted(p.relative_to(tmp_path).as_posix() for p in tmp_path.rglob("*")) == ["out", "out/every_kind.c"]

@@ -150,6 +150,22 @@ expect_in "$work/stderr" "'../victim.txt' is not a file inside the output direct
 expect_in "$work/stderr" "[VelCG:Generation:BadManifest]" "velcg-gen with a hostile manifest"
 [ -e "$work/victim.txt" ] || fail "velcg-gen removed a file outside its output directory"
 
+# A description is data: file names that would leave the output directory
+# are refused before anything is written, inside it or outside.
+for name in ../escaped.h "$work/abs_escaped.h"; do
+  python3 - "$examples/gain_model/model.json" "$name" >"$work/escape.json" <<'PY'
+import json, sys
+description = json.load(open(sys.argv[1]))
+description["files"][0]["name"] = sys.argv[2]
+json.dump(description, sys.stdout)
+PY
+  run "$gen" "$work/escape.json" "$examples/gain_model/template.py" -o "$work/escape/out"
+  expect_status 1 "velcg-gen with the file name $name"
+  expect_in "$work/stderr" "[VelCG:ModelDescription:NotAPlainFileName]" "velcg-gen with the file name $name"
+  [ ! -e "$work/escape" ] && [ ! -e "$work/escaped.h" ] && [ ! -e "$work/abs_escaped.h" ] ||
+    fail "velcg-gen wrote for a description naming $name"
+done
+
 # The depfile names what the template read, paths with spaces escaped.
 mkdir -p "$work/odd dir"
 printf 'def value():\n    return 1\n' >"$work/odd dir/helper_mod.py"
@@ -297,7 +313,7 @@ expect_unchanged "$out" "$work/careless.snapshot" "velcg-gen --strict with warni
 printf 'import shutil\n\nshutil.rmtree(outputDirectory)\n' >"$work/vanishes.py"
 run "$gen" "$examples/sensor_bus/model.json" "$work/vanishes.py" -o "$work/vanished"
 expect_status 1 "velcg-gen into a directory that vanished"
-expect_in "$work/stderr" "velcg-gen: error: Cannot write '$work/vanished/sensor_bus.h': No such file or directory." \
+expect_in "$work/stderr" "velcg-gen: error: Cannot write the file '$work/vanished/sensor_bus.h': No such file or directory." \
   "velcg-gen into a directory that vanished"
 
 # A file size limit of 2 KiB (sensor_bus.c is larger), with SIGXFSZ ignored so that the write fails

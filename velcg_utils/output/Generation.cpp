@@ -1,8 +1,5 @@
 #include "velcg/Generation.hpp"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -16,7 +13,7 @@
 #include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/VelCGFile.hpp"
 #include "velcg/VelCGFileRepository.hpp"
-#include "velcg/VelCGFileSectionKind.hpp"
+#include "velcg/WholeFile.hpp"
 
 namespace VelCG {
 
@@ -95,38 +92,22 @@ Generation::Result Generation::finish() {
 void Generation::writeUnwrittenFiles(VelCGFileRepository& repository, const fs::path& directory,
                                      const fs::path& shownDirectory) {
     FileRepScrivBridge& bridge = repository.scrivBridge();
-    const int count = static_cast<int>(repository.getFileList().size());
-    for (int i = 0; i < count; ++i) {
+    const auto count = static_cast<std::int32_t>(repository.getFileList().size());
+    for (std::int32_t i = 0; i < count; ++i) {
         const VelCGFile& file = *repository.getFileList()[static_cast<std::size_t>(i)];
         if (file.isWrittenToDisk() || file.getFiltered()) continue;
-        const std::string& name = file.getNameAscii();
-        const std::string shown = (shownDirectory / name).string();
-        if (name.find('/') != std::string::npos || !OutputDirectory::isPlainRelativePath(name))
-            vel::diag::throwErrorText("VelCG:Generation:BadFileName",
-                                      "'" + name +
-                                          "' is not a plain file name inside the output directory; it "
-                                          "is not written.");
-        const fs::path path = directory / fs::u8path(name);
-        std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(path.string().c_str(), "wb"),
-                                                               &std::fclose);
-        if (!stream)
-            vel::diag::throwErrorText("VelCG:Generation:CannotWrite",
-                                      "Cannot write '" + shown + "': " + std::strerror(errno) + ".");
         try {
-            for (int kind = BANNER_SECTION; kind <= USERBOTTOM_SECTION; ++kind) {
-                const std::string section =
-                    getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(kind));
-                if (section.empty()) continue;
-                bridge.appendMissingTokens(i, section);
-                bridge.writeSection(i, section, stream.get());
-            }
+            writeWholeFile(bridge, i, directory);
         } catch (const vel::diag::Exception& e) {
-            vel::diag::throwErrorText(e.identifier(), shown + ": " + e.diagnostic().message());
+            // Messages name the file where it was going, not where it was staged.
+            std::string message = e.diagnostic().message();
+            const std::string staged = directory.u8string(), shown = shownDirectory.u8string();
+            for (std::size_t at; (at = message.find(staged)) != std::string::npos;)
+                message.replace(at, staged.size(), shown);
+            if (message.find(shown) == std::string::npos)
+                message = (shownDirectory / fs::u8path(file.getNameAscii())).u8string() + ": " + message;
+            vel::diag::throwErrorText(e.identifier(), message);
         }
-        if (std::fclose(stream.release()) != 0)
-            vel::diag::throwErrorText("VelCG:Generation:CannotWrite",
-                                      "Cannot finish writing '" + shown + "': " + std::strerror(errno) + ".");
-        bridge.setAttribute(i, "WrittenToDisk", true);
     }
 }
 

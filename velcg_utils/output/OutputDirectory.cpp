@@ -9,6 +9,7 @@
 
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/sys/DirectoryLock.hpp"
+#include "velcg/PlainFileName.hpp"
 
 namespace VelCG {
 
@@ -96,15 +97,10 @@ void removeEmptyParents(fs::path directory, const fs::path& top) {
 } // namespace
 
 bool OutputDirectory::isPlainRelativePath(const std::string& name) {
-    if (name.empty() || name.front() == '/' || name.back() == '/') return false;
-    if (name.find_first_of(std::string("\\:\0\n\r", 5)) != std::string::npos) return false;
-    std::size_t start = 0;
-    for (;;) {
+    if (name.rfind(".velcg-gen", 0) == 0) return false;
+    for (std::size_t start = 0;;) {
         const std::size_t end = name.find('/', start);
-        const std::string part =
-            name.substr(start, end == std::string::npos ? std::string::npos : end - start);
-        if (part.empty() || part == "." || part == "..") return false;
-        if (start == 0 && part.rfind(".velcg-gen", 0) == 0) return false;
+        if (plainFileNameProblem(std::string_view(name).substr(start, end - start))) return false;
         if (end == std::string::npos) return true;
         start = end + 1;
     }

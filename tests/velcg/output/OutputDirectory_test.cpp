@@ -24,7 +24,7 @@ TEST(OutputDirectory, OnlyPlainRelativeNamesAreGenerated) {
     for (const char* good : {"a.c", "sub/a.c", "a b.h", ".hidden", "x..y"})
         EXPECT_TRUE(OutputDirectory::isPlainRelativePath(good)) << good;
     for (const char* bad : {"", "/abs.c", "../up.c", "a/../../b", "./a", "a//b", "a/", "c:x", "a\\b",
-                            ".velcg-gen-manifest", ".velcg-gen-staging/a"})
+                            "sub/nul.c", "a. /b", ".velcg-gen-manifest", ".velcg-gen-staging/a"})
         EXPECT_FALSE(OutputDirectory::isPlainRelativePath(bad)) << bad;
     EXPECT_FALSE(OutputDirectory::isPlainRelativePath(std::string("a\0b", 3)));
 }
