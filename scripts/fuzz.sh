@@ -2,8 +2,10 @@
 # Builds the libFuzzer targets (preset "fuzz": clang, AddressSanitizer and
 # UndefinedBehaviorSanitizer) and runs each for SECONDS (default 60) on a
 # copy of its checked-in seed corpus under fuzz/corpus/. New inputs stay in
-# the copy (build/fuzz/corpus/<name>); crashes, leaks and timeouts are saved
-# to build/fuzz/artifacts/ and make the script fail.
+# the copy (build/fuzz/corpus/<name>); each target's progress goes to
+# build/fuzz/logs/<target>.log and one summary line to the terminal.
+# Crashes, leaks and timeouts are saved to build/fuzz/artifacts/, their
+# report is printed, and they make the script fail.
 #   scripts/fuzz.sh [SECONDS]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -27,7 +29,8 @@ targets=(
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 artifacts=build/fuzz/artifacts
-mkdir -p "$artifacts"
+logs=build/fuzz/logs
+mkdir -p "$artifacts" "$logs"
 failed=()
 for entry in "${targets[@]}"; do
   binary=build/fuzz/fuzz/${entry%%:*}
@@ -37,10 +40,17 @@ for entry in "${targets[@]}"; do
   rm -rf "$work"
   mkdir -p "$work"
   cp -R "fuzz/corpus/$corpus/." "$work/"
-  echo "== $(basename "$binary") for ${seconds}s"
-  if ! "$binary" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-    -artifact_prefix="$artifacts/$(basename "$binary")-" "$work"; then
-    failed+=("$(basename "$binary")")
+  name=$(basename "$binary")
+  log=$logs/$name.log
+  if "$binary" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+    -artifact_prefix="$artifacts/$name-" "$work" >"$log" 2>&1; then
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
+    added=$(sed -n 's/^stat::new_units_added: *//p' "$log")
+    echo "fuzz: $name: ${seconds} s, ${runs:-?} inputs run, ${added:-?} new, no findings ($log)"
+  else
+    failed+=("$name")
+    echo "fuzz: $name: FINDING ($log):"
+    grep -n -m1 -A40 -E '^==[0-9]+==|runtime error|ERROR: libFuzzer|Test unit written' "$log" || tail -n 40 "$log"
   fi
 done
 

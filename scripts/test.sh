@@ -22,13 +22,24 @@ cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 jobs=$(nproc)
 
-echo "== format check"
+# Each phase prints its name when it starts and its time when the next one
+# starts; the last line gives the whole time.
+phase_name=""
+phase_start=$SECONDS
+phase() { # name, or nothing at the end
+  if [ -n "$phase_name" ]; then echo "== $phase_name: done in $((SECONDS - phase_start)) s"; fi
+  phase_name=${1:-}
+  phase_start=$SECONDS
+  if [ -n "$phase_name" ]; then echo "== $phase_name"; fi
+}
+
+phase "format check"
 mapfile -d '' sources < <(find . \( -path ./build -o -path ./install -o -path ./.git \) -prune -o \
   -type f \( -name '*.cpp' -o -name '*.hpp' -o -name '*.c' -o -name '*.h' \) -print0 | sort -z)
 clang-format --dry-run --Werror "${sources[@]}"
 echo "format check: ${#sources[@]} files"
 
-echo "== install and consumer check"
+phase "install and consumer check"
 cmake --preset release >/dev/null
 cmake --build --preset release -j "$jobs"
 rm -rf build/install build/consumer build/install-check
@@ -60,25 +71,31 @@ site=$(echo build/install/lib/python3*/site-packages)
 test -f "$site/velcg.pyi"
 test -f "$site/velcg_template.pyi"
 "${clean_env[@]}" PYTHONPATH="$PWD/$site" /usr/bin/python3 -c 'import velcg; print("velcg module:", len(velcg.sectionNames), "section names")'
-# Generation as a build step of a separate project (velcg_generate, Ninja).
+phase "generation as a build step"
+# A separate project generating both examples with velcg_generate (Ninja).
 tests/buildstep/check_build_step.sh "$PWD/build/install" "$PWD"
+phase "soak: 1,000 runs in one process"
 # The larger example generated 1,000 times in one process: resident memory
-# may grow by at most 2 MiB from the hundredth run to the last.
+# may grow by at most 2 MiB from run 100 to run 1,000.
 tests/tools/check_velcg_gen_soak.sh build/release/tools/velcg-gen . 1000 2
+phase "velcg-gen killed in every phase"
 # velcg-gen killed in every phase of a run of 20,000 blocks.
 tests/tools/check_velcg_gen_kill.sh build/release/tools/velcg-gen . 20000
+phase "concurrent runs into one directory"
 # 100 pairs of runs started at once into one output directory.
 tests/tools/check_velcg_gen_concurrent.sh build/release/tools/velcg-gen build/release/tools/velcg-descriptor . 100
 
-echo "== all tests under ThreadSanitizer"
+phase "all tests under ThreadSanitizer"
 cmake --preset tsan >/dev/null
 cmake --build --preset tsan -j "$jobs"
 ctest --preset tsan -j "$jobs"
 
-echo "== all tests under AddressSanitizer and UndefinedBehaviorSanitizer"
+phase "all tests under AddressSanitizer and UndefinedBehaviorSanitizer"
 cmake --preset asan >/dev/null
 cmake --build --preset asan -j "$jobs"
 ctest --preset asan -j "$jobs"
 
-echo "== fuzz targets, 60 s each"
+phase "fuzz targets, 60 s each"
 scripts/fuzz.sh 60
+phase
+echo "test.sh: every check passed in $SECONDS s"
