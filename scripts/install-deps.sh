@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config
-  libboost-dev libboost-filesystem-dev libboost-thread-dev libboost-locale-dev
+  libboost-dev libboost-thread-dev libboost-locale-dev
   libsqlite3-dev sqlite3 libsqlitecpp-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format clang libclang-rt-dev

@@ -8,8 +8,7 @@
 // Beside them it writes the model's code descriptor, codedescriptor.strata.
 #include <cstdio>
 #include <exception>
-
-#include <boost/filesystem.hpp>
+#include <filesystem>
 
 #include "ExampleModel.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -21,7 +20,7 @@ int main(int argc, char** argv) {
     const std::string directory = argc > 1 ? argv[1] : "generated";
     const std::string templatePath = argc > 2 ? argv[2] : VELCG_EXAMPLE_TEMPLATE;
     try {
-        boost::filesystem::create_directories(directory);
+        std::filesystem::create_directories(directory);
         PlexoInitialize_velcg();
 
         std::unique_ptr<VelCG::CGModel> model = example::buildGainModel();
@@ -56,15 +55,15 @@ int main(int argc, char** argv) {
             model->getBlockHierarchyMap()->getSubsystems().at(0)->getBlocks().size());
         for (const VelCG::VelCGFile* file : repository.getFileList()) {
             if (!file->isWrittenToDisk()) continue;
-            const boost::filesystem::path path = boost::filesystem::path(directory) / file->getNameAscii();
+            const std::filesystem::path path = std::filesystem::path(directory) / file->getNameAscii();
             std::printf("  wrote %-40s %6ju bytes\n", path.string().c_str(),
-                        static_cast<std::uintmax_t>(boost::filesystem::file_size(path)));
+                        static_cast<std::uintmax_t>(std::filesystem::file_size(path)));
         }
         // Destroying the model waits for the last pass.
         model.reset();
         std::printf(
             "  wrote %s\n",
-            (boost::filesystem::path(directory) / VelCG::CGModel::kCodeDescriptorFileName).string().c_str());
+            (std::filesystem::path(directory) / VelCG::CGModel::kCodeDescriptorFileName).string().c_str());
         VelCG::PythonRuntime::shutdown();
         PlexoTerminate_velcg();
         return 0;

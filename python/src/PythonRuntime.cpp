@@ -1,13 +1,12 @@
 #include "velcg/PythonRuntime.hpp"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <mutex>
 #include <pybind11/embed.h>
 #include <sstream>
-
-#include <boost/filesystem.hpp>
 
 #include "Module.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -41,12 +40,12 @@ std::string virtualEnvironmentPython() {
     const char* root = std::getenv("VIRTUAL_ENV");
     if (!root || !*root) return {};
 #if defined(_WIN32)
-    const boost::filesystem::path python = boost::filesystem::path(root) / "Scripts" / "python.exe";
+    const std::filesystem::path python = std::filesystem::u8path(root) / "Scripts" / "python.exe";
 #else
-    const boost::filesystem::path python = boost::filesystem::path(root) / "bin" / "python3";
+    const std::filesystem::path python = std::filesystem::u8path(root) / "bin" / "python3";
 #endif
-    boost::system::error_code error;
-    return boost::filesystem::exists(python, error) ? python.string() : std::string();
+    std::error_code error;
+    return std::filesystem::exists(python, error) ? python.string() : std::string();
 }
 
 // Starts the interpreter on first use; it then waits with the interpreter
@@ -291,7 +290,9 @@ std::string readTemplate(const std::string& path) {
 }
 
 std::string templateDirectory(const std::string& path) {
-    return boost::filesystem::absolute(path).parent_path().string();
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(std::filesystem::u8path(path), error);
+    return error ? std::string() : absolute.parent_path().string();
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "velcg/VelCGFile.hpp"
 
-#include <boost/filesystem/path.hpp>
+#include <filesystem>
 
 #include "FilesDetail.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -22,6 +22,18 @@ std::unique_ptr<VelCGFileContent> buildContent(const std::string& name,
     return content ? std::move(content) : std::make_unique<VelCGFileContent>();
 }
 
+// The stem of the name's final component as Boost.Filesystem takes it: up
+// to the last dot, so ".profile" has an empty stem; "." and "..", and a name
+// ending in a separator (whose final component is "."), are their own stem.
+std::string stemOf(const std::string& name) {
+    const std::filesystem::path path(name);
+    if (!path.empty() && !path.has_filename()) return ".";
+    const std::string file = path.filename().string();
+    if (file == "." || file == "..") return file;
+    const std::string::size_type dot = file.rfind('.');
+    return dot == std::string::npos ? file : file.substr(0, dot);
+}
+
 std::string withoutLastExtension(const std::string& name) {
     std::string::size_type dot = name.rfind('.');
     return dot == std::string::npos ? name : name.substr(0, dot);
@@ -32,7 +44,7 @@ VelCGFile::VelCGFile(const std::string& name, std::unique_ptr<VelCGFileContentBu
     : content_(buildContent(name, std::move(builder))),
       name_(vel::i18n::toWide(name)),
       nameAscii_(name),
-      baseName_(boost::filesystem::path(name).stem().string()),
+      baseName_(stemOf(name)),
       nameWithoutExtension_(withoutLastExtension(name)),
       customContents_(name) {
     content_->setFileName(name);

@@ -8,10 +8,9 @@
 #include <thread>
 #include <vector>
 
-#include <boost/filesystem.hpp>
-
 #include "DiagnosticTesting.hpp"
 #include "StartLatch.hpp"
+#include "TempDir.hpp"
 #include "files/FileTesting.hpp"
 #include "velcg/IncludesSection.hpp"
 #include "velcg/VelCGFileContent.hpp"
@@ -121,8 +120,8 @@ TEST(FileSection, RejectsNullArgumentsAndRefusedWritesWithDiagnostics) {
     EXPECT_TRUE(s.isEmpty());
 
     // A stream open for reading only takes no bytes.
-    namespace fs = boost::filesystem;
-    const fs::path path = fs::temp_directory_path() / fs::unique_path("velcg-ro-%%%%-%%%%");
+    testing_support::TempDir dir;
+    const std::filesystem::path path = dir / "read-only";
     std::fclose(std::fopen(path.string().c_str(), "wb"));
     std::FILE* readOnly = std::fopen(path.string().c_str(), "rb");
     ASSERT_NE(nullptr, readOnly);
@@ -133,7 +132,6 @@ TEST(FileSection, RejectsNullArgumentsAndRefusedWritesWithDiagnostics) {
     EXPECT_EQ("VelCG:FileSection:WriteFailed", diagnosticOf([&] { includes.writeToFile(readOnly); }));
     EXPECT_EQ("VelCG:FileSection:NullStream", diagnosticOf([&] { includes.writeToFile(nullptr); }));
     std::fclose(readOnly);
-    fs::remove(path);
 }
 
 TEST(VelCGFileSectionKind, NamesEveryKindAndConvertsEnumeratorNames) {

@@ -79,6 +79,9 @@ TEST(VelCGFile, DerivesBaseNameAndNameWithoutExtensionFromTheName) {
         {"Makefile", "Makefile", "Makefile"},
         {"a.b.c", "a.b", "a.b"},
         {"dir.d/file", "file", "dir"}, // the last dot may stand in a directory
+        {".profile", "", ""},
+        {"dir/", ".", "dir/"},
+        {"up/..", "..", "up/."},
         {"", "", ""},
     };
     for (const Case& c : cases) {
