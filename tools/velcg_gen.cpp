@@ -22,6 +22,7 @@
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/io/Stream.hpp"
 #include "vel/sys/Process.hpp"
+#include "velcg/PythonRuntime.hpp"
 #include "velcg/velcg.hpp"
 
 namespace {

@@ -15,3 +15,15 @@
 
 // The C entry points that the host looks up by name, marked the same way.
 #define VELCG_C_EXPORT VELCG_API
+
+// The public surface of libvelcg_python, whose sources define
+// VELCG_PYTHON_BUILDING.
+#if defined(_WIN32)
+#if defined(VELCG_PYTHON_BUILDING)
+#define VELCG_PYTHON_API __declspec(dllexport)
+#else
+#define VELCG_PYTHON_API __declspec(dllimport)
+#endif
+#else
+#define VELCG_PYTHON_API __attribute__((visibility("default")))
+#endif

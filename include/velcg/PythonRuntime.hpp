@@ -5,15 +5,7 @@
 #include <utility>
 #include <vector>
 
-#if defined(_WIN32)
-#if defined(VELCG_PYTHON_BUILDING)
-#define VELCG_PYTHON_API __declspec(dllexport)
-#else
-#define VELCG_PYTHON_API __declspec(dllimport)
-#endif
-#else
-#define VELCG_PYTHON_API __attribute__((visibility("default")))
-#endif
+#include "velcg/Export.hpp"
 
 namespace vel::mi {
 class Handle;
@@ -47,6 +39,13 @@ public:
     // left running, raises velcg.Error ("Korb:InvalidHandle").
     class VELCG_PYTHON_API Globals {
     public:
+        Globals();
+        Globals(const Globals&);
+        Globals(Globals&&) noexcept;
+        Globals& operator=(const Globals&);
+        Globals& operator=(Globals&&) noexcept;
+        ~Globals();
+
         Globals& add(std::string name, vel::mi::Handle& object);
         Globals& add(std::string name, std::string text);
         Globals& add(std::string name, const char* text) { return add(std::move(name), std::string(text)); }
@@ -57,18 +56,10 @@ public:
         // A dict of text keys and text values.
         Globals& add(std::string name, std::vector<std::pair<std::string, std::string>> dictionary);
 
-        struct Entry {
-            enum class Kind { Object, Text, Number, Dictionary, Json };
-            std::string name;
-            Kind kind = Kind::Text;
-            vel::mi::Handle* object = nullptr;
-            std::string text;
-            std::int64_t number = 0;
-            std::vector<std::pair<std::string, std::string>> dictionary;
-        };
-        const std::vector<Entry>& entries() const { return entries_; }
-
     private:
+        friend class PythonRuntime;
+        struct Entry; // defined by the runtime
+        Globals& push(Entry entry);
         std::vector<Entry> entries_;
     };
 
@@ -89,6 +80,10 @@ public:
     static bool isRunning();
     // Releases the interpreter. Later templates raise "VelCG:Python:Finalized".
     static void shutdown();
+
+private:
+    static void run(const std::string& source, const std::string& fileName, const std::string& directory,
+                    const Globals& globals, std::vector<std::string>* dependencies);
 };
 
 } // namespace VelCG

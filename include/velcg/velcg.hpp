@@ -1,6 +1,7 @@
 #pragma once
 
-// Every public header of the library.
+// Every public header of libvelcg. The Python runtime, a library of its
+// own (velcg::velcg_python), has its header velcg/PythonRuntime.hpp.
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGModelCPPConfig.hpp"
@@ -35,7 +36,6 @@
 #include "velcg/PlainFileName.hpp"
 #include "velcg/PlexoModule.hpp"
 #include "velcg/Port.hpp"
-#include "velcg/PythonRuntime.hpp"
 #include "velcg/Region.hpp"
 #include "velcg/State.hpp"
 #include "velcg/StoredCGModel.hpp"

@@ -147,8 +147,54 @@ py::module_ dependencyRecorder() {
     return *recorder;
 }
 
-void run(const std::string& source, const std::string& fileName, const std::string& directory,
-         const PythonRuntime::Globals& given, std::vector<std::string>* dependencies) {
+} // namespace
+
+struct PythonRuntime::Globals::Entry {
+    enum class Kind { Object, Text, Number, Dictionary, Json };
+    std::string name;
+    Kind kind = Kind::Text;
+    vel::mi::Handle* object = nullptr;
+    std::string text;
+    std::int64_t number = 0;
+    std::vector<std::pair<std::string, std::string>> dictionary;
+};
+
+PythonRuntime::Globals::Globals() = default;
+PythonRuntime::Globals::Globals(const Globals&) = default;
+PythonRuntime::Globals::Globals(Globals&&) noexcept = default;
+PythonRuntime::Globals& PythonRuntime::Globals::operator=(const Globals&) = default;
+PythonRuntime::Globals& PythonRuntime::Globals::operator=(Globals&&) noexcept = default;
+PythonRuntime::Globals::~Globals() = default;
+
+PythonRuntime::Globals& PythonRuntime::Globals::push(Entry entry) {
+    entries_.push_back(std::move(entry));
+    return *this;
+}
+
+PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, vel::mi::Handle& object) {
+    return push({std::move(name), Entry::Kind::Object, &object, {}, 0, {}});
+}
+
+PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, std::string text) {
+    return push({std::move(name), Entry::Kind::Text, nullptr, std::move(text), 0, {}});
+}
+
+PythonRuntime::Globals& PythonRuntime::Globals::add(
+    std::string name, std::vector<std::pair<std::string, std::string>> dictionary) {
+    return push({std::move(name), Entry::Kind::Dictionary, nullptr, {}, 0, std::move(dictionary)});
+}
+
+PythonRuntime::Globals& PythonRuntime::Globals::addJson(std::string name, std::string json) {
+    return push({std::move(name), Entry::Kind::Json, nullptr, std::move(json), 0, {}});
+}
+
+PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, std::int64_t number) {
+    return push({std::move(name), Entry::Kind::Number, nullptr, {}, number, {}});
+}
+
+void PythonRuntime::run(const std::string& source, const std::string& fileName, const std::string& directory,
+                        const Globals& given, std::vector<std::string>* dependencies) {
+    using Kind = Globals::Entry::Kind;
     ensureStarted();
     py::gil_scoped_acquire gil;
     // The objects the template reaches belong to this run: when it returns,
@@ -182,24 +228,24 @@ void run(const std::string& source, const std::string& fileName, const std::stri
         globals["__builtins__"] = py::module_::import("builtins");
         globals["__name__"] = "__main__";
         globals["__file__"] = fileName;
-        for (const auto& entry : given.entries()) {
+        for (const Globals::Entry& entry : given.entries_) {
             switch (entry.kind) {
-                case PythonRuntime::Globals::Entry::Kind::Object:
+                case Kind::Object:
                     entry.object->getOwnLifetime()->addDependent(reach);
                     globals[entry.name.c_str()] = python::wrap(entry.object->makeRef(reach));
                     break;
-                case PythonRuntime::Globals::Entry::Kind::Text:
+                case Kind::Text:
                     globals[entry.name.c_str()] = py::str(entry.text);
                     break;
-                case PythonRuntime::Globals::Entry::Kind::Number:
+                case Kind::Number:
                     globals[entry.name.c_str()] = py::int_(entry.number);
                     break;
-                case PythonRuntime::Globals::Entry::Kind::Json:
+                case Kind::Json:
                     globals[entry.name.c_str()] = entry.text.empty()
                                                       ? py::object(py::none())
                                                       : py::module_::import("json").attr("loads")(entry.text);
                     break;
-                case PythonRuntime::Globals::Entry::Kind::Dictionary: {
+                case Kind::Dictionary: {
                     py::dict d;
                     for (const auto& [key, value] : entry.dictionary) d[py::str(key)] = py::str(value);
                     globals[entry.name.c_str()] = std::move(d);
@@ -228,54 +274,6 @@ void run(const std::string& source, const std::string& fileName, const std::stri
     if (pathAdded) path.attr("remove")(py::str(directory));
     // Objects the template left in its globals are released now, not at exit.
     globals.clear();
-}
-
-} // namespace
-
-PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, vel::mi::Handle& object) {
-    Entry e;
-    e.name = std::move(name);
-    e.kind = Entry::Kind::Object;
-    e.object = &object;
-    entries_.push_back(std::move(e));
-    return *this;
-}
-
-PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, std::string text) {
-    Entry e;
-    e.name = std::move(name);
-    e.kind = Entry::Kind::Text;
-    e.text = std::move(text);
-    entries_.push_back(std::move(e));
-    return *this;
-}
-
-PythonRuntime::Globals& PythonRuntime::Globals::add(
-    std::string name, std::vector<std::pair<std::string, std::string>> dictionary) {
-    Entry e;
-    e.name = std::move(name);
-    e.kind = Entry::Kind::Dictionary;
-    e.dictionary = std::move(dictionary);
-    entries_.push_back(std::move(e));
-    return *this;
-}
-
-PythonRuntime::Globals& PythonRuntime::Globals::addJson(std::string name, std::string json) {
-    Entry e;
-    e.name = std::move(name);
-    e.kind = Entry::Kind::Json;
-    e.text = std::move(json);
-    entries_.push_back(std::move(e));
-    return *this;
-}
-
-PythonRuntime::Globals& PythonRuntime::Globals::add(std::string name, std::int64_t number) {
-    Entry e;
-    e.name = std::move(name);
-    e.kind = Entry::Kind::Number;
-    e.number = number;
-    entries_.push_back(std::move(e));
-    return *this;
 }
 
 namespace {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "vel/diag/Diagnostic.hpp"
+#include "velcg/PythonRuntime.hpp"
 #include "velcg/velcg.hpp"
 
 int main() {
