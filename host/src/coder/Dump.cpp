@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "coder/ReadTransaction.hpp"
 #include "coder/Repository.hpp"
 #include "coder/descriptor/Model.hpp"
 #include "coder/descriptor/RepositoryHelper.hpp"

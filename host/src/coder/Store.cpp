@@ -69,22 +69,101 @@
 
 #include <sqlite3.h>
 
+#include "RecordDefinition.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace coder {
 
+// Every record kind with its list of fields and sequences, in the order its
+// tables are created.
+#define CODER_DESCRIPTOR_KINDS(KIND)                               \
+    KIND(Model, CODER_DESCRIPTOR_MODEL)                            \
+    KIND(System, CODER_DESCRIPTOR_SYSTEM)                          \
+    KIND(BlockHierarchyMap, CODER_DESCRIPTOR_BLOCK_HIERARCHY_MAP)  \
+    KIND(GraphicalSystem, CODER_DESCRIPTOR_GRAPHICAL_SYSTEM)       \
+    KIND(GraphicalBlock, CODER_DESCRIPTOR_GRAPHICAL_BLOCK)         \
+    KIND(Port, CODER_DESCRIPTOR_PORT)                              \
+    KIND(Region, CODER_DESCRIPTOR_REGION)                          \
+    KIND(State, CODER_DESCRIPTOR_STATE)                            \
+    KIND(BlockParameter, CODER_DESCRIPTOR_BLOCK_PARAMETER)         \
+    KIND(ModelParameter, CODER_DESCRIPTOR_MODEL_PARAMETER)         \
+    KIND(DataInterface, CODER_DESCRIPTOR_DATA_INTERFACE)           \
+    KIND(ToAsyncQueueBlock, CODER_DESCRIPTOR_TO_ASYNC_QUEUE_BLOCK) \
+    KIND(ExternalInput, CODER_DESCRIPTOR_EXTERNAL_INPUT)           \
+    KIND(IOMap, CODER_DESCRIPTOR_IO_MAP)                           \
+    KIND(CoderGroup, CODER_DESCRIPTOR_CODER_GROUP)
+
 namespace descriptor {
+
 const std::vector<const RecordKind*>& recordKinds() {
+#define CODER_DESCRIPTOR_KIND_ADDRESS(Kind, LIST) &Kind::kind(),
     static const std::vector<const RecordKind*> kinds = {
-        &Model::kind(),           &System::kind(),         &BlockHierarchyMap::kind(),
-        &GraphicalSystem::kind(), &GraphicalBlock::kind(), &Port::kind(),
-        &Region::kind(),          &State::kind(),          &BlockParameter::kind(),
-        &ModelParameter::kind(),  &DataInterface::kind(),  &ToAsyncQueueBlock::kind(),
-        &ExternalInput::kind(),   &IOMap::kind(),          &CoderGroup::kind(),
-    };
+        CODER_DESCRIPTOR_KINDS(CODER_DESCRIPTOR_KIND_ADDRESS)};
+#undef CODER_DESCRIPTOR_KIND_ADDRESS
     return kinds;
 }
+
+namespace {
+
+// A digest (64-bit FNV-1a) of the tables that the record lists describe:
+// each kind's name, then each column's name, type, range and whether it may
+// be NULL, each reference's target and each sequence's element. The file
+// format follows from the lists, but its version number does not; the
+// static_assert below keeps the two together.
+class SchemaDigest {
+public:
+    constexpr void add(const char* text) {
+        for (; *text; ++text) mix(static_cast<unsigned char>(*text));
+        mix(0xff); // ends the text
+    }
+    constexpr void add(std::int64_t number) {
+        for (int byte = 0; byte < 8; ++byte) mix((static_cast<std::uint64_t>(number) >> (8 * byte)) & 0xff);
+    }
+    constexpr void column(const FieldInfo& field) {
+        add(field.name);
+        add(static_cast<std::int64_t>(field.type));
+        add(std::int64_t{field.optional});
+        add(field.min);
+        add(field.max);
+    }
+    constexpr void named(const char* what, const char* name, const char* target) {
+        add(what);
+        add(name);
+        add(target);
+    }
+    constexpr std::uint64_t value() const { return value_; }
+
+private:
+    constexpr void mix(std::uint64_t byte) { value_ = (value_ ^ byte) * 1099511628211ull; }
+
+    std::uint64_t value_ = 14695981039346656037ull;
+};
+
+#define CODER_DESCRIPTOR_DIGEST_KIND(Kind, LIST)                                                             \
+    digest.add(#Kind);                                                                                       \
+    LIST(CODER_DESCRIPTOR_DIGEST_VALUE, CODER_DESCRIPTOR_DIGEST_OPTIONAL, CODER_DESCRIPTOR_DIGEST_REFERENCE, \
+         CODER_DESCRIPTOR_DIGEST_SEQUENCE)
+#define CODER_DESCRIPTOR_DIGEST_VALUE(Name, T) digest.column(detail::valueField<T>(#Name, false));
+#define CODER_DESCRIPTOR_DIGEST_OPTIONAL(Name, T) digest.column(detail::optionalField<T>(#Name));
+#define CODER_DESCRIPTOR_DIGEST_REFERENCE(Name, K) digest.named("reference", #Name, #K);
+#define CODER_DESCRIPTOR_DIGEST_SEQUENCE(Name, E) digest.named("sequence", #Name, #E);
+
+constexpr std::uint64_t schemaDigest() {
+    SchemaDigest digest;
+    CODER_DESCRIPTOR_KINDS(CODER_DESCRIPTOR_DIGEST_KIND)
+    return digest.value();
+}
+
+// A change to the record lists is a new file format: raise
+// Repository::kFormatVersion, let validateOrCreate read (or upgrade) the
+// stores of the format before, describe the format at the top of this file,
+// then take the new digest.
+static_assert(Repository::kFormatVersion == 2 && schemaDigest() == 0x97580ea01614ba06ull,
+              "the record lists no longer describe format 2 of the store");
+
+} // namespace
+
 } // namespace descriptor
 
 namespace detail {

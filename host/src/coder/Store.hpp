@@ -8,8 +8,9 @@
 #include <variant>
 #include <vector>
 
-#include "coder/Repository.hpp"
+#include "coder/RepositoryOptions.hpp"
 #include "coder/descriptor/Object.hpp"
+#include "coder/descriptor/RecordKind.hpp"
 
 namespace SQLite {
 class Database;
