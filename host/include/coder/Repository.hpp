@@ -102,6 +102,7 @@ public:
 private:
     // The connection, shared with the descriptor objects taken from it.
     friend class ReadTransaction;
+    friend class Savepoint;
     friend class descriptor::Creator;
     friend class descriptor::RepositoryHelper;
     const std::shared_ptr<detail::Store>& store() const { return store_; }

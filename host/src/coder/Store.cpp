@@ -365,6 +365,7 @@ void Store::begin() {
         vel::diag::throwError("coder:Repository:ReadOnly",
                               {pathText_, "the file cannot be opened for writing"});
     forgetPositions();
+    newTransactionState();
     try {
         // IMMEDIATE takes the write lock now, so two writers wait for each
         // other here (up to the busy timeout) instead of failing mid-way.
@@ -388,6 +389,7 @@ void Store::begin() {
 bool Store::beginRead() {
     requireOpen();
     if (inTransaction()) return false;
+    newTransactionState();
     try {
         db_->exec("BEGIN");
         // A deferred transaction locks at its first read: take the lock now
@@ -402,6 +404,7 @@ bool Store::beginRead() {
 
 void Store::commit() {
     requireTransaction();
+    newTransactionState();
     try {
         db_->exec("COMMIT");
     } catch (const SQLite::Exception& e) {
@@ -414,6 +417,7 @@ void Store::commit() {
 
 void Store::rollback() noexcept {
     forgetPositions();
+    newTransactionState();
     if (!inTransaction()) return;
     sqlite3_exec(db_->getHandle(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
@@ -616,7 +620,12 @@ std::int64_t Store::insert(const RecordKind& kind, const std::vector<StoredValue
                 statement.bind(parameter);
         }
         statement.exec();
-        return db_->getLastInsertRowid();
+        const std::int64_t id = db_->getLastInsertRowid();
+        if (openSavepoints_ > 0) {
+            notes_.push_back({Note::What::Created, &kind, 0, id, 0});
+            firstCreated_.try_emplace(&kind, id);
+        }
+        return id;
     } catch (const SQLite::Exception& e) {
         raise(e);
     }
@@ -681,6 +690,12 @@ std::vector<FieldValue> Store::readRow(const RecordKind& kind, std::int64_t id) 
 
 void Store::setReference(const RecordKind& kind, std::size_t field, std::int64_t id, std::int64_t target) {
     requireTransaction();
+    // A reference changed on a record older than the open savepoints cannot
+    // be taken back alone.
+    if (openSavepoints_ > 0) {
+        const auto first = firstCreated_.find(&kind);
+        if (first == firstCreated_.end() || id < first->second) undoByRollback_ = true;
+    }
     try {
         auto& slot = statementsFor(kind).updateReference.at(field);
         if (!slot)
@@ -700,6 +715,7 @@ void Store::setReference(const RecordKind& kind, std::size_t field, std::int64_t
 
 void Store::clear() {
     requireTransaction();
+    if (openSavepoints_ > 0) undoByRollback_ = true;
     try {
         for (const RecordKind* kind : descriptor::recordKinds()) {
             for (const auto& sequence : kind->sequences)
@@ -726,6 +742,7 @@ std::string Store::unfinishedRun() {
 
 void Store::setUnfinishedRun(const std::string& token) {
     requireTransaction();
+    if (openSavepoints_ > 0) undoByRollback_ = true;
     try {
         // Zeroed as it is deleted, so that the token leaves no trace in the
         // file: the same model written the same way gives the same bytes.
@@ -812,12 +829,70 @@ void Store::append(const RecordKind& kind, std::size_t sequence, std::int64_t ow
         else
             assert(false && "a sequence element is an integer, a text or a record");
         statement.exec();
+        if (openSavepoints_ > 0)
+            notes_.push_back({Note::What::Appended, &kind, sequence, owner, statements.nextPosition});
         ++statements.nextPosition;
         if (owner > statements.highestOwner) statements.highestOwner = owner;
     } catch (const SQLite::Exception& e) {
         forgetPositions();
         raise(e);
     }
+}
+
+void Store::newTransactionState() {
+    ++transactionSerial_;
+    openSavepoints_ = 0;
+    notes_.clear();
+    firstCreated_.clear();
+    undoByRollback_ = false;
+}
+
+std::size_t Store::openSavepoint() {
+    requireTransaction();
+    ++openSavepoints_;
+    return notes_.size();
+}
+
+void Store::releaseSavepoint(std::uint64_t transaction) noexcept {
+    if (transaction != transactionSerial_ || openSavepoints_ == 0) return;
+    // The outermost savepoint keeps all: nothing is left to undo.
+    if (--openSavepoints_ == 0) {
+        notes_.clear();
+        firstCreated_.clear();
+    }
+}
+
+void Store::undoSavepoint(std::uint64_t transaction, std::size_t mark) noexcept {
+    if (transaction != transactionSerial_ || openSavepoints_ == 0 || !inTransaction()) return;
+    --openSavepoints_;
+    if (undoByRollback_) {
+        rollback();
+        return;
+    }
+    try {
+        for (std::size_t i = notes_.size(); i-- > mark;) undo(notes_[i]);
+    } catch (const std::exception&) {
+        rollback();
+        return;
+    }
+    notes_.resize(mark);
+    forgetPositions();
+    firstCreated_.clear();
+    for (const Note& note : notes_)
+        if (note.what == Note::What::Created) firstCreated_.try_emplace(note.kind, note.id);
+}
+
+// Rare (a failure under a savepoint), so the statements are not kept.
+void Store::undo(const Note& note) {
+    const RecordKind& kind = *note.kind;
+    SQLite::Statement remove(*db_, note.what == Note::What::Created
+                                       ? "DELETE FROM " + quoted(kind.name) + " WHERE id = ?"
+                                       : "DELETE FROM " +
+                                             quoted(sequenceTable(kind, kind.sequences[note.sequence])) +
+                                             " WHERE owner = ? AND position = ?");
+    remove.bind(1, static_cast<int64_t>(note.id));
+    if (note.what == Note::What::Appended) remove.bind(2, static_cast<int64_t>(note.position));
+    remove.exec();
 }
 
 std::int64_t Store::firstModelId() {

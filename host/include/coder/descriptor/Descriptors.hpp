@@ -5,6 +5,7 @@
 
 #include "coder/ReadTransaction.hpp"
 #include "coder/Repository.hpp"
+#include "coder/Savepoint.hpp"
 #include "coder/descriptor/BlockHierarchyMap.hpp"
 #include "coder/descriptor/BlockParameter.hpp"
 #include "coder/descriptor/CoderGroup.hpp"
