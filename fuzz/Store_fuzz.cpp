@@ -1,6 +1,7 @@
-// Opens a damaged code descriptor store for reading and dumps it, as the
-// descriptor tool's "check" and "dump" commands do. A valid store of a model
-// holding every model class is written once; the input picks the damage:
+// Opens a damaged code descriptor store for reading and dumps it as text and
+// as JSON, as the descriptor tool's "check" and "dump" commands do. A valid
+// store of a model holding every model class is written once; the input
+// picks the damage:
 //   0 random bytes as the whole file,
 //   1 the store cut short at an offset,
 //   2 the store with bytes overwritten at offsets (mostly in the header and
@@ -327,8 +328,8 @@ void openAndDump() {
         } catch (const vel::diag::Exception& e) {
             checkDiagnostic(e, "check");
         }
-        const std::string text = coder::descriptor::dumpText(repository);
-        if (text.empty()) fail("an empty dump");
+        if (coder::descriptor::dumpText(repository).empty()) fail("an empty dump");
+        if (coder::descriptor::dumpJson(repository).empty()) fail("an empty JSON dump");
     } catch (const vel::diag::Exception& e) {
         checkDiagnostic(e, "open or dump");
     } catch (const std::exception& e) {

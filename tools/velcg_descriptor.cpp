@@ -11,28 +11,24 @@
 // Problems go to standard error in the tools' common form,
 // "velcg-descriptor: error: FILE: message [identifier]".
 #include <cerrno>
-#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <exception>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "cli/ToolCli.hpp"
 #include "coder/Repository.hpp"
-#include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
 #include "vel/diag/Diagnostic.hpp"
-#include "vel/i18n/Text.hpp"
 
 namespace {
 
 using coder::Repository;
 using coder::RepositoryOptions;
-using namespace coder::descriptor;
-using Json = nlohmann::ordered_json;
+using coder::descriptor::dumpJson;
+using coder::descriptor::dumpText;
 
 const VelCG::cli::Tool kTool = {
     "velcg-descriptor",
@@ -52,60 +48,6 @@ const VelCG::cli::Tool kTool = {
     "                    prints \"FILE: ok\"\n"
     "\n"
     "Exit status: 0 done, 1 the file cannot be read or is unsound, 2 bad usage.\n"};
-
-// The same limit as the text dump: deep enough for any real model, while a
-// damaged store cannot exhaust the stack.
-constexpr std::size_t kMaxDepth = 512;
-
-// The model as JSON. A record is an object: "kind", then its fields by name
-// (null for an absent field or an unset reference, a nested object for a set
-// one), then its sequences by name as arrays. A record that refers back to
-// one of its ancestors is written as {"kind": ..., "cycle": true}. A real
-// that is not finite is written as the string "Infinity", "-Infinity" or
-// "NaN".
-class JsonDumper {
-public:
-    Json record(const Object& object) {
-        Json out = Json::object();
-        out["kind"] = object.getKind()->name;
-        for (const Object& ancestor : path_) {
-            if (ancestor == object) {
-                out["cycle"] = true;
-                return out;
-            }
-        }
-        if (path_.size() >= kMaxDepth)
-            vel::diag::throwError("coder:descriptor:TooDeep", {std::to_string(kMaxDepth)});
-        path_.push_back(object);
-        const RecordKind& kind = *object.getKind();
-        const std::vector<FieldValue> fields = object.getFields();
-        for (std::size_t i = 0; i < kind.fields.size(); ++i) out[kind.fields[i].name] = value(fields[i]);
-        for (std::size_t s = 0; s < kind.sequences.size(); ++s) {
-            Json elements = Json::array();
-            const std::size_t size = object.getSequenceSize(s);
-            for (std::size_t p = 0; p < size; ++p) elements.push_back(value(object.getSequenceElement(s, p)));
-            out[kind.sequences[s].name] = std::move(elements);
-        }
-        path_.pop_back();
-        return out;
-    }
-
-private:
-    Json value(const FieldValue& field) {
-        if (auto* b = std::get_if<bool>(&field)) return *b;
-        if (auto* n = std::get_if<std::int64_t>(&field)) return *n;
-        if (auto* r = std::get_if<double>(&field)) {
-            if (std::isfinite(*r)) return *r;
-            // JSON has no numbers for these; null would read as absent.
-            return std::isnan(*r) ? "NaN" : *r > 0 ? "Infinity" : "-Infinity";
-        }
-        if (auto* t = std::get_if<ustring>(&field)) return vel::i18n::toUtf8(*t);
-        if (auto* o = std::get_if<Object>(&field)) return o->isNull() ? Json() : record(*o);
-        return nullptr;
-    }
-
-    std::vector<Object> path_;
-};
 
 Repository openForReading(const std::string& file) {
     RepositoryOptions options;
@@ -131,13 +73,7 @@ int dump(const VelCG::cli::Tool& tool, const std::string& file, bool json) {
     std::string out;
     {
         Repository repository = openForReading(file);
-        if (json) {
-            coder::ReadTransaction view(repository);
-            JsonDumper dumper;
-            out = dumper.record(RepositoryHelper::getModel(repository)).dump(2) + "\n";
-        } else {
-            out = dumpText(repository);
-        }
+        out = json ? dumpJson(repository) : dumpText(repository);
     }
     return emit(tool, file, out);
 }

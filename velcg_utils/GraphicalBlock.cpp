@@ -1,6 +1,7 @@
 #include "velcg/GraphicalBlock.hpp"
 
 #include "Serialization.hpp"
+#include "coder/Savepoint.hpp"
 #include "coder/descriptor/GraphicalBlock.hpp"
 #include "vel/i18n/Text.hpp"
 #include "velcg/CGModel.hpp"
@@ -105,6 +106,9 @@ tuvArrayPtr GraphicalBlock::getDataInterfaceRecordsListAsTuvArray(
 
 coder::descriptor::GraphicalBlock GraphicalBlock::serialize(coder::Repository& repository) {
     using vel::i18n::toUString;
+    // A failure below takes back what was written of the block, so that a
+    // caller's transaction that goes on holds no part of it.
+    coder::Savepoint savepoint(repository);
     coder::descriptor::GraphicalBlockCreator creator(repository);
     creator.setGraphicalName(toUString(getVelName()));
     creator.setName(toUString(getName()));
@@ -166,6 +170,7 @@ coder::descriptor::GraphicalBlock GraphicalBlock::serialize(coder::Repository& r
     for (const Parameter* parameter : getParameters())
         parameters.append(
             detail::nonNull(parameter, "A parameter of a graphical block").serialize(repository));
+    savepoint.release();
     return block;
 }
 

@@ -90,7 +90,9 @@ public:
     //
     // REQUIRES: a transaction is open on repository. A null element in any
     // list, or a record that reports a data interface and gives none, raises
-    // "VelCG:Model:NullArgument"; store failures pass through.
+    // "VelCG:Model:NullArgument"; store failures pass through. A failure
+    // leaves nothing of the block in the repository, and the transaction
+    // open with what was written before the call (see coder::Savepoint).
     coder::descriptor::GraphicalBlock serialize(coder::Repository& repository);
 
 private:

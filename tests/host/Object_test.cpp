@@ -1,5 +1,5 @@
-// The descriptor records of coder/descriptor/Object.hpp: the generic Object,
-// its Sequences and the Creator that writes records.
+// The generic descriptor Object, its Sequences and the Creator that writes
+// records (coder/descriptor/Object.hpp, Sequence.hpp and Creator.hpp).
 #include "coder/descriptor/Object.hpp"
 
 #include <cmath>

@@ -128,6 +128,8 @@ TEST(Repository, TransactionMisuseIsADiagnostic) {
     EXPECT_EQ("coder:Repository:NoTransaction",
               diagnosticOf([&] { ModelCreator(repository).createModel(); }));
     EXPECT_EQ("coder:Repository:NoTransaction", diagnosticOf([&] { repository.commitTransaction(); }));
+    EXPECT_EQ("coder:Repository:NoTransaction",
+              diagnosticOf([&] { coder::Savepoint savepoint(repository); }));
     repository.beginTransaction();
     EXPECT_EQ("coder:Repository:TransactionActive", diagnosticOf([&] { repository.beginTransaction(); }));
     Model model = ModelCreator(repository).createModel();
@@ -136,6 +138,9 @@ TEST(Repository, TransactionMisuseIsADiagnostic) {
               diagnosticOf([&] { model.getSystems().append(SystemCreator(repository).createSystem()); }));
 
     Transaction transaction(repository);
+    coder::Savepoint savepoint(repository);
+    savepoint.release();
+    EXPECT_EQ("coder:Repository:NoTransaction", diagnosticOf([&] { savepoint.release(); }));
     transaction.commit();
     EXPECT_EQ("coder:Repository:NoTransaction", diagnosticOf([&] { transaction.commit(); }));
 }

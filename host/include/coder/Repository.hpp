@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "coder/RepositoryOptions.hpp"
+// Every writer of a repository needs a transaction.
+#include "coder/Transaction.hpp"
 #include "vel/HostExport.hpp"
 
 namespace coder {
@@ -14,20 +17,10 @@ namespace detail {
 class Store;
 }
 
-struct RepositoryOptions {
-    enum class Access {
-        ReadWrite, // creates the file when it is absent
-        ReadOnly,  // the file must exist; nothing is ever written
-    };
-    Access access = Access::ReadWrite;
-    // How long beginTransaction waits for another connection's write lock
-    // (and a read for a commit in progress) before "coder:Repository:Busy".
-    int busyTimeoutMs = 5000;
-    // Upper bound on the file's size in pages; 0 keeps SQLite's default.
-    // Writes past it fail with "coder:Repository:Full", which makes a full
-    // disk reproducible.
-    std::uint64_t maxPageCount = 0;
-};
+namespace descriptor {
+class Creator;
+class RepositoryHelper;
+} // namespace descriptor
 
 // A code descriptor store: one SQLite file holding the description of one
 // model (see coder/descriptor/*). The file format is described at the top
@@ -106,45 +99,16 @@ public:
     // per problem found.
     std::vector<std::string> checkIntegrity() const;
 
-    // The connection shared with descriptor objects (internal to the store).
+private:
+    // The connection, shared with the descriptor objects taken from it.
+    friend class ReadTransaction;
+    friend class Savepoint;
+    friend class descriptor::Creator;
+    friend class descriptor::RepositoryHelper;
     const std::shared_ptr<detail::Store>& store() const { return store_; }
 
-private:
     std::filesystem::path path_;
     std::shared_ptr<detail::Store> store_;
-};
-
-// Begins a transaction on construction and rolls it back on destruction
-// unless commit() was called. The destructor never throws.
-class VELHOST_API Transaction {
-public:
-    explicit Transaction(Repository& repository);
-    ~Transaction();
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-
-    // REQUIRES: not yet committed.
-    void commit();
-
-private:
-    Repository& repository_;
-    bool committed_ = false;
-};
-
-// A consistent view of the store for reading: the reads made while it lives
-// see one committed state and take the file lock once instead of once per
-// read, which makes walking a large store several times faster. Works on
-// read-only repositories; does nothing when a transaction is already open.
-class VELHOST_API ReadTransaction {
-public:
-    explicit ReadTransaction(Repository& repository);
-    ~ReadTransaction();
-    ReadTransaction(const ReadTransaction&) = delete;
-    ReadTransaction& operator=(const ReadTransaction&) = delete;
-
-private:
-    Repository& repository_;
-    bool active_;
 };
 
 } // namespace coder

@@ -1,22 +1,10 @@
 #include "coder/descriptor/Object.hpp"
 
-#include <cmath>
-
 #include "Store.hpp"
-#include "coder/Repository.hpp"
+#include "coder/descriptor/Sequence.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace coder::descriptor {
-
-namespace {
-// A value list's element, as FieldValue holds it.
-void checkValue(const FieldValue& value, const SequenceInfo& sequence) {
-    const bool fits = sequence.valueType == FieldType::Integer ? std::holds_alternative<std::int64_t>(value)
-                                                               : std::holds_alternative<ustring>(value);
-    if (!fits)
-        vel::diag::throwError("coder:descriptor:WrongKind", {sequence.name, "a value of another type"});
-}
-} // namespace
 
 coder::detail::Store& Object::checkedStore() const {
     if (isNull()) vel::diag::throwError("coder:descriptor:NullObject", {});
@@ -85,87 +73,6 @@ detail::SequenceRef Object::sequence(std::size_t index) const {
         vel::diag::throwError("coder:descriptor:IndexOutOfRange",
                               {std::to_string(index), std::to_string(kind_->sequences.size()), kind_->name});
     return detail::SequenceRef{store_, kind_, id_, index};
-}
-
-namespace detail {
-
-std::size_t SequenceRef::size() const {
-    store->requireOpen();
-    return store->sequenceSize(*owner, index, ownerId);
-}
-
-Object SequenceRef::objectAt(std::size_t position) const {
-    store->requireOpen();
-    FieldValue value = store->sequenceElement(*owner, index, ownerId, position);
-    return std::get<Object>(std::move(value));
-}
-
-void SequenceRef::appendObject(const Object& element) const {
-    store->requireOpen();
-    const SequenceInfo& info = owner->sequences[index];
-    if (element.isNull()) vel::diag::throwError("coder:descriptor:NullObject", {});
-    if (element.store_ != store)
-        vel::diag::throwError("coder:descriptor:WrongRepository", {owner->name, info.name});
-    if (!info.element || element.kind_ != &info.element()) Object::raiseWrongKind(element, info.element());
-    store->append(*owner, index, ownerId, FieldValue(element));
-}
-
-FieldValue SequenceRef::valueAt(std::size_t position) const {
-    store->requireOpen();
-    return store->sequenceElement(*owner, index, ownerId, position);
-}
-
-void SequenceRef::appendValue(const FieldValue& value) const {
-    store->requireOpen();
-    checkValue(value, owner->sequences[index]);
-    store->append(*owner, index, ownerId, value);
-}
-
-} // namespace detail
-
-Creator::Creator(Repository& repository, const RecordKind& kind) : store_(repository.store()), kind_(kind) {
-    store_->requireOpen();
-    values_.reserve(kind.fields.size());
-    for (const FieldInfo& field : kind.fields) {
-        if (field.optional || field.type == FieldType::Reference)
-            values_.emplace_back();
-        else if (field.type == FieldType::Real)
-            values_.emplace_back(0.0);
-        else if (field.type == FieldType::Text)
-            values_.emplace_back(std::string());
-        else
-            values_.emplace_back(std::int64_t{0});
-    }
-}
-
-Creator::~Creator() = default;
-
-void Creator::setBoolean(std::size_t field, bool value) { values_.at(field) = std::int64_t{value ? 1 : 0}; }
-
-void Creator::setInteger(std::size_t field, std::int64_t value) {
-    const FieldInfo& info = kind_.fields.at(field);
-    if (value < info.min || value > info.max)
-        vel::diag::throwError("coder:descriptor:OutOfRange", {kind_.name, info.name, std::to_string(value)});
-    values_[field] = value;
-}
-
-void Creator::setReal(std::size_t field, double value) {
-    // SQLite would store NaN as NULL, which reads back as no value at all.
-    if (std::isnan(value))
-        vel::diag::throwError("coder:descriptor:OutOfRange",
-                              {kind_.name, kind_.fields.at(field).name, "NaN"});
-    values_.at(field) = value;
-}
-
-void Creator::setText(std::size_t field, const ustring& value) {
-    values_.at(field) = vel::i18n::toUtf8(value);
-}
-
-void Creator::removeAllRecords() { store_->clear(); }
-
-Object Creator::create() {
-    const std::int64_t id = store_->insert(kind_, values_);
-    return Object(store_, &kind_, id);
 }
 
 } // namespace coder::descriptor

@@ -1,7 +1,6 @@
 #include "coder/Repository.hpp"
 
 #include "Store.hpp"
-#include "vel/diag/Diagnostic.hpp"
 
 namespace coder {
 
@@ -27,25 +26,5 @@ std::string Repository::getUnfinishedRun() const { return store_->unfinishedRun(
 void Repository::setUnfinishedRun(const std::string& token) { store_->setUnfinishedRun(token); }
 
 std::vector<std::string> Repository::checkIntegrity() const { return store_->checkIntegrity(); }
-
-Transaction::Transaction(Repository& repository) : repository_(repository) { repository_.beginTransaction(); }
-
-Transaction::~Transaction() {
-    if (!committed_) repository_.rollbackTransaction();
-}
-
-void Transaction::commit() {
-    if (committed_)
-        vel::diag::throwError("coder:Repository:NoTransaction", {repository_.getPath().u8string()});
-    repository_.commitTransaction();
-    committed_ = true;
-}
-
-ReadTransaction::ReadTransaction(Repository& repository)
-    : repository_(repository), active_(repository.store()->beginRead()) {}
-
-ReadTransaction::~ReadTransaction() {
-    if (active_) repository_.rollbackTransaction();
-}
 
 } // namespace coder

@@ -69,22 +69,101 @@
 
 #include <sqlite3.h>
 
+#include "RecordDefinition.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace coder {
 
+// Every record kind with its list of fields and sequences, in the order its
+// tables are created.
+#define CODER_DESCRIPTOR_KINDS(KIND)                               \
+    KIND(Model, CODER_DESCRIPTOR_MODEL)                            \
+    KIND(System, CODER_DESCRIPTOR_SYSTEM)                          \
+    KIND(BlockHierarchyMap, CODER_DESCRIPTOR_BLOCK_HIERARCHY_MAP)  \
+    KIND(GraphicalSystem, CODER_DESCRIPTOR_GRAPHICAL_SYSTEM)       \
+    KIND(GraphicalBlock, CODER_DESCRIPTOR_GRAPHICAL_BLOCK)         \
+    KIND(Port, CODER_DESCRIPTOR_PORT)                              \
+    KIND(Region, CODER_DESCRIPTOR_REGION)                          \
+    KIND(State, CODER_DESCRIPTOR_STATE)                            \
+    KIND(BlockParameter, CODER_DESCRIPTOR_BLOCK_PARAMETER)         \
+    KIND(ModelParameter, CODER_DESCRIPTOR_MODEL_PARAMETER)         \
+    KIND(DataInterface, CODER_DESCRIPTOR_DATA_INTERFACE)           \
+    KIND(ToAsyncQueueBlock, CODER_DESCRIPTOR_TO_ASYNC_QUEUE_BLOCK) \
+    KIND(ExternalInput, CODER_DESCRIPTOR_EXTERNAL_INPUT)           \
+    KIND(IOMap, CODER_DESCRIPTOR_IO_MAP)                           \
+    KIND(CoderGroup, CODER_DESCRIPTOR_CODER_GROUP)
+
 namespace descriptor {
+
 const std::vector<const RecordKind*>& recordKinds() {
+#define CODER_DESCRIPTOR_KIND_ADDRESS(Kind, LIST) &Kind::kind(),
     static const std::vector<const RecordKind*> kinds = {
-        &Model::kind(),           &System::kind(),         &BlockHierarchyMap::kind(),
-        &GraphicalSystem::kind(), &GraphicalBlock::kind(), &Port::kind(),
-        &Region::kind(),          &State::kind(),          &BlockParameter::kind(),
-        &ModelParameter::kind(),  &DataInterface::kind(),  &ToAsyncQueueBlock::kind(),
-        &ExternalInput::kind(),   &IOMap::kind(),          &CoderGroup::kind(),
-    };
+        CODER_DESCRIPTOR_KINDS(CODER_DESCRIPTOR_KIND_ADDRESS)};
+#undef CODER_DESCRIPTOR_KIND_ADDRESS
     return kinds;
 }
+
+namespace {
+
+// A digest (64-bit FNV-1a) of the tables that the record lists describe:
+// each kind's name, then each column's name, type, range and whether it may
+// be NULL, each reference's target and each sequence's element. The file
+// format follows from the lists, but its version number does not; the
+// static_assert below keeps the two together.
+class SchemaDigest {
+public:
+    constexpr void add(const char* text) {
+        for (; *text; ++text) mix(static_cast<unsigned char>(*text));
+        mix(0xff); // ends the text
+    }
+    constexpr void add(std::int64_t number) {
+        for (int byte = 0; byte < 8; ++byte) mix((static_cast<std::uint64_t>(number) >> (8 * byte)) & 0xff);
+    }
+    constexpr void column(const FieldInfo& field) {
+        add(field.name);
+        add(static_cast<std::int64_t>(field.type));
+        add(std::int64_t{field.optional});
+        add(field.min);
+        add(field.max);
+    }
+    constexpr void named(const char* what, const char* name, const char* target) {
+        add(what);
+        add(name);
+        add(target);
+    }
+    constexpr std::uint64_t value() const { return value_; }
+
+private:
+    constexpr void mix(std::uint64_t byte) { value_ = (value_ ^ byte) * 1099511628211ull; }
+
+    std::uint64_t value_ = 14695981039346656037ull;
+};
+
+#define CODER_DESCRIPTOR_DIGEST_KIND(Kind, LIST)                                                             \
+    digest.add(#Kind);                                                                                       \
+    LIST(CODER_DESCRIPTOR_DIGEST_VALUE, CODER_DESCRIPTOR_DIGEST_OPTIONAL, CODER_DESCRIPTOR_DIGEST_REFERENCE, \
+         CODER_DESCRIPTOR_DIGEST_SEQUENCE)
+#define CODER_DESCRIPTOR_DIGEST_VALUE(Name, T) digest.column(detail::valueField<T>(#Name, false));
+#define CODER_DESCRIPTOR_DIGEST_OPTIONAL(Name, T) digest.column(detail::optionalField<T>(#Name));
+#define CODER_DESCRIPTOR_DIGEST_REFERENCE(Name, K) digest.named("reference", #Name, #K);
+#define CODER_DESCRIPTOR_DIGEST_SEQUENCE(Name, E) digest.named("sequence", #Name, #E);
+
+constexpr std::uint64_t schemaDigest() {
+    SchemaDigest digest;
+    CODER_DESCRIPTOR_KINDS(CODER_DESCRIPTOR_DIGEST_KIND)
+    return digest.value();
+}
+
+// A change to the record lists is a new file format: raise
+// Repository::kFormatVersion, let validateOrCreate read (or upgrade) the
+// stores of the format before, describe the format at the top of this file,
+// then take the new digest.
+static_assert(Repository::kFormatVersion == 2 && schemaDigest() == 0x97580ea01614ba06ull,
+              "the record lists no longer describe format 2 of the store");
+
+} // namespace
+
 } // namespace descriptor
 
 namespace detail {
@@ -286,6 +365,7 @@ void Store::begin() {
         vel::diag::throwError("coder:Repository:ReadOnly",
                               {pathText_, "the file cannot be opened for writing"});
     forgetPositions();
+    newTransactionState();
     try {
         // IMMEDIATE takes the write lock now, so two writers wait for each
         // other here (up to the busy timeout) instead of failing mid-way.
@@ -309,6 +389,7 @@ void Store::begin() {
 bool Store::beginRead() {
     requireOpen();
     if (inTransaction()) return false;
+    newTransactionState();
     try {
         db_->exec("BEGIN");
         // A deferred transaction locks at its first read: take the lock now
@@ -323,6 +404,7 @@ bool Store::beginRead() {
 
 void Store::commit() {
     requireTransaction();
+    newTransactionState();
     try {
         db_->exec("COMMIT");
     } catch (const SQLite::Exception& e) {
@@ -335,6 +417,7 @@ void Store::commit() {
 
 void Store::rollback() noexcept {
     forgetPositions();
+    newTransactionState();
     if (!inTransaction()) return;
     sqlite3_exec(db_->getHandle(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
@@ -537,7 +620,12 @@ std::int64_t Store::insert(const RecordKind& kind, const std::vector<StoredValue
                 statement.bind(parameter);
         }
         statement.exec();
-        return db_->getLastInsertRowid();
+        const std::int64_t id = db_->getLastInsertRowid();
+        if (openSavepoints_ > 0) {
+            notes_.push_back({Note::What::Created, &kind, 0, id, 0});
+            firstCreated_.try_emplace(&kind, id);
+        }
+        return id;
     } catch (const SQLite::Exception& e) {
         raise(e);
     }
@@ -602,6 +690,12 @@ std::vector<FieldValue> Store::readRow(const RecordKind& kind, std::int64_t id) 
 
 void Store::setReference(const RecordKind& kind, std::size_t field, std::int64_t id, std::int64_t target) {
     requireTransaction();
+    // A reference changed on a record older than the open savepoints cannot
+    // be taken back alone.
+    if (openSavepoints_ > 0) {
+        const auto first = firstCreated_.find(&kind);
+        if (first == firstCreated_.end() || id < first->second) undoByRollback_ = true;
+    }
     try {
         auto& slot = statementsFor(kind).updateReference.at(field);
         if (!slot)
@@ -621,6 +715,7 @@ void Store::setReference(const RecordKind& kind, std::size_t field, std::int64_t
 
 void Store::clear() {
     requireTransaction();
+    if (openSavepoints_ > 0) undoByRollback_ = true;
     try {
         for (const RecordKind* kind : descriptor::recordKinds()) {
             for (const auto& sequence : kind->sequences)
@@ -647,6 +742,7 @@ std::string Store::unfinishedRun() {
 
 void Store::setUnfinishedRun(const std::string& token) {
     requireTransaction();
+    if (openSavepoints_ > 0) undoByRollback_ = true;
     try {
         // Zeroed as it is deleted, so that the token leaves no trace in the
         // file: the same model written the same way gives the same bytes.
@@ -733,12 +829,70 @@ void Store::append(const RecordKind& kind, std::size_t sequence, std::int64_t ow
         else
             assert(false && "a sequence element is an integer, a text or a record");
         statement.exec();
+        if (openSavepoints_ > 0)
+            notes_.push_back({Note::What::Appended, &kind, sequence, owner, statements.nextPosition});
         ++statements.nextPosition;
         if (owner > statements.highestOwner) statements.highestOwner = owner;
     } catch (const SQLite::Exception& e) {
         forgetPositions();
         raise(e);
     }
+}
+
+void Store::newTransactionState() {
+    ++transactionSerial_;
+    openSavepoints_ = 0;
+    notes_.clear();
+    firstCreated_.clear();
+    undoByRollback_ = false;
+}
+
+std::size_t Store::openSavepoint() {
+    requireTransaction();
+    ++openSavepoints_;
+    return notes_.size();
+}
+
+void Store::releaseSavepoint(std::uint64_t transaction) noexcept {
+    if (transaction != transactionSerial_ || openSavepoints_ == 0) return;
+    // The outermost savepoint keeps all: nothing is left to undo.
+    if (--openSavepoints_ == 0) {
+        notes_.clear();
+        firstCreated_.clear();
+    }
+}
+
+void Store::undoSavepoint(std::uint64_t transaction, std::size_t mark) noexcept {
+    if (transaction != transactionSerial_ || openSavepoints_ == 0 || !inTransaction()) return;
+    --openSavepoints_;
+    if (undoByRollback_) {
+        rollback();
+        return;
+    }
+    try {
+        for (std::size_t i = notes_.size(); i-- > mark;) undo(notes_[i]);
+    } catch (const std::exception&) {
+        rollback();
+        return;
+    }
+    notes_.resize(mark);
+    forgetPositions();
+    firstCreated_.clear();
+    for (const Note& note : notes_)
+        if (note.what == Note::What::Created) firstCreated_.try_emplace(note.kind, note.id);
+}
+
+// Rare (a failure under a savepoint), so the statements are not kept.
+void Store::undo(const Note& note) {
+    const RecordKind& kind = *note.kind;
+    SQLite::Statement remove(*db_, note.what == Note::What::Created
+                                       ? "DELETE FROM " + quoted(kind.name) + " WHERE id = ?"
+                                       : "DELETE FROM " +
+                                             quoted(sequenceTable(kind, kind.sequences[note.sequence])) +
+                                             " WHERE owner = ? AND position = ?");
+    remove.bind(1, static_cast<int64_t>(note.id));
+    if (note.what == Note::What::Appended) remove.bind(2, static_cast<int64_t>(note.position));
+    remove.exec();
 }
 
 std::int64_t Store::firstModelId() {

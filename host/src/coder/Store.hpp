@@ -8,8 +8,9 @@
 #include <variant>
 #include <vector>
 
-#include "coder/Repository.hpp"
+#include "coder/RepositoryOptions.hpp"
 #include "coder/descriptor/Object.hpp"
+#include "coder/descriptor/RecordKind.hpp"
 
 namespace SQLite {
 class Database;
@@ -81,9 +82,30 @@ public:
     void setUnfinishedRun(const std::string& token);
     std::vector<std::string> checkIntegrity();
 
+    // Savepoints (coder::Savepoint). While one is open, the store notes the
+    // records it creates and the elements it appends, so that undoSavepoint
+    // can take them back. Each transaction has a serial number of its own: a
+    // savepoint of a transaction that has ended does nothing.
+    std::uint64_t transactionSerial() const { return transactionSerial_; }
+    // Raises "coder:Repository:NoTransaction" outside a transaction. Returns
+    // the mark that undoSavepoint takes.
+    std::size_t openSavepoint();
+    void releaseSavepoint(std::uint64_t transaction) noexcept;
+    // Undoes what was noted since mark, or, where that cannot be done record
+    // by record, rolls back the whole transaction.
+    void undoSavepoint(std::uint64_t transaction, std::size_t mark) noexcept;
+
 private:
     struct SequenceStatements;
     struct KindStatements;
+    // One write noted for the open savepoints.
+    struct Note {
+        enum class What { Created, Appended } what;
+        const RecordKind* kind;
+        std::size_t sequence;  // Appended
+        std::int64_t id;       // the record, or the sequence's owner
+        std::int64_t position; // Appended
+    };
 
     void firstRead(const RepositoryOptions& options);
     void validateOrCreate(const RepositoryOptions& options);
@@ -93,6 +115,9 @@ private:
     FieldValue readColumn(SQLite::Statement& statement, int column, const RecordKind& kind,
                           const descriptor::FieldInfo& field);
     void forgetPositions();
+    // A transaction began or ended: its notes and savepoints are gone.
+    void newTransactionState();
+    void undo(const Note& note);
 
     std::string pathText_;
     bool readOnly_;
@@ -100,6 +125,16 @@ private:
     bool writeProtected_ = false;
     std::unique_ptr<SQLite::Database> db_;
     std::unordered_map<const RecordKind*, std::unique_ptr<KindStatements>> statements_;
+
+    std::uint64_t transactionSerial_ = 0;
+    std::size_t openSavepoints_ = 0;
+    std::vector<Note> notes_;
+    // The first record of each kind created under the open savepoints: ids
+    // grow, so the records from it on are theirs.
+    std::unordered_map<const RecordKind*, std::int64_t> firstCreated_;
+    // Set when the open savepoints saw a write they cannot undo alone: a new
+    // model, the unfinished run, a reference changed on an older record.
+    bool undoByRollback_ = false;
 };
 
 } // namespace coder::detail

@@ -27,6 +27,7 @@
 #include "ChildProcess.hpp"
 #include "DiagnosticTesting.hpp"
 #include "StartLatch.hpp"
+#include "StoreRows.hpp"
 #include "TempDir.hpp"
 #include "ToolProcess.hpp"
 #include "coder/Repository.hpp"
@@ -50,6 +51,7 @@
 
 using namespace VelCG;
 using testing_support::ChildSetup;
+using testing_support::rowCounts;
 using testing_support::runInChild;
 using testing_support::TempDir;
 namespace fs = std::filesystem;
@@ -97,30 +99,6 @@ void serialize(NamedModel& model, const fs::path& dir) {
     vel::feature::ScopedValue synchronous(VELFEAT_VelCGDirectEmitSerialize, 2);
     model.serializeModel(dir.wstring());
     model.serializeModelAfterScriv(dir.wstring());
-}
-
-// The rows of every table of the store, "table rows" a line. A pass writes
-// all its rows or none, so this tells a complete pass from a partial one.
-std::string rowCounts(const fs::path& store) {
-    sqlite3* db = nullptr;
-    std::string out;
-    if (sqlite3_open_v2(store.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
-        sqlite3_stmt* tables = nullptr;
-        sqlite3_prepare_v2(db, "SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY name", -1,
-                           &tables, nullptr);
-        while (sqlite3_step(tables) == SQLITE_ROW) {
-            const std::string table = reinterpret_cast<const char*>(sqlite3_column_text(tables, 0));
-            sqlite3_stmt* count = nullptr;
-            sqlite3_prepare_v2(db, ("SELECT count(*) FROM \"" + table + "\"").c_str(), -1, &count, nullptr);
-            if (sqlite3_step(count) == SQLITE_ROW)
-                out += table + " " + std::to_string(sqlite3_column_int64(count, 0)) + "\n";
-            sqlite3_finalize(count);
-        }
-        sqlite3_finalize(tables);
-    }
-    const std::string error = sqlite3_errmsg(db);
-    sqlite3_close(db);
-    return out.empty() ? "(unreadable: " + error + ")" : out;
 }
 
 // Opens the store for writing (which replays a journal a dead writer left)

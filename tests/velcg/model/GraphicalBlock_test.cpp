@@ -5,6 +5,10 @@
 
 #include "CG/DataInterface.hpp"
 #include "DiagnosticTesting.hpp"
+#include "StoreRows.hpp"
+#include "TempDir.hpp"
+#include "coder/Repository.hpp"
+#include "coder/descriptor/GraphicalBlock.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
@@ -142,6 +146,36 @@ struct SourceModel {
         model.getBlockHierarchyMap()->addGraphicalSubsystem(std::move(root));
     }
 };
+
+// A block whose serialization fails once its record and its first port are
+// written, inside the caller's own transaction, leaves nothing of itself:
+// the transaction goes on and stores what the caller wrote before and after
+// it, row for row as if the block had never been serialized.
+TEST(GraphicalBlock, AFailedSerializeLeavesNothingInTheCallersTransaction) {
+    SourceModel s;
+    auto* impl = new StoredGraphicalBlock(L"broken");
+    impl->addDataInputPort(std::make_unique<Port>());
+    Port* unresolvable = impl->addDataInputPort(std::make_unique<Port>());
+    unresolvable->setCGModel(&s.model);
+    unresolvable->setGrSrcPortIdx(0, 7, 0); // the subsystem has one block
+    GraphicalBlock broken(impl);
+    GraphicalBlock& good = *s.model.getBlockHierarchyMap()->getSubsystems()[0]->getBlocks()[0];
+    testing_support::TempDir dir;
+    const auto rows = [&](const char* file, bool withBroken) {
+        {
+            coder::Repository repository(dir / file);
+            coder::Transaction transaction(repository);
+            good.serialize(repository);
+            if (withBroken) {
+                EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { broken.serialize(repository); }));
+            }
+            good.serialize(repository);
+            transaction.commit();
+        }
+        return testing_support::rowCounts(dir / file);
+    };
+    EXPECT_EQ(rows("without.strata", false), rows("with.strata", true));
+}
 
 TEST(Port, GraphicalSourceResolvesThroughTheHierarchyMap) {
     SourceModel s;

@@ -1,8 +1,15 @@
 #pragma once
 
-#include <cstdint>
+#include "coder/descriptor/RecordMembers.hpp"
 
-#include "coder/descriptor/Object.hpp"
+// The fields and sequences of a DataInterface record, in column order: see
+// coder/descriptor/RecordMembers.hpp for the members each one declares.
+#define CODER_DESCRIPTOR_DATA_INTERFACE(VALUE, OPTIONAL, REFERENCE, SEQUENCE) \
+    VALUE(Identifier, ustring)                                                \
+    VALUE(Implementation, ustring)                                            \
+    VALUE(Owner, ustring)                                                     \
+    VALUE(TypeName, ustring)                                                  \
+    VALUE(GraphicalName, ustring)
 
 namespace CG {
 class DataInterface;
@@ -13,29 +20,14 @@ namespace coder::descriptor {
 // A data-interface container: where a piece of model data lives in
 // generated code, as the code generator core describes it.
 class VELHOST_API DataInterface : public Object {
-public:
-    static const RecordKind& kind();
-
-    ustring getIdentifier() const;
-    ustring getImplementation() const;
-    ustring getOwner() const;
-    ustring getTypeName() const;
-    ustring getGraphicalName() const;
+    CODER_DESCRIPTOR_RECORD(CODER_DESCRIPTOR_DATA_INTERFACE)
 };
 
 class VELHOST_API DataInterfaceCreator : public Creator {
-public:
-    explicit DataInterfaceCreator(Repository& repository);
+    CODER_DESCRIPTOR_CREATOR(DataInterface, CODER_DESCRIPTOR_DATA_INTERFACE)
+
     // Sets every field from the code generator core's description.
     void setFrom(const CG::DataInterface& dataInterface);
-
-    void setIdentifier(const ustring& value);
-    void setImplementation(const ustring& value);
-    void setOwner(const ustring& value);
-    void setTypeName(const ustring& value);
-    void setGraphicalName(const ustring& value);
-
-    DataInterface createDataInterface();
 };
 
 } // namespace coder::descriptor

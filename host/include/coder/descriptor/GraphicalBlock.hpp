@@ -4,57 +4,42 @@
 
 #include "coder/descriptor/BlockParameter.hpp"
 #include "coder/descriptor/DataInterface.hpp"
-#include "coder/descriptor/Object.hpp"
 #include "coder/descriptor/Port.hpp"
+#include "coder/descriptor/RecordMembers.hpp"
 #include "coder/descriptor/State.hpp"
+
+// The fields and sequences of a GraphicalBlock record, in column order: see
+// coder/descriptor/RecordMembers.hpp for the members each one declares.
+#define CODER_DESCRIPTOR_GRAPHICAL_BLOCK(VALUE, OPTIONAL, REFERENCE, SEQUENCE) \
+    VALUE(GraphicalName, ustring)                                              \
+    VALUE(Name, ustring)                                                       \
+    VALUE(SID, ustring)                                                        \
+    VALUE(Type, ustring)                                                       \
+    VALUE(Description, ustring)                                                \
+    VALUE(ReferencedModelName, ustring)                                        \
+    VALUE(IsProtectedModelBlock, bool)                                         \
+    VALUE(Virtual, ustring)                                                    \
+    VALUE(NumFcnCallOutputPorts, int32_t)                                      \
+    OPTIONAL(ParentSystemSID, ustring)                                         \
+    SEQUENCE(DataInputPorts, Port)                                             \
+    SEQUENCE(DataOutputPorts, Port)                                            \
+    SEQUENCE(ControlInputPorts, Port)                                          \
+    SEQUENCE(ContinuousStates, State)                                          \
+    SEQUENCE(Derivatives, State)                                               \
+    SEQUENCE(DWorks, DataInterface)                                            \
+    SEQUENCE(DiscreteStates, DataInterface)                                    \
+    SEQUENCE(BlockParameters, BlockParameter)
 
 namespace coder::descriptor {
 
 // One block of the block diagram. ParentSystemSID is absent for a block
 // without a parent subsystem.
 class VELHOST_API GraphicalBlock : public Object {
-public:
-    static const RecordKind& kind();
-
-    ustring getGraphicalName() const;
-    ustring getName() const;
-    ustring getSID() const;
-    ustring getType() const;
-    ustring getDescription() const;
-    ustring getReferencedModelName() const;
-    bool getIsProtectedModelBlock() const;
-    ustring getVirtual() const;
-    std::int32_t getNumFcnCallOutputPorts() const;
-    bool hasParentSystemSID() const;
-    // Empty when absent.
-    ustring getParentSystemSID() const;
-
-    Sequence<Port> getDataInputPorts() const;
-    Sequence<Port> getDataOutputPorts() const;
-    Sequence<Port> getControlInputPorts() const;
-    Sequence<State> getContinuousStates() const;
-    Sequence<State> getDerivatives() const;
-    Sequence<DataInterface> getDWorks() const;
-    Sequence<DataInterface> getDiscreteStates() const;
-    Sequence<BlockParameter> getBlockParameters() const;
+    CODER_DESCRIPTOR_RECORD(CODER_DESCRIPTOR_GRAPHICAL_BLOCK)
 };
 
 class VELHOST_API GraphicalBlockCreator : public Creator {
-public:
-    explicit GraphicalBlockCreator(Repository& repository);
-
-    void setGraphicalName(const ustring& value);
-    void setName(const ustring& value);
-    void setSID(const ustring& value);
-    void setType(const ustring& value);
-    void setDescription(const ustring& value);
-    void setReferencedModelName(const ustring& value);
-    void setIsProtectedModelBlock(bool value);
-    void setVirtual(const ustring& value);
-    void setNumFcnCallOutputPorts(std::int32_t value);
-    void setParentSystemSID(const ustring& value);
-
-    GraphicalBlock createGraphicalBlock();
+    CODER_DESCRIPTOR_CREATOR(GraphicalBlock, CODER_DESCRIPTOR_GRAPHICAL_BLOCK)
 };
 
 } // namespace coder::descriptor

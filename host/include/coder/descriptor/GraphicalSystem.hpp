@@ -1,38 +1,27 @@
 #pragma once
 
-#include <cstdint>
-
 #include "coder/descriptor/GraphicalBlock.hpp"
-#include "coder/descriptor/Object.hpp"
+#include "coder/descriptor/RecordMembers.hpp"
+
+// The fields and sequences of a GraphicalSystem record, in column order: see
+// coder/descriptor/RecordMembers.hpp for the members each one declares.
+#define CODER_DESCRIPTOR_GRAPHICAL_SYSTEM(VALUE, OPTIONAL, REFERENCE, SEQUENCE) \
+    VALUE(Name, ustring)                                                        \
+    VALUE(GraphicalName, ustring)                                               \
+    OPTIONAL(SubsystemType, ustring)                                            \
+    VALUE(MaskType, ustring)                                                    \
+    SEQUENCE(GraphicalBlocks, GraphicalBlock)
 
 namespace coder::descriptor {
 
 // One graphical subsystem and its blocks. SubsystemType is absent when the
 // subsystem's type has no name.
 class VELHOST_API GraphicalSystem : public Object {
-public:
-    static const RecordKind& kind();
-
-    ustring getName() const;
-    ustring getGraphicalName() const;
-    bool hasSubsystemType() const;
-    // Empty when absent.
-    ustring getSubsystemType() const;
-    ustring getMaskType() const;
-
-    Sequence<GraphicalBlock> getGraphicalBlocks() const;
+    CODER_DESCRIPTOR_RECORD(CODER_DESCRIPTOR_GRAPHICAL_SYSTEM)
 };
 
 class VELHOST_API GraphicalSystemCreator : public Creator {
-public:
-    explicit GraphicalSystemCreator(Repository& repository);
-
-    void setName(const ustring& value);
-    void setGraphicalName(const ustring& value);
-    void setSubsystemType(const ustring& value);
-    void setMaskType(const ustring& value);
-
-    GraphicalSystem createGraphicalSystem();
+    CODER_DESCRIPTOR_CREATOR(GraphicalSystem, CODER_DESCRIPTOR_GRAPHICAL_SYSTEM)
 };
 
 } // namespace coder::descriptor

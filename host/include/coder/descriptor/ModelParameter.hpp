@@ -1,43 +1,30 @@
 #pragma once
 
-#include <cstdint>
+#include "coder/descriptor/RecordMembers.hpp"
+#include "coder/descriptor/StringListElement.hpp"
 
-#include "coder/descriptor/Object.hpp"
+// The fields and sequences of a ModelParameter record, in column order: see
+// coder/descriptor/RecordMembers.hpp for the members each one declares.
+#define CODER_DESCRIPTOR_MODEL_PARAMETER(VALUE, OPTIONAL, REFERENCE, SEQUENCE) \
+    VALUE(Name, ustring)                                                       \
+    VALUE(OriginalName, ustring)                                               \
+    VALUE(Alias, bool)                                                         \
+    VALUE(Tunable, bool)                                                       \
+    VALUE(WorkspaceVariable, bool)                                             \
+    VALUE(WorkspaceVariableName, ustring)                                      \
+    OPTIONAL(GraphicalSourceSID, ustring)                                      \
+    SEQUENCE(GraphicalReferencesSID, StringListElement)
 
 namespace coder::descriptor {
 
 // A model-level parameter. GraphicalSourceSID is absent when the parameter
 // has no graphical source.
 class VELHOST_API ModelParameter : public Object {
-public:
-    static const RecordKind& kind();
-
-    ustring getName() const;
-    ustring getOriginalName() const;
-    bool getAlias() const;
-    bool getTunable() const;
-    bool getWorkspaceVariable() const;
-    ustring getWorkspaceVariableName() const;
-    bool hasGraphicalSourceSID() const;
-    // Empty when absent.
-    ustring getGraphicalSourceSID() const;
-
-    Sequence<StringListElement> getGraphicalReferencesSID() const;
+    CODER_DESCRIPTOR_RECORD(CODER_DESCRIPTOR_MODEL_PARAMETER)
 };
 
 class VELHOST_API ModelParameterCreator : public Creator {
-public:
-    explicit ModelParameterCreator(Repository& repository);
-
-    void setName(const ustring& value);
-    void setOriginalName(const ustring& value);
-    void setAlias(bool value);
-    void setTunable(bool value);
-    void setWorkspaceVariable(bool value);
-    void setWorkspaceVariableName(const ustring& value);
-    void setGraphicalSourceSID(const ustring& value);
-
-    ModelParameter createModelParameter();
+    CODER_DESCRIPTOR_CREATOR(ModelParameter, CODER_DESCRIPTOR_MODEL_PARAMETER)
 };
 
 } // namespace coder::descriptor

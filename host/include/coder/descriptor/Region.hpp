@@ -1,30 +1,24 @@
 #pragma once
 
-#include <cstdint>
+#include "coder/descriptor/IntegerArrayElement.hpp"
+#include "coder/descriptor/RecordMembers.hpp"
 
-#include "coder/descriptor/Object.hpp"
+// The fields and sequences of a Region record, in column order: see
+// coder/descriptor/RecordMembers.hpp for the members each one declares.
+#define CODER_DESCRIPTOR_REGION(VALUE, OPTIONAL, REFERENCE, SEQUENCE) \
+    VALUE(GroundLabel, ustring)                                       \
+    VALUE(Source, ustring)                                            \
+    SEQUENCE(Dimensions, IntegerArrayElement)
 
 namespace coder::descriptor {
 
 // One contiguous piece of the signal at a port.
 class VELHOST_API Region : public Object {
-public:
-    static const RecordKind& kind();
-
-    ustring getGroundLabel() const;
-    ustring getSource() const;
-
-    Sequence<IntegerArrayElement> getDimensions() const;
+    CODER_DESCRIPTOR_RECORD(CODER_DESCRIPTOR_REGION)
 };
 
 class VELHOST_API RegionCreator : public Creator {
-public:
-    explicit RegionCreator(Repository& repository);
-
-    void setGroundLabel(const ustring& value);
-    void setSource(const ustring& value);
-
-    Region createRegion();
+    CODER_DESCRIPTOR_CREATOR(Region, CODER_DESCRIPTOR_REGION)
 };
 
 } // namespace coder::descriptor

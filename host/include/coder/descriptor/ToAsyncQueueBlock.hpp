@@ -2,97 +2,62 @@
 
 #include <cstdint>
 
-#include "coder/descriptor/Object.hpp"
+#include "coder/descriptor/IntegerArrayElement.hpp"
+#include "coder/descriptor/RecordMembers.hpp"
+#include "coder/descriptor/StringListElement.hpp"
+
+// The fields and sequences of a ToAsyncQueueBlock record, in column order: see
+// coder/descriptor/RecordMembers.hpp for the members each one declares.
+#define CODER_DESCRIPTOR_TO_ASYNC_QUEUE_BLOCK(VALUE, OPTIONAL, REFERENCE, SEQUENCE) \
+    VALUE(IsFixedPoint, bool)                                                       \
+    VALUE(IsEnum, bool)                                                             \
+    VALUE(DataTypeId, int32_t)                                                      \
+    VALUE(DataTypeSize, int32_t)                                                    \
+    VALUE(FxpNumericType, int32_t)                                                  \
+    VALUE(FxpSignedness, uint32_t)                                                  \
+    VALUE(FxpWordLength, int32_t)                                                   \
+    VALUE(FxpFractionLength, int32_t)                                               \
+    VALUE(FxpSlopeAdjFactor, double)                                                \
+    VALUE(FxpFixedExponent, int32_t)                                                \
+    VALUE(FxpBias, double)                                                          \
+    VALUE(EnumClassName, ustring)                                                   \
+    VALUE(EnumClassification, ustring)                                              \
+    VALUE(IsComplex, bool)                                                          \
+    VALUE(IsDiscrete, bool)                                                         \
+    VALUE(IsVirtualBus, bool)                                                       \
+    VALUE(IsNVBus, bool)                                                            \
+    VALUE(IsVarDims, bool)                                                          \
+    VALUE(BlockPath, ustring)                                                       \
+    VALUE(BlockSID, ustring)                                                        \
+    VALUE(PortNumber, int32_t)                                                      \
+    VALUE(SignalName, ustring)                                                      \
+    VALUE(ActSrcBlockPath, ustring)                                                 \
+    VALUE(ActSrcBlockSID, ustring)                                                  \
+    VALUE(ActSrcPortNumber, int32_t)                                                \
+    VALUE(ActSrcDWorkName, ustring)                                                 \
+    VALUE(ActSrcStartElement, int32_t)                                              \
+    VALUE(SignalSourceUUID, ustring)                                                \
+    VALUE(SignalSourceUUIDasInteger, int64_t)                                       \
+    VALUE(UniqueId, uint32_t)                                                       \
+    VALUE(Tid, int32_t)                                                             \
+    VALUE(NVBusOffset, int64_t)                                                     \
+    VALUE(IsLiveStreaming, bool)                                                    \
+    VALUE(IsDeferredStreaming, bool)                                                \
+    SEQUENCE(LeafElements, ToAsyncQueueBlock)                                       \
+    SEQUENCE(EnumLabels, StringListElement)                                         \
+    SEQUENCE(EnumValues, IntegerArrayElement)                                       \
+    SEQUENCE(Dimensions, IntegerArrayElement)
 
 namespace coder::descriptor {
 
 // A signal sent to an asynchronous queue. A bus keeps its leaves nested in
 // LeafElements.
 class VELHOST_API ToAsyncQueueBlock : public Object {
-public:
-    static const RecordKind& kind();
-
-    bool getIsFixedPoint() const;
-    bool getIsEnum() const;
-    std::int32_t getDataTypeId() const;
-    std::int32_t getDataTypeSize() const;
-    std::int32_t getFxpNumericType() const;
-    std::uint32_t getFxpSignedness() const;
-    std::int32_t getFxpWordLength() const;
-    std::int32_t getFxpFractionLength() const;
-    double getFxpSlopeAdjFactor() const;
-    std::int32_t getFxpFixedExponent() const;
-    double getFxpBias() const;
-    ustring getEnumClassName() const;
-    ustring getEnumClassification() const;
-    bool getIsComplex() const;
-    bool getIsDiscrete() const;
-    bool getIsVirtualBus() const;
-    bool getIsNVBus() const;
-    bool getIsVarDims() const;
-    ustring getBlockPath() const;
-    ustring getBlockSID() const;
-    std::int32_t getPortNumber() const;
-    ustring getSignalName() const;
-    ustring getActSrcBlockPath() const;
-    ustring getActSrcBlockSID() const;
-    std::int32_t getActSrcPortNumber() const;
-    ustring getActSrcDWorkName() const;
-    std::int32_t getActSrcStartElement() const;
-    ustring getSignalSourceUUID() const;
-    std::int64_t getSignalSourceUUIDasInteger() const;
-    std::uint32_t getUniqueId() const;
-    std::int32_t getTid() const;
-    std::int64_t getNVBusOffset() const;
-    bool getIsLiveStreaming() const;
-    bool getIsDeferredStreaming() const;
-
-    Sequence<ToAsyncQueueBlock> getLeafElements() const;
-    Sequence<StringListElement> getEnumLabels() const;
-    Sequence<IntegerArrayElement> getEnumValues() const;
-    Sequence<IntegerArrayElement> getDimensions() const;
+    CODER_DESCRIPTOR_RECORD(CODER_DESCRIPTOR_TO_ASYNC_QUEUE_BLOCK)
 };
 
 class VELHOST_API ToAsyncQueueBlockCreator : public Creator {
-public:
-    explicit ToAsyncQueueBlockCreator(Repository& repository);
-
-    void setIsFixedPoint(bool value);
-    void setIsEnum(bool value);
-    void setDataTypeId(std::int32_t value);
-    void setDataTypeSize(std::int32_t value);
-    void setFxpNumericType(std::int32_t value);
-    void setFxpSignedness(std::uint32_t value);
-    void setFxpWordLength(std::int32_t value);
-    void setFxpFractionLength(std::int32_t value);
-    void setFxpSlopeAdjFactor(double value);
-    void setFxpFixedExponent(std::int32_t value);
-    void setFxpBias(double value);
-    void setEnumClassName(const ustring& value);
-    void setEnumClassification(const ustring& value);
-    void setIsComplex(bool value);
-    void setIsDiscrete(bool value);
-    void setIsVirtualBus(bool value);
-    void setIsNVBus(bool value);
-    void setIsVarDims(bool value);
-    void setBlockPath(const ustring& value);
-    void setBlockSID(const ustring& value);
-    void setPortNumber(std::int32_t value);
-    void setSignalName(const ustring& value);
-    void setActSrcBlockPath(const ustring& value);
-    void setActSrcBlockSID(const ustring& value);
-    void setActSrcPortNumber(std::int32_t value);
-    void setActSrcDWorkName(const ustring& value);
-    void setActSrcStartElement(std::int32_t value);
-    void setSignalSourceUUID(const ustring& value);
-    void setSignalSourceUUIDasInteger(std::int64_t value);
-    void setUniqueId(std::uint32_t value);
-    void setTid(std::int32_t value);
-    void setNVBusOffset(std::int64_t value);
-    void setIsLiveStreaming(bool value);
-    void setIsDeferredStreaming(bool value);
-
-    ToAsyncQueueBlock createToAsyncQueueBlock();
+    CODER_DESCRIPTOR_CREATOR(ToAsyncQueueBlock, CODER_DESCRIPTOR_TO_ASYNC_QUEUE_BLOCK)
 };
 
 } // namespace coder::descriptor
