@@ -788,8 +788,12 @@ std::string allRows(const path& file) {
     if (sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) fail("open");
     std::vector<std::string> tables;
     sqlite3_stmt* list = nullptr;
-    if (sqlite3_prepare_v2(db, "SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY name", -1, &list,
-                           nullptr) != SQLITE_OK)
+    // "UnfinishedRun" marks a first pass whose second has not run yet: the
+    // pass's bookkeeping, not rows of the model.
+    if (sqlite3_prepare_v2(db,
+                           "SELECT name FROM sqlite_schema WHERE type = 'table' AND name != 'UnfinishedRun' "
+                           "ORDER BY name",
+                           -1, &list, nullptr) != SQLITE_OK)
         fail("list the tables");
     while (sqlite3_step(list) == SQLITE_ROW)
         tables.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(list, 0)));
