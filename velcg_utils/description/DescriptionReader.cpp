@@ -107,16 +107,6 @@ void DescriptionReader::unknownField(const Place& place, std::string_view key,
     fail(key::kUnknownField, place / key, {name, names_detail::didYouMean(name, known, '"')});
 }
 
-JsonObject DescriptionReader::object(JsonValue value, const Place& place) const {
-    if (value.type() != simdjson::dom::element_type::OBJECT) wrongType(value, place, "an object");
-    return value.get_object().value_unsafe();
-}
-
-JsonArray DescriptionReader::array(JsonValue value, const Place& place) const {
-    if (value.type() != simdjson::dom::element_type::ARRAY) wrongType(value, place, "an array");
-    return value.get_array().value_unsafe();
-}
-
 void DescriptionReader::checkKnown(JsonValue value, const Place& place,
                                    const std::vector<std::string>& known) const {
     const JsonObject fields = object(value, place);
@@ -140,11 +130,6 @@ JsonValue DescriptionReader::required(JsonValue object, const Place& place, cons
     JsonValue value;
     if (!find(object, key, value)) fail(key::kMissingField, place / key);
     return value;
-}
-
-bool DescriptionReader::boolean(JsonValue value, const Place& place) const {
-    if (value.type() != simdjson::dom::element_type::BOOL) wrongType(value, place, "a boolean");
-    return value.get_bool().value_unsafe();
 }
 
 std::int64_t DescriptionReader::integer(JsonValue value, const Place& place, std::int64_t low,
@@ -188,11 +173,6 @@ double DescriptionReader::real(JsonValue value, const Place& place) const {
     if (type == Type::INT64) return static_cast<double>(value.get_int64().value_unsafe());
     if (type == Type::UINT64) return static_cast<double>(value.get_uint64().value_unsafe());
     return value.get_double().value_unsafe();
-}
-
-std::string_view DescriptionReader::textView(JsonValue value, const Place& place) const {
-    if (value.type() != simdjson::dom::element_type::STRING) wrongType(value, place, "a string");
-    return value.get_string().value_unsafe();
 }
 
 std::string DescriptionReader::text(JsonValue value, const Place& place) const {

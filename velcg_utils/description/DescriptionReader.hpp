@@ -60,8 +60,14 @@ public:
     [[noreturn]] void unknownField(const Place& place, std::string_view key,
                                    const std::vector<std::string>& known) const;
 
-    JsonObject object(JsonValue value, const Place& place) const;
-    JsonArray array(JsonValue value, const Place& place) const;
+    JsonObject object(JsonValue value, const Place& place) const {
+        if (value.type() != simdjson::dom::element_type::OBJECT) wrongType(value, place, "an object");
+        return value.get_object().value_unsafe();
+    }
+    JsonArray array(JsonValue value, const Place& place) const {
+        if (value.type() != simdjson::dom::element_type::ARRAY) wrongType(value, place, "an array");
+        return value.get_array().value_unsafe();
+    }
     void expectObject(JsonValue value, const Place& place) const { object(value, place); }
     void expectArray(JsonValue value, const Place& place) const { array(value, place); }
     // Raises UnknownField for the first key of object that is not known,
@@ -73,14 +79,20 @@ public:
     // REQUIRES: object is an object.
     static bool find(JsonValue object, std::string_view key, JsonValue& value);
 
-    bool boolean(JsonValue value, const Place& place) const;
+    bool boolean(JsonValue value, const Place& place) const {
+        if (value.type() != simdjson::dom::element_type::BOOL) wrongType(value, place, "a boolean");
+        return value.get_bool().value_unsafe();
+    }
     std::int32_t int32(JsonValue value, const Place& place) const;
     std::uint32_t uint32(JsonValue value, const Place& place) const;
     std::int64_t int64(JsonValue value, const Place& place) const;
     double real(JsonValue value, const Place& place) const;
     std::string text(JsonValue value, const Place& place) const;
     // The text without a copy, valid while the document lives.
-    std::string_view textView(JsonValue value, const Place& place) const;
+    std::string_view textView(JsonValue value, const Place& place) const {
+        if (value.type() != simdjson::dom::element_type::STRING) wrongType(value, place, "a string");
+        return value.get_string().value_unsafe();
+    }
     std::wstring wide(JsonValue value, const Place& place) const;
     std::vector<int> int32s(JsonValue value, const Place& place) const;
     std::vector<std::string> texts(JsonValue value, const Place& place) const;

@@ -9,6 +9,7 @@
 // derived class implements), Target the type the reader builds (often the
 // field-backed class deriving from Source).
 
+#include <algorithm>
 #include <bitset>
 #include <cassert>
 #include <cstdint>
@@ -231,9 +232,7 @@ private:
         for (std::size_t k = 0; k < n; ++k) {
             const std::size_t f = start + k < n ? start + k : start + k - n;
             const Field& field = fields_[f];
-            if (field.length == key.size() && field.key[0] == key[0] &&
-                std::memcmp(field.key, key.data(), key.size()) == 0)
-                return f;
+            if (field.length == key.size() && std::equal(key.begin(), key.end(), field.key)) return f;
         }
         return kNone;
     }
