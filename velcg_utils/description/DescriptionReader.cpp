@@ -228,8 +228,8 @@ const char* DescriptionReader::listPointer(ListKind list) {
 }
 
 std::size_t DescriptionReader::listSize(ListKind list) const {
-    std::int64_t& size = listSizes_[static_cast<std::size_t>(list)];
-    if (size >= 0) return static_cast<std::size_t>(size);
+    std::size_t& counted = listSizes_[static_cast<std::size_t>(list)];
+    if (counted) return counted - 1;
     // Walks the pointer through the document; a list (or the object holding
     // it) of the wrong type is reported where it stands.
     const std::string_view pointer = listPointer(list);
@@ -242,8 +242,9 @@ std::size_t DescriptionReader::listSize(ListKind list) const {
         if (!find(value, pointer.substr(start, end - start), value)) return 0;
         start = end + 1;
     }
-    size = static_cast<std::int64_t>(sizeOf(array(value, Place(pointer))));
-    return static_cast<std::size_t>(size);
+    const std::size_t size = sizeOf(array(value, Place(pointer)));
+    counted = size + 1;
+    return size;
 }
 
 void DescriptionReader::checkIndex(std::int64_t index, const Place& place, const std::string& list,

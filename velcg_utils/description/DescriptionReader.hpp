@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cassert>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <iterator>
@@ -29,6 +30,7 @@ using Enumeration = std::vector<std::pair<const char*, E>>;
 
 // The lists of the model that descriptions refer into by index.
 enum class ListKind { Systems, VelTypes, CGTypes, VarGroups, ModelParameters, CoderDataGroups, Subsystems };
+inline constexpr std::size_t kListKinds = static_cast<std::size_t>(ListKind::Subsystems) + 1;
 
 // The state of one reading of a description: the document, the model being
 // built, and the checks that wait until the whole document is read. Every
@@ -178,11 +180,12 @@ private:
     std::map<std::string, std::string> functionNames_;
     std::map<const GraphicalSubsystem*, std::pair<std::string, std::vector<int>>> declaredChildren_;
     // One per text field, as a block names each once.
-    StoredGraphicalBlock::TextValue blockTexts_[8];
+    StoredGraphicalBlock::TextValue
+        blockTexts_[static_cast<std::size_t>(StoredGraphicalBlock::TextField::ReferencedModelName) + 1];
     std::size_t blockTextCount_ = 0;
     bool outputPortSources_ = false;
-    // The lengths of the lists, by ListKind; -1 until counted.
-    mutable std::int64_t listSizes_[7] = {-1, -1, -1, -1, -1, -1, -1};
+    // The lengths of the lists plus one, by ListKind; 0 until counted.
+    mutable std::size_t listSizes_[kListKinds] = {};
     int depth_ = 0;
 };
 
