@@ -19,12 +19,15 @@ import sys
 import tempfile
 
 
-def run(binary, pattern, repetitions):
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+def run(binary, pattern, repetitions, arguments=()):
     """Median run of every benchmark of binary matching pattern, by name."""
     with tempfile.NamedTemporaryFile(suffix=".json", delete=False) as out:
         path = out.name
     try:
-        command = [binary, f"--benchmark_filter={pattern}", f"--benchmark_out={path}",
+        command = [binary, *arguments, f"--benchmark_filter={pattern}", f"--benchmark_out={path}",
                    "--benchmark_out_format=json", f"--benchmark_repetitions={repetitions}"]
         done = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
         if done.returncode != 0:
@@ -173,6 +176,23 @@ def python_reads(report, bench, reps):
                    f"BM_PropertyReadFromClient/{prop}", 3, clock="real_time")
 
 
+def description_load(report, bench, reps):
+    # The file of the end-to-end benchmark's smaller run.
+    with tempfile.TemporaryDirectory(prefix="velcg-description-") as work:
+        description = os.path.join(work, "chain100000.json")
+        subprocess.run([sys.executable, os.path.join(HERE, "make_description.py"), "100000", "-o", description],
+                       check=True)
+        results = run(os.path.join(bench, "velcg_description_bench"), ".", reps, [f"--description={description}"])
+    cost_ratio(report, "description load / parse-only, 100k blocks", results, "BM_LoadDescription",
+               "BM_ParseDescriptionOnly", 1.5)
+    # What no loader avoids: the parse, and the model's own objects.
+    load, parse, build = (time_of(find(results, name), "cpu_time")
+                          for name in ("BM_LoadDescription", "BM_ParseDescriptionOnly", "BM_BuildChainDirectly"))
+    report.add("description load floor, 100k blocks", f"{(parse + build) / parse:.2f}x", "-", True,
+               f"parse-only {parse:.4g} + the same model built directly {build:.4g} ms; "
+               f"load {load / (parse + build):.2f}x of that")
+
+
 def end_to_end(report, bench, reps):
     import end_to_end as e2e
 
@@ -186,6 +206,7 @@ SECTIONS = {
     "model": model_memory,
     "store": serialization,
     "python": python_reads,
+    "description": description_load,
     "end_to_end": end_to_end,
 }
 

@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config
   libboost-dev libboost-thread-dev libboost-locale-dev
-  libsqlite3-dev sqlite3 libsqlitecpp-dev nlohmann-json3-dev
+  libsqlite3-dev sqlite3 libsqlitecpp-dev nlohmann-json3-dev libsimdjson-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format clang libclang-rt-dev
   pybind11-dev python3-dev python3-pytest python3-jsonschema python3-jinja2 python3-jedi python3-hypothesis

@@ -1,11 +1,15 @@
 #include "PackedText.hpp"
 
+#include <algorithm>
 #include <cassert>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <type_traits>
+
+#include "vel/i18n/Text.hpp"
 
 namespace VelCG::detail {
 
@@ -101,6 +105,17 @@ void replace(PackedText*& text, std::size_t field, Field value) {
 
 bool fitsInByte(wchar_t c) { return static_cast<std::make_unsigned_t<wchar_t>>(c) <= 0xFFu; }
 
+// Wide text as a field: one byte per character when every character fits
+// in one, the bytes kept in `bytes`.
+Field wideField(const std::wstring& value, std::string& bytes) {
+    for (wchar_t c : value)
+        if (!fitsInByte(c)) return {reinterpret_cast<const Byte*>(value.data()), value.size(), true};
+    bytes.assign(value.size(), '\0');
+    for (std::size_t i = 0; i < value.size(); ++i)
+        bytes[i] = static_cast<char>(static_cast<unsigned char>(value[i]));
+    return {reinterpret_cast<const Byte*>(bytes.data()), bytes.size(), false};
+}
+
 } // namespace
 
 std::wstring PackedText::wide(const PackedText* text, std::size_t field) {
@@ -120,17 +135,41 @@ std::string PackedText::narrow(const PackedText* text, std::size_t field) {
 }
 
 void PackedText::set(PackedText*& text, std::size_t field, const std::wstring& value) {
-    for (wchar_t c : value)
-        if (!fitsInByte(c))
-            return replace(text, field, {reinterpret_cast<const Byte*>(value.data()), value.size(), true});
-    std::string bytes(value.size(), '\0');
-    for (std::size_t i = 0; i < value.size(); ++i)
-        bytes[i] = static_cast<char>(static_cast<unsigned char>(value[i]));
-    replace(text, field, {reinterpret_cast<const Byte*>(bytes.data()), bytes.size(), false});
+    std::string bytes;
+    replace(text, field, wideField(value, bytes));
 }
 
 void PackedText::set(PackedText*& text, std::size_t field, const std::string& value) {
     replace(text, field, {reinterpret_cast<const Byte*>(value.data()), value.size(), false});
+}
+
+void PackedText::setUtf8(PackedText*& text, const Utf8Value* values, std::size_t count) {
+    Field fields[kMaxFields];
+    unpack(reinterpret_cast<const Byte*>(text), fields);
+    // ASCII is kept as it is; other text is decoded, into these (made only
+    // then).
+    struct Decoded {
+        std::wstring wide;
+        std::string bytes;
+    };
+    std::unique_ptr<Decoded[]> decoded;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t f = values[i].field;
+        const std::string_view utf8 = values[i].utf8;
+        assert(f < kMaxFields && "a field number below kMaxFields");
+        if (utf8.size() > kMaxLength) throw std::length_error("A text field is too long to keep.");
+        const bool ascii = std::all_of(utf8.begin(), utf8.end(), [](char c) { return (c & 0x80) == 0; });
+        if (ascii) {
+            fields[f] = {reinterpret_cast<const Byte*>(utf8.data()), utf8.size(), false};
+            continue;
+        }
+        if (!decoded) decoded = std::make_unique<Decoded[]>(kMaxFields);
+        decoded[f].wide = vel::i18n::toWide(utf8);
+        fields[f] = wideField(decoded[f].wide, decoded[f].bytes);
+    }
+    Byte* block = pack(fields);
+    release(text);
+    text = reinterpret_cast<PackedText*>(block);
 }
 
 void PackedText::release(PackedText*& text) noexcept {

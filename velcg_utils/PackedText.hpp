@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace VelCG::detail {
 
@@ -31,6 +32,17 @@ public:
     // changes nothing.
     static void set(PackedText*& text, std::size_t field, const std::wstring& value);
     static void set(PackedText*& text, std::size_t field, const std::string& value);
+
+    // A field's new value for setUtf8: UTF-8 text, read back with wide().
+    struct Utf8Value {
+        std::size_t field;
+        std::string_view utf8;
+    };
+    // Replaces the fields of `values` (a field given twice takes the last
+    // value) in one new block, as set with their wide text would one by
+    // one. Raises "i18n:InvalidText" for text that is not UTF-8; that, or a
+    // failed allocation, changes nothing.
+    static void setUtf8(PackedText*& text, const Utf8Value* values, std::size_t count);
 
     // Frees the block and nulls the pointer.
     static void release(PackedText*& text) noexcept;

@@ -110,6 +110,23 @@ void StoredGraphicalBlock::setDescription(const std::wstring& value) { setText(k
 void StoredGraphicalBlock::setReferencedModelName(const std::wstring& value) {
     setText(kReferencedModelName, value);
 }
+void StoredGraphicalBlock::setTexts(const TextValue* values, std::size_t count) {
+    // Each setter's field: the enumerators follow the packed fields.
+    static_assert(static_cast<std::size_t>(TextField::ReferencedModelName) == kReferencedModelName);
+    constexpr std::size_t kMax = kReferencedModelName + 1;
+    detail::PackedText::Utf8Value fields[kMax];
+    std::size_t n = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        // A field given twice counts once, with its last text.
+        detail::PackedText::Utf8Value value{static_cast<std::size_t>(values[i].field), values[i].text};
+        std::size_t k = 0;
+        while (k < n && fields[k].field != value.field) ++k;
+        fields[k] = value;
+        if (k == n) ++n;
+    }
+    detail::PackedText::setUtf8(text_, fields, n);
+}
+
 void StoredGraphicalBlock::setRLSCommentName(const std::string& value) {
     detail::PackedText::set(text_, kRlsCommentName, value);
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velcg/Export.hpp"
@@ -83,6 +84,28 @@ public:
     void setIsSubsystem(bool value) { setFlag(kSubsystem, value); }
     void setIsDataStoreMemory(bool value) { setFlag(kDataStoreMemory, value); }
     void setCGModel(const CGModel* model) { model_ = model; }
+
+    // The wide text fields, by their setters' names.
+    enum class TextField : std::uint8_t {
+        Name,
+        VelName,
+        SID,
+        CompactSID,
+        BlockPath,
+        Type,
+        Description,
+        ReferencedModelName,
+    };
+    struct TextValue {
+        TextField field;
+        // UTF-8.
+        std::string_view text;
+    };
+    // Sets the fields of `values` at once, in one allocation, as their
+    // setters would one by one (a field given twice takes the last text):
+    // for tools that build many blocks. Raises "i18n:InvalidText" for text
+    // that is not UTF-8, and then sets nothing.
+    void setTexts(const TextValue* values, std::size_t count);
 
     // Each appends and takes ownership; a null element raises
     // "VelCG:Model:NullArgument". Return the element for further setup.

@@ -1,7 +1,7 @@
 #include "description/DescriptionReader.hpp"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdint>
 #include <limits>
 
 #include "NearNames.hpp"
@@ -14,31 +14,62 @@ namespace VelCG::description {
 
 namespace {
 
-const char* jsonTypeName(const Json& value) {
+const char* jsonTypeName(JsonValue value) {
+    using Type = simdjson::dom::element_type;
     switch (value.type()) {
-        case Json::value_t::null:
+        case Type::NULL_VALUE:
             return "null";
-        case Json::value_t::boolean:
+        case Type::BOOL:
             return "a boolean";
-        case Json::value_t::number_integer:
-        case Json::value_t::number_unsigned:
+        case Type::INT64:
+        case Type::UINT64:
             return "an integer";
-        case Json::value_t::number_float:
+        case Type::DOUBLE:
             return "a number with a fraction or exponent";
-        case Json::value_t::string:
+        case Type::STRING:
             return "a string";
-        case Json::value_t::array:
+        case Type::ARRAY:
             return "an array";
-        case Json::value_t::object:
+        case Type::OBJECT:
             return "an object";
-        default:
-            return "a value of another kind";
     }
+    return "a value of another kind";
+}
+
+// UTF-8 as wide characters. The parser has checked that the text is UTF-8;
+// most text is ASCII, which is widened without decoding.
+std::wstring widen(std::string_view utf8) {
+    std::wstring out(utf8.size(), L'\0');
+    std::size_t n = 0;
+    for (std::size_t i = 0; i < utf8.size();) {
+        const auto c = static_cast<unsigned char>(utf8[i]);
+        if (c < 0x80) {
+            out[n++] = static_cast<wchar_t>(c);
+            ++i;
+            continue;
+        }
+        const std::size_t length = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : 2;
+        std::uint32_t point = c & (0x7Fu >> length);
+        for (std::size_t k = 1; k < length; ++k)
+            point = point << 6 | (static_cast<unsigned char>(utf8[i + k]) & 0x3Fu);
+        i += length;
+        if constexpr (sizeof(wchar_t) >= 4) {
+            out[n++] = static_cast<wchar_t>(point);
+        } else if (point >= 0x10000) {
+            point -= 0x10000;
+            out[n++] = static_cast<wchar_t>(0xD800 + (point >> 10));
+            out[n++] = static_cast<wchar_t>(0xDC00 + (point & 0x3FF));
+        } else {
+            out[n++] = static_cast<wchar_t>(point);
+        }
+    }
+    out.resize(n);
+    return out;
 }
 
 } // namespace
 
-DescriptionReader::DescriptionReader(const Json& document, std::string sourceName, StoredCGModel& model)
+DescriptionReader::DescriptionReader(JsonValue document, std::string sourceName, StoredCGModel& model)
     : document_(document), sourceName_(std::move(sourceName)), model_(model), factory_(GetCGModelFactory()) {}
 
 DescriptionReader::~DescriptionReader() = default;
@@ -58,7 +89,7 @@ void DescriptionReader::invalid(const Place& place, const std::string& reason) c
     fail(key::kInvalidValue, place, {text});
 }
 
-void DescriptionReader::wrongType(const Json& value, const Place& place, const char* expected) const {
+void DescriptionReader::wrongType(JsonValue value, const Place& place, const char* expected) const {
     fail(key::kWrongType, place, {expected, jsonTypeName(value)});
 }
 
@@ -70,100 +101,109 @@ void DescriptionReader::unknownEnumerator(const Place& place, const std::string&
     fail(key::kUnknownEnumerator, place, {name, list});
 }
 
-void DescriptionReader::expectObject(const Json& value, const Place& place) const {
-    if (!value.is_object()) wrongType(value, place, "an object");
+void DescriptionReader::unknownField(const Place& place, std::string_view key,
+                                     const std::vector<std::string>& known) const {
+    const std::string name(key);
+    fail(key::kUnknownField, place / key, {name, names_detail::didYouMean(name, known, '"')});
 }
 
-void DescriptionReader::expectArray(const Json& value, const Place& place) const {
-    if (!value.is_array()) wrongType(value, place, "an array");
-}
-
-void DescriptionReader::checkKnown(const Json& object, const Place& place,
+void DescriptionReader::checkKnown(JsonValue value, const Place& place,
                                    const std::vector<std::string>& known) const {
-    for (auto it = object.begin(); it != object.end(); ++it)
-        if (std::find(known.begin(), known.end(), it.key()) == known.end())
-            fail(key::kUnknownField, place / it.key(),
-                 {it.key(), names_detail::didYouMean(it.key(), known, '"')});
+    const JsonObject fields = object(value, place);
+    for (auto it = fields.begin(); it != fields.end(); ++it) {
+        const std::string_view key = it.key();
+        if (std::find(known.begin(), known.end(), key) == known.end()) unknownField(place, key, known);
+        // Every key is known, so an object repeating one has few keys.
+        for (auto earlier = fields.begin(); earlier != it; ++earlier)
+            if (earlier.key() == key) fail(key::kDuplicateField, place / key);
+    }
 }
 
-const Json& DescriptionReader::required(const Json& object, const Place& place, const char* key) const {
-    auto it = object.find(key);
-    if (it == object.end()) fail(key::kMissingField, place / key);
-    return *it;
+bool DescriptionReader::find(JsonValue object, std::string_view key, JsonValue& value) {
+    auto found = object.get_object().value_unsafe().at_key(key);
+    if (found.error()) return false;
+    value = found.value_unsafe();
+    return true;
 }
 
-bool DescriptionReader::boolean(const Json& value, const Place& place) const {
-    if (!value.is_boolean()) wrongType(value, place, "a boolean");
-    return value.get<bool>();
+JsonValue DescriptionReader::required(JsonValue object, const Place& place, const char* key) const {
+    JsonValue value;
+    if (!find(object, key, value)) fail(key::kMissingField, place / key);
+    return value;
 }
 
-std::int64_t DescriptionReader::integer(const Json& value, const Place& place, std::int64_t low,
+std::int64_t DescriptionReader::integer(JsonValue value, const Place& place, std::int64_t low,
                                         std::int64_t high) const {
-    if (!value.is_number_integer()) wrongType(value, place, "an integer");
-    // Unsigned values beyond the signed range are out of every range here.
-    if (value.is_number_unsigned() &&
-        value.get<std::uint64_t>() > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
-        invalid(place, value.dump() + " is not an integer from " + std::to_string(low) + " to " +
-                           std::to_string(high));
-    const std::int64_t n = value.get<std::int64_t>();
+    using Type = simdjson::dom::element_type;
+    const Type type = value.type();
+    if (type != Type::INT64 && type != Type::UINT64) wrongType(value, place, "an integer");
+    // The parser keeps a value as unsigned only beyond the signed range,
+    // which is out of every range here.
+    if (type == Type::UINT64)
+        invalid(place, std::to_string(value.get_uint64().value_unsafe()) + " is not an integer from " +
+                           std::to_string(low) + " to " + std::to_string(high));
+    const std::int64_t n = value.get_int64().value_unsafe();
     if (n < low || n > high)
         invalid(place, std::to_string(n) + " is not an integer from " + std::to_string(low) + " to " +
                            std::to_string(high));
     return n;
 }
 
-std::int32_t DescriptionReader::int32(const Json& value, const Place& place) const {
+std::int32_t DescriptionReader::int32(JsonValue value, const Place& place) const {
     return static_cast<std::int32_t>(integer(value, place, std::numeric_limits<std::int32_t>::min(),
                                              std::numeric_limits<std::int32_t>::max()));
 }
 
-std::uint32_t DescriptionReader::uint32(const Json& value, const Place& place) const {
+std::uint32_t DescriptionReader::uint32(JsonValue value, const Place& place) const {
     return static_cast<std::uint32_t>(integer(value, place, 0, std::numeric_limits<std::uint32_t>::max()));
 }
 
-std::int64_t DescriptionReader::int64(const Json& value, const Place& place) const {
+std::int64_t DescriptionReader::int64(JsonValue value, const Place& place) const {
     return integer(value, place, std::numeric_limits<std::int64_t>::min(),
                    std::numeric_limits<std::int64_t>::max());
 }
 
-double DescriptionReader::real(const Json& value, const Place& place) const {
-    if (!value.is_number()) wrongType(value, place, "a number");
-    const double d = value.get<double>();
-    if (!std::isfinite(d)) invalid(place, value.dump() + " is not a finite number");
-    return d;
+double DescriptionReader::real(JsonValue value, const Place& place) const {
+    using Type = simdjson::dom::element_type;
+    const Type type = value.type();
+    if (type != Type::INT64 && type != Type::UINT64 && type != Type::DOUBLE)
+        wrongType(value, place, "a number");
+    // Integers convert as nlohmann-json converts them; the parser refuses
+    // numbers beyond double.
+    if (type == Type::INT64) return static_cast<double>(value.get_int64().value_unsafe());
+    if (type == Type::UINT64) return static_cast<double>(value.get_uint64().value_unsafe());
+    return value.get_double().value_unsafe();
 }
 
-std::string DescriptionReader::text(const Json& value, const Place& place) const {
-    if (!value.is_string()) wrongType(value, place, "a string");
-    return value.get<std::string>();
+std::string DescriptionReader::text(JsonValue value, const Place& place) const {
+    return std::string(textView(value, place));
 }
 
-std::wstring DescriptionReader::wide(const Json& value, const Place& place) const {
-    // The parser has checked that the text is UTF-8.
-    return vel::i18n::toWide(text(value, place));
+std::wstring DescriptionReader::wide(JsonValue value, const Place& place) const {
+    return widen(textView(value, place));
 }
 
-std::vector<int> DescriptionReader::int32s(const Json& value, const Place& place) const {
-    expectArray(value, place);
+std::vector<int> DescriptionReader::int32s(JsonValue value, const Place& place) const {
+    const JsonArray list = array(value, place);
     std::vector<int> out;
-    out.reserve(value.size());
-    for (std::size_t i = 0; i < value.size(); ++i) out.push_back(int32(value[i], place / i));
+    out.reserve(sizeOf(list));
+    for (const JsonValue element : list) out.push_back(int32(element, place / out.size()));
     return out;
 }
 
-std::vector<std::string> DescriptionReader::texts(const Json& value, const Place& place) const {
-    expectArray(value, place);
+std::vector<std::string> DescriptionReader::texts(JsonValue value, const Place& place) const {
+    const JsonArray list = array(value, place);
     std::vector<std::string> out;
-    out.reserve(value.size());
-    for (std::size_t i = 0; i < value.size(); ++i) out.push_back(text(value[i], place / i));
+    out.reserve(sizeOf(list));
+    for (const JsonValue element : list) out.push_back(text(element, place / out.size()));
     return out;
 }
 
-std::vector<std::wstring> DescriptionReader::wides(const Json& value, const Place& place) const {
-    expectArray(value, place);
+std::vector<std::wstring> DescriptionReader::wides(JsonValue value, const Place& place) const {
+    const JsonArray list = array(value, place);
     std::vector<std::wstring> out;
-    out.reserve(value.size());
-    for (std::size_t i = 0; i < value.size(); ++i) out.push_back(wide(value[i], place / i));
+    out.reserve(sizeOf(list));
+    for (const JsonValue element : list) out.push_back(wide(element, place / out.size()));
     return out;
 }
 
@@ -188,24 +228,23 @@ const char* DescriptionReader::listPointer(ListKind list) {
 }
 
 std::size_t DescriptionReader::listSize(ListKind list) const {
+    std::size_t& counted = listSizes_[static_cast<std::size_t>(list)];
+    if (counted) return counted - 1;
     // Walks the pointer through the document; a list (or the object holding
     // it) of the wrong type is reported where it stands.
-    const std::string pointer = listPointer(list);
-    const Json* value = &document_;
-    Place place;
+    const std::string_view pointer = listPointer(list);
+    JsonValue value = document_;
     std::size_t start = 1;
     while (start < pointer.size()) {
         const std::size_t end = std::min(pointer.find('/', start), pointer.size());
-        const std::string name = pointer.substr(start, end - start);
-        expectObject(*value, place);
-        auto it = value->find(name);
-        if (it == value->end()) return 0;
-        value = &*it;
-        place = place / name;
+        const Place place(pointer.substr(0, start - 1));
+        expectObject(value, place);
+        if (!find(value, pointer.substr(start, end - start), value)) return 0;
         start = end + 1;
     }
-    expectArray(*value, place);
-    return value->size();
+    const std::size_t size = sizeOf(array(value, Place(pointer)));
+    counted = size + 1;
+    return size;
 }
 
 void DescriptionReader::checkIndex(std::int64_t index, const Place& place, const std::string& list,
@@ -215,7 +254,7 @@ void DescriptionReader::checkIndex(std::int64_t index, const Place& place, const
         fail(key::kDanglingReference, place, {"index " + std::to_string(index), list, std::to_string(size)});
 }
 
-int DescriptionReader::index(const Json& value, const Place& place, ListKind list, bool noneAllowed) const {
+int DescriptionReader::index(JsonValue value, const Place& place, ListKind list, bool noneAllowed) const {
     const int n = int32(value, place);
     checkIndex(n, place, listPointer(list), listSize(list), noneAllowed);
     return n;

@@ -9,14 +9,22 @@
 // derived class implements), Target the type the reader builds (often the
 // field-backed class deriving from Source).
 
+#include <algorithm>
+#include <bitset>
+#include <cassert>
+#include <cstdint>
+#include <cstring>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "description/DescriptionReader.hpp"
 #include "description/DescriptionWriter.hpp"
+#include "description/Diagnostics.hpp"
 #include "description/Json.hpp"
+#include "description/JsonDocument.hpp"
 
 namespace VelCG::description {
 
@@ -24,13 +32,14 @@ template <class Target, class Source>
 class FieldTable {
 public:
     using Get = std::function<Json(DescriptionWriter&, Source&, const Place&)>;
-    using Set = std::function<void(DescriptionReader&, const Json&, const Place&, Target&)>;
+    using Set = std::function<void(DescriptionReader&, JsonValue, const Place&, Target&)>;
 
     // A field of any shape. The writer omits a field whose value equals the
     // value of the same field of the defaults object; a null value counts
     // as absent.
     FieldTable& field(const char* key, Get get, Set set) {
-        fields_.push_back(Field{key, false, std::move(get), std::move(set)});
+        fields_.push_back(Field{key, std::strlen(key), false, std::move(get), std::move(set)});
+        assert(fields_.size() <= kMaxFields && "a table of at most kMaxFields fields");
         return *this;
     }
     // Makes the field added last one that must be present; it is always
@@ -91,28 +100,28 @@ public:
             [get, &names](DescriptionWriter& w, Source& s, const Place& p) {
                 return w.enumeration<E>(std::invoke(get, s), p, names);
             },
-            [set, &names](DescriptionReader& r, const Json& v, const Place& p, Target& t) {
+            [set, &names](DescriptionReader& r, JsonValue v, const Place& p, Target& t) {
                 std::invoke(set, t, r.enumeration<E>(v, p, names));
             });
     }
     // An index into one of the model's lists (-1 for none when noneAllowed).
     template <class G, class S>
     FieldTable& index(const char* key, ListKind list, bool noneAllowed, G get, S set) {
-        return field(
-            key, plainGetter<G>(get),
-            [set, list, noneAllowed](DescriptionReader& r, const Json& v, const Place& p, Target& t) {
-                std::invoke(set, t, r.index(v, p, list, noneAllowed));
-            });
+        return field(key, plainGetter<G>(get),
+                     [set, list, noneAllowed](DescriptionReader& r, JsonValue v, const Place& p, Target& t) {
+                         std::invoke(set, t, r.index(v, p, list, noneAllowed));
+                     });
     }
     // A list of indices into one of the model's lists.
     template <class G, class S>
     FieldTable& indices(const char* key, ListKind list, G get, S set) {
         return field(key, plainGetter<G>(get),
-                     [set, list](DescriptionReader& r, const Json& v, const Place& p, Target& t) {
-                         r.expectArray(v, p);
+                     [set, list](DescriptionReader& r, JsonValue v, const Place& p, Target& t) {
+                         const JsonArray elements = r.array(v, p);
                          std::vector<int> values;
-                         for (std::size_t i = 0; i < v.size(); ++i)
-                             values.push_back(r.index(v[i], p / i, list, false));
+                         values.reserve(sizeOf(elements));
+                         for (const JsonValue element : elements)
+                             values.push_back(r.index(element, p / values.size(), list, false));
                          std::invoke(set, t, values);
                      });
     }
@@ -132,29 +141,61 @@ public:
                 }
                 return out;
             },
-            [read](DescriptionReader& r, const Json& v, const Place& p, Target& t) {
-                r.expectArray(v, p);
-                for (std::size_t i = 0; i < v.size(); ++i) read(r, v[i], p / i, t);
+            [read](DescriptionReader& r, JsonValue v, const Place& p, Target& t) {
+                std::size_t i = 0;
+                for (const JsonValue element : r.array(v, p)) read(r, element, p / i++, t);
             });
     }
 
     // Reads the fields of object into target, in table order. Keys the
     // table does not know raise UnknownField, except those in alsoKnown
-    // (which the caller reads); a missing required field raises
-    // MissingField.
-    void read(DescriptionReader& reader, const Json& object, const Place& place, Target& target,
+    // (which the caller reads); a key named twice raises DuplicateField; a
+    // missing required field raises MissingField.
+    void read(DescriptionReader& reader, JsonValue value, const Place& place, Target& target,
               const std::vector<std::string>& alsoKnown = {}) const {
-        reader.expectObject(object, place);
-        std::vector<std::string> known = alsoKnown;
-        for (const Field& f : fields_) known.push_back(f.key);
-        reader.checkKnown(object, place, known);
-        for (const Field& f : fields_) {
-            auto it = object.find(f.key);
-            if (it == object.end()) {
-                if (f.required) reader.required(object, place, f.key);
+        const JsonObject object = reader.object(value, place);
+        // First every key is matched with its field, so that an unknown key
+        // is reported before any field is read. The search for a key starts
+        // after the field of the key before it: keys mostly come in table
+        // order.
+        std::bitset<kMaxFields + kMaxAlsoKnown> seen;
+        // The field of each key in turn; each key is known and named once.
+        std::uint8_t fieldOfKey[kMaxFields + kMaxAlsoKnown];
+        std::size_t keys = 0;
+        bool inTableOrder = true;
+        std::size_t next = 0;
+        for (auto it = object.begin(); it != object.end(); ++it) {
+            const std::string_view name = it.key();
+            std::size_t f = find(name, next);
+            if (f == kNone) f = findAlsoKnown(name, alsoKnown);
+            if (f == kNone) reader.unknownField(place, name, knownNames(alsoKnown));
+            if (seen[f]) reader.fail(key::kDuplicateField, place / name);
+            seen[f] = true;
+            fieldOfKey[keys++] = static_cast<std::uint8_t>(f);
+            if (f >= fields_.size()) continue;
+            if (f < next) inTableOrder = false;
+            next = f + 1;
+        }
+        // Then the fields are read in table order: as the keys come when
+        // they come in that order, otherwise each looked up.
+        auto it = object.begin();
+        std::size_t k = 0;
+        for (std::size_t f = 0; f < fields_.size(); ++f) {
+            const Field& field = fields_[f];
+            if (!seen[f]) {
+                if (field.required) reader.required(value, place, field.key);
                 continue;
             }
-            f.set(reader, *it, place / f.key, target);
+            JsonValue fieldValue;
+            if (inTableOrder) {
+                for (; fieldOfKey[k] != f; ++k) ++it;
+                fieldValue = it.value();
+                ++it;
+                ++k;
+            } else {
+                DescriptionReader::find(value, {field.key, field.length}, fieldValue);
+            }
+            field.set(reader, fieldValue, place / std::string_view(field.key, field.length), target);
         }
     }
 
@@ -171,12 +212,43 @@ public:
     }
 
 private:
+    // Bounds of a table, for the set of keys an object names.
+    static constexpr std::size_t kMaxFields = 64;
+    static constexpr std::size_t kMaxAlsoKnown = 8;
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
     struct Field {
         const char* key;
+        std::size_t length;
         bool required;
         Get get;
         Set set;
     };
+
+    // The field named key, searched from start on and then from the first
+    // field; kNone when there is none.
+    std::size_t find(std::string_view key, std::size_t start) const {
+        const std::size_t n = fields_.size();
+        for (std::size_t k = 0; k < n; ++k) {
+            const std::size_t f = start + k < n ? start + k : start + k - n;
+            const Field& field = fields_[f];
+            if (field.length == key.size() && std::equal(key.begin(), key.end(), field.key)) return f;
+        }
+        return kNone;
+    }
+    // fields_.size() + the position of key in alsoKnown, or kNone.
+    std::size_t findAlsoKnown(std::string_view key, const std::vector<std::string>& alsoKnown) const {
+        assert(alsoKnown.size() <= kMaxAlsoKnown && "at most kMaxAlsoKnown keys read by the caller");
+        for (std::size_t k = 0; k < alsoKnown.size(); ++k)
+            if (alsoKnown[k] == key) return fields_.size() + k;
+        return kNone;
+    }
+    // The keys an object may have, as messages list them.
+    std::vector<std::string> knownNames(const std::vector<std::string>& alsoKnown) const {
+        std::vector<std::string> known = alsoKnown;
+        for (const Field& f : fields_) known.push_back(f.key);
+        return known;
+    }
 
     template <class G>
     static Get plainGetter(G get) {
@@ -190,7 +262,7 @@ private:
     }
     template <class S, class Convert>
     static Set setter(S set, Convert convert) {
-        return [set, convert](DescriptionReader& r, const Json& v, const Place& p, Target& t) {
+        return [set, convert](DescriptionReader& r, JsonValue v, const Place& p, Target& t) {
             std::invoke(set, t, (r.*convert)(v, p));
         };
     }

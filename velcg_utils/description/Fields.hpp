@@ -43,11 +43,13 @@ const FieldTable<VelCGType, const VelCGType>& cgTypeFields();
 // A type of the code generator's intermediate representation, written as
 // a tree (shared parts are written once per use).
 Json writeIRType(DescriptionWriter& writer, const CG::Type& type, const Place& place);
-CG::Type::Ptr readIRType(DescriptionReader& reader, const Json& value, const Place& place);
+CG::Type::Ptr readIRType(DescriptionReader& reader, JsonValue value, const Place& place);
 
 // The graphical model (HierarchyFields.cpp).
 const FieldTable<BlockHierarchyMap, const BlockHierarchyMap>& hierarchyFields();
 const FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& blockFields();
+// Reads a block through blockFields.
+void readBlock(DescriptionReader& reader, JsonValue value, const Place& place, StoredGraphicalBlock& block);
 const FieldTable<StoredDataInterfaceRecord, const DataInterfaceRecordImpl>& recordFields();
 
 // A data interface: null for none.
@@ -55,7 +57,7 @@ Json writeDataInterface(DescriptionWriter& writer, const CG::DataInterface* data
                         const Place& place);
 // Sets the described data interface through set, which takes its own
 // reference.
-void readDataInterface(DescriptionReader& reader, const Json& value, const Place& place,
+void readDataInterface(DescriptionReader& reader, JsonValue value, const Place& place,
                        const std::function<void(const CG::DataInterface*)>& set);
 
 // A block named by its place in the block hierarchy map:
@@ -63,7 +65,7 @@ void readDataInterface(DescriptionReader& reader, const Json& value, const Place
 Json writeBlockReference(DescriptionWriter& writer, const GraphicalBlock* block, const Place& place);
 // Reads the reference and, once the whole document is read, hands the
 // block to use.
-void readBlockReference(DescriptionReader& reader, const Json& value, const Place& place,
+void readBlockReference(DescriptionReader& reader, JsonValue value, const Place& place,
                         std::function<void(GraphicalBlock*)> use);
 
 // Checks that need the whole model: cycles of graphical sources of ports

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <unordered_map>
 
 #include "CG/DataInterface.hpp"
 #include "description/Diagnostics.hpp"
@@ -96,6 +95,16 @@ const FieldTable<PortReference, const PortReference>& portReferenceFields() {
 
 std::string subsystemPointer(int subsystem) { return "/hierarchy/subsystems/" + std::to_string(subsystem); }
 
+// Whether the output port a reference names exists already.
+bool hasOutputPort(DescriptionReader& reader, const PortReference& source) {
+    const auto& subsystems = reader.model().getBlockHierarchyMap()->getSubsystems();
+    if (source.subsystem < 0 || static_cast<std::size_t>(source.subsystem) >= subsystems.size()) return false;
+    const auto& blocks = subsystems[static_cast<std::size_t>(source.subsystem)]->getBlocks();
+    if (source.block < 0 || static_cast<std::size_t>(source.block) >= blocks.size()) return false;
+    const auto& ports = blocks[static_cast<std::size_t>(source.block)]->getDataOutputPorts();
+    return source.port >= 0 && static_cast<std::size_t>(source.port) < ports.size();
+}
+
 // The block a reference names, or DanglingReference.
 GraphicalBlock* blockAt(DescriptionReader& reader, int subsystem, int block, const Place& place) {
     const auto& subsystems = reader.model().getBlockHierarchyMap()->getSubsystems();
@@ -117,7 +126,7 @@ const FieldTable<Region, const Region>& regionFields() {
                 [](DescriptionWriter& w, const Region& r, const Place& p) {
                     return writeDataInterface(w, r.getDataInterface(), p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, Region& region) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, Region& region) {
                     readDataInterface(r, v, p,
                                       [&](const CG::DataInterface* d) { region.setDataInterface(d); });
                 });
@@ -144,13 +153,17 @@ const FieldTable<Port, const Port>& portFields() {
                     const PortReference none;
                     return portReferenceFields().write(w, reference, none, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, Port& port) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, Port& port) {
                     PortReference source;
                     portReferenceFields().read(r, v, p, source);
                     port.setGrSrcPortIdx(source.subsystem, source.block, source.port);
-                    r.defer([&r, source, p] {
-                        GraphicalBlock* block = blockAt(r, source.subsystem, source.block, p);
-                        r.checkIndex(source.port, p / "port",
+                    // A port read before this one needs no later check, as
+                    // lists only grow; most sources are such ports.
+                    if (hasOutputPort(r, source)) return;
+                    r.defer([&r, source, pointer = p.pointer()] {
+                        const Place place(pointer);
+                        GraphicalBlock* block = blockAt(r, source.subsystem, source.block, place);
+                        r.checkIndex(source.port, place / "port",
                                      subsystemPointer(source.subsystem) + "/blocks/" +
                                          std::to_string(source.block) + "/dataOutputPorts",
                                      block->getDataOutputPorts().size());
@@ -162,7 +175,7 @@ const FieldTable<Port, const Port>& portFields() {
                     const Region defaults;
                     return regionFields().write(w, *region, defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, Port& port) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, Port& port) {
                     auto region = std::make_unique<Region>();
                     regionFields().read(r, v, p, *region);
                     port.addRegion(std::move(region));
@@ -194,13 +207,14 @@ const FieldTable<StoredParameter, const ParameterImpl>& parameterFields() {
                         out.push_back(w.indexOf(parameters[i], p / i));
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, StoredParameter& parameter) {
-                    r.expectArray(v, p);
+                [](DescriptionReader& r, JsonValue v, const Place& p, StoredParameter& parameter) {
                     // The model parameters are read before any block.
                     const auto& parameters = r.model().getModelParameters();
-                    for (std::size_t i = 0; i < v.size(); ++i) {
-                        const int index = r.int32(v[i], p / i);
-                        r.checkIndex(index, p / i, "/modelParameters", parameters.size());
+                    std::size_t i = 0;
+                    for (const JsonValue element : r.array(v, p)) {
+                        const Place place = p / i++;
+                        const int index = r.int32(element, place);
+                        r.checkIndex(index, place, "/modelParameters", parameters.size());
                         parameter.addModelParameter(parameters[static_cast<std::size_t>(index)]);
                     }
                 });
@@ -209,19 +223,22 @@ const FieldTable<StoredParameter, const ParameterImpl>& parameterFields() {
     return table;
 }
 
-// A list of ports of a block: which list, and how to add to it.
+// A list of ports of a block: which list, how to add to it, and whether
+// it holds data output ports.
 template <class Get, class Add>
-void addPortList(FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& t, const char* key, Get get, Add add) {
+void addPortList(FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& t, const char* key, Get get, Add add,
+                 bool outputs = false) {
     t.list(
         key, get,
         [](DescriptionWriter& w, const Port* port, const Place& p) {
             const Port defaults;
             return portFields().write(w, *port, defaults, p);
         },
-        [add](DescriptionReader& r, const Json& v, const Place& p, StoredGraphicalBlock& block) {
+        [add, outputs](DescriptionReader& r, JsonValue v, const Place& p, StoredGraphicalBlock& block) {
             auto port = std::make_unique<Port>();
             port->setCGModel(&r.model());
             portFields().read(r, v, p, *port);
+            if (outputs && port->getGrSrcPortIdx().subsystem != -1) r.noteOutputPortSource();
             std::invoke(add, block, std::move(port));
         });
 }
@@ -234,7 +251,7 @@ void addStateList(FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& t, const c
             const State defaults;
             return stateFields().write(w, *state, defaults, p);
         },
-        [add](DescriptionReader& r, const Json& v, const Place& p, StoredGraphicalBlock& block) {
+        [add](DescriptionReader& r, JsonValue v, const Place& p, StoredGraphicalBlock& block) {
             auto state = std::make_unique<State>();
             stateFields().read(r, v, p, *state);
             std::invoke(add, block, std::move(state));
@@ -249,12 +266,28 @@ void addRecordList(FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& t, const 
             const StoredDataInterfaceRecord defaults;
             return recordFields().write(w, *record->getImpl(), defaults, p);
         },
-        [add](DescriptionReader& r, const Json& v, const Place& p, StoredGraphicalBlock& block) {
+        [add](DescriptionReader& r, JsonValue v, const Place& p, StoredGraphicalBlock& block) {
             auto impl = std::make_unique<StoredDataInterfaceRecord>();
             recordFields().read(r, v, p, *impl);
             std::invoke(
                 add, block,
                 std::unique_ptr<DataInterfaceRecord>(r.factory().createDataInterfaceRecord(impl.release())));
+        });
+}
+
+// A wide text field of a block, kept until the block is read and then set
+// with the others in one step (readBlock): one allocation instead of one
+// per field.
+template <class Get>
+void addBlockText(FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& t, const char* key, Get get,
+                  StoredGraphicalBlock::TextField field) {
+    t.field(
+        key,
+        [get](DescriptionWriter& w, GraphicalBlockIF& block, const Place& p) {
+            return w.wide(std::invoke(get, block), p);
+        },
+        [field](DescriptionReader& r, JsonValue v, const Place& p, StoredGraphicalBlock&) {
+            r.keepBlockText(field, r.textView(v, p));
         });
 }
 
@@ -299,11 +332,13 @@ const FieldTable<StoredGraphicalSubsystem, const GraphicalSubsystem>& subsystemF
                     const BlockReference none;
                     return blockReferenceFields().write(w, reference, none, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& subsystem) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& subsystem) {
                     BlockReference reference;
                     blockReferenceFields().read(r, v, p, reference);
                     subsystem.setSubsystemBlockIndex({reference.subsystem, reference.block});
-                    r.defer([&r, reference, p] { blockAt(r, reference.subsystem, reference.block, p); });
+                    r.defer([&r, reference, pointer = p.pointer()] {
+                        blockAt(r, reference.subsystem, reference.block, Place(pointer));
+                    });
                 })
             .index("nvOwnerSysIdx", ListKind::Systems, true, &G::getNVOwnerSysIdx, &G::setNVOwnerSysIdx)
             .int32("velContextSysNum", &G::getVelContextSysNum, &G::setVelContextSysNum)
@@ -316,8 +351,8 @@ const FieldTable<StoredGraphicalSubsystem, const GraphicalSubsystem>& subsystemF
                         out.push_back(w.indexOf(children[i], p / i));
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& subsystem) {
-                    r.declaredChildren()[&subsystem] = {p, r.int32s(v, p)};
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& subsystem) {
+                    r.declaredChildren()[&subsystem] = {p.pointer(), r.int32s(v, p)};
                 })
             .list(
                 "blocks", &G::getBlocks,
@@ -325,10 +360,10 @@ const FieldTable<StoredGraphicalSubsystem, const GraphicalSubsystem>& subsystemF
                     StoredGraphicalBlock defaults;
                     return blockFields().write(w, *block, defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& subsystem) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& subsystem) {
                     auto impl = std::make_unique<StoredGraphicalBlock>();
                     impl->setCGModel(&r.model());
-                    blockFields().read(r, v, p, *impl);
+                    readBlock(r, v, p, *impl);
                     subsystem.addGraphicalBlock(
                         std::unique_ptr<GraphicalBlock>(new GraphicalBlock(impl.release())));
                 });
@@ -376,7 +411,8 @@ void finishHierarchy(DescriptionReader& reader, BlockHierarchyMap& map, const Pl
     for (std::size_t s = 0; s < count; ++s) {
         auto it = declared.find(subsystems[s]);
         if (it == declared.end()) continue;
-        const auto& [listPlace, list] = it->second;
+        const auto& [listPointer, list] = it->second;
+        const Place listPlace(listPointer);
         for (std::size_t i = 0; i < list.size(); ++i) {
             reader.checkIndex(list[i], listPlace / i, "/hierarchy/subsystems", count);
             if (isAncestorOrSelf(list[i], static_cast<int>(s)))
@@ -405,10 +441,11 @@ void finishHierarchy(DescriptionReader& reader, BlockHierarchyMap& map, const Pl
         }
         auto it = declared.find(subsystems[s]);
         if (it != declared.end() && it->second.second != children[s])
-            reader.invalid(it->second.first, "the child subsystems " + listed(it->second.second) +
-                                                 " differ from " + listed(children[s]) +
-                                                 ", which the breadth-first order of the subsystems and the "
-                                                 "subsystem blocks give");
+            reader.invalid(Place(it->second.first),
+                           "the child subsystems " + listed(it->second.second) + " differ from " +
+                               listed(children[s]) +
+                               ", which the breadth-first order of the subsystems and the "
+                               "subsystem blocks give");
     }
     declared.clear();
     map.finalize();
@@ -423,7 +460,7 @@ Json writeDataInterface(DescriptionWriter& writer, const CG::DataInterface* data
     return dataInterfaceFields().write(writer, dataInterface->getDescription(), defaults, place);
 }
 
-void readDataInterface(DescriptionReader& reader, const Json& value, const Place& place,
+void readDataInterface(DescriptionReader& reader, JsonValue value, const Place& place,
                        const std::function<void(const CG::DataInterface*)>& set) {
     DataInterfaceDescription description;
     dataInterfaceFields().read(reader, value, place, description);
@@ -443,12 +480,12 @@ Json writeBlockReference(DescriptionWriter& writer, const GraphicalBlock* block,
     return blockReferenceFields().write(writer, reference, none, place);
 }
 
-void readBlockReference(DescriptionReader& reader, const Json& value, const Place& place,
+void readBlockReference(DescriptionReader& reader, JsonValue value, const Place& place,
                         std::function<void(GraphicalBlock*)> use) {
     BlockReference reference;
     blockReferenceFields().read(reader, value, place, reference);
-    reader.defer([&reader, reference, place, use = std::move(use)] {
-        use(blockAt(reader, reference.subsystem, reference.block, place));
+    reader.defer([&reader, reference, pointer = place.pointer(), use = std::move(use)] {
+        use(blockAt(reader, reference.subsystem, reference.block, Place(pointer)));
     });
 }
 
@@ -461,7 +498,7 @@ const FieldTable<StoredDataInterfaceRecord, const DataInterfaceRecordImpl>& reco
                 return writeDataInterface(w, record.hasDataInterface() ? record.getDataInterface() : nullptr,
                                           p);
             },
-            [](DescriptionReader& r, const Json& v, const Place& p, StoredDataInterfaceRecord& record) {
+            [](DescriptionReader& r, JsonValue v, const Place& p, StoredDataInterfaceRecord& record) {
                 readDataInterface(r, v, p, [&](const CG::DataInterface* d) { record.setDataInterface(d); });
             });
         return t;
@@ -474,15 +511,16 @@ const FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& blockFields() {
     using B = GraphicalBlockIF;
     static const auto table = [] {
         FieldTable<S, B> t;
-        t.wide("name", &B::getName, &S::setName)
-            .wide("velName", &B::getVelName, &S::setVelName)
-            .wide("sid", &B::getSID, &S::setSID)
-            .wide("compactSID", &B::getCompactSID, &S::setCompactSID)
-            .wide("blockPath", &B::getBlockPath, &S::setBlockPath)
-            .wide("type", &B::getType, &S::setType)
-            .wide("description", &B::getDescription, &S::setDescription)
-            .wide("referencedModelName", &B::getReferencedModelName, &S::setReferencedModelName)
-            .boolean("isProtectedModelBlock", &B::getIsProtectedModelBlock, &S::setIsProtectedModelBlock)
+        using Text = S::TextField;
+        addBlockText(t, "name", &B::getName, Text::Name);
+        addBlockText(t, "velName", &B::getVelName, Text::VelName);
+        addBlockText(t, "sid", &B::getSID, Text::SID);
+        addBlockText(t, "compactSID", &B::getCompactSID, Text::CompactSID);
+        addBlockText(t, "blockPath", &B::getBlockPath, Text::BlockPath);
+        addBlockText(t, "type", &B::getType, Text::Type);
+        addBlockText(t, "description", &B::getDescription, Text::Description);
+        addBlockText(t, "referencedModelName", &B::getReferencedModelName, Text::ReferencedModelName);
+        t.boolean("isProtectedModelBlock", &B::getIsProtectedModelBlock, &S::setIsProtectedModelBlock)
             .enumeration("virtual", virtualityNames(), &B::getVirtual, &S::setVirtual)
             .int32("numFcnCallOutputPorts", &B::getNumFcnCallOutputPorts, &S::setNumFcnCallOutputPorts)
             .boolean("isReduced", &B::isReduced, &S::setIsReduced)
@@ -492,7 +530,7 @@ const FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& blockFields() {
             .boolean("isSubsystem", &B::isSubsystem, &S::setIsSubsystem)
             .boolean("isDataStoreMemory", &B::isDataStoreMemory, &S::setIsDataStoreMemory);
         addPortList(t, "dataInputPorts", &B::getDataInputPorts, &S::addDataInputPort);
-        addPortList(t, "dataOutputPorts", &B::getDataOutputPorts, &S::addDataOutputPort);
+        addPortList(t, "dataOutputPorts", &B::getDataOutputPorts, &S::addDataOutputPort, true);
         addPortList(t, "controlInputPorts", &B::getControlInputPorts, &S::addControlInputPort);
         t.list(
             "parameters", &B::getParameters,
@@ -500,7 +538,7 @@ const FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& blockFields() {
                 const StoredParameter defaults;
                 return parameterFields().write(w, *parameter->getImpl(), defaults, p);
             },
-            [](DescriptionReader& r, const Json& v, const Place& p, S& block) {
+            [](DescriptionReader& r, JsonValue v, const Place& p, S& block) {
                 auto impl = std::make_unique<StoredParameter>();
                 parameterFields().read(r, v, p, *impl);
                 block.addParameter(std::unique_ptr<Parameter>(r.factory().createParameter(impl.release())));
@@ -512,6 +550,11 @@ const FieldTable<StoredGraphicalBlock, GraphicalBlockIF>& blockFields() {
         return t;
     }();
     return table;
+}
+
+void readBlock(DescriptionReader& reader, JsonValue value, const Place& place, StoredGraphicalBlock& block) {
+    blockFields().read(reader, value, place, block);
+    reader.setBlockTexts(block);
 }
 
 const FieldTable<BlockHierarchyMap, const BlockHierarchyMap>& hierarchyFields() {
@@ -528,12 +571,14 @@ const FieldTable<BlockHierarchyMap, const BlockHierarchyMap>& hierarchyFields() 
                 }
                 return out;
             },
-            [](DescriptionReader& r, const Json& v, const Place& p, BlockHierarchyMap& map) {
-                r.expectArray(v, p);
-                for (std::size_t i = 0; i < v.size(); ++i) {
-                    auto subsystem = std::make_unique<StoredGraphicalSubsystem>();
-                    subsystemFields().read(r, v[i], p / i, *subsystem);
-                    map.addGraphicalSubsystem(std::move(subsystem));
+            [](DescriptionReader& r, JsonValue v, const Place& p, BlockHierarchyMap& map) {
+                std::size_t i = 0;
+                for (const JsonValue element : r.array(v, p)) {
+                    // In the map while it is read, so that its blocks can be
+                    // found as soon as they are read.
+                    auto* subsystem = static_cast<StoredGraphicalSubsystem*>(
+                        map.addGraphicalSubsystem(std::make_unique<StoredGraphicalSubsystem>()));
+                    subsystemFields().read(r, element, p / i++, *subsystem);
                 }
                 finishHierarchy(r, map, p);
             });
@@ -544,44 +589,65 @@ const FieldTable<BlockHierarchyMap, const BlockHierarchyMap>& hierarchyFields() 
 
 void checkGraphicalSources(DescriptionReader& reader, const CGModel& model) {
     // Sources are data output ports, so a cycle runs through output ports
-    // of blocks of the map only. Each port is walked from once.
+    // of blocks of the map only. The ports are numbered in map order, and
+    // each is walked from once.
+    if (!reader.outputPortSources()) return;
     const auto& subsystems = model.getBlockHierarchyMap()->getSubsystems();
-    std::vector<const Port*> order;
-    std::unordered_map<const Port*, Place> placeOf;
-    for (std::size_t s = 0; s < subsystems.size(); ++s) {
-        const auto& blocks = subsystems[s]->getBlocks();
-        for (std::size_t b = 0; b < blocks.size(); ++b) {
-            const auto& ports = blocks[b]->getDataOutputPorts();
-            for (std::size_t i = 0; i < ports.size(); ++i) {
-                order.push_back(ports[i]);
-                placeOf[ports[i]] =
-                    Place() / "hierarchy" / "subsystems" / s / "blocks" / b / "dataOutputPorts" / i;
+    std::vector<std::size_t> firstBlock{0};
+    for (const GraphicalSubsystem* subsystem : subsystems)
+        firstBlock.push_back(firstBlock.back() + subsystem->getBlocks().size());
+    std::vector<std::size_t> firstPort{0};
+    firstPort.reserve(firstBlock.back() + 1);
+    for (const GraphicalSubsystem* subsystem : subsystems)
+        for (const GraphicalBlock* block : subsystem->getBlocks())
+            firstPort.push_back(firstPort.back() + block->getDataOutputPorts().size());
+    constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    // The number of each port's source; the indices were checked to exist
+    // before this runs.
+    std::vector<std::size_t> sourceOf;
+    sourceOf.reserve(firstPort.back());
+    for (const GraphicalSubsystem* subsystem : subsystems)
+        for (const GraphicalBlock* block : subsystem->getBlocks())
+            for (const Port* port : block->getDataOutputPorts()) {
+                const Port::SourceIndices source = port->getGrSrcPortIdx();
+                sourceOf.push_back(source.subsystem == -1
+                                       ? kNone
+                                       : firstPort[firstBlock[static_cast<std::size_t>(source.subsystem)] +
+                                                   static_cast<std::size_t>(source.block)] +
+                                             static_cast<std::size_t>(source.port));
+            }
+    // Where port number n stands, for the message.
+    auto pointerOf = [&](std::size_t n) {
+        const std::size_t block =
+            static_cast<std::size_t>(std::upper_bound(firstPort.begin(), firstPort.end(), n) -
+                                     firstPort.begin()) -
+            1;
+        const std::size_t s =
+            static_cast<std::size_t>(std::upper_bound(firstBlock.begin(), firstBlock.end(), block) -
+                                     firstBlock.begin()) -
+            1;
+        return "/hierarchy/subsystems/" + std::to_string(s) + "/blocks/" +
+               std::to_string(block - firstBlock[s]) + "/dataOutputPorts/" +
+               std::to_string(n - firstPort[block]);
+    };
+    enum Mark : unsigned char { kUnvisited, kInWalk, kDone };
+    std::vector<Mark> marks(sourceOf.size(), kUnvisited);
+    std::vector<std::size_t> walk;
+    for (std::size_t start = 0; start < sourceOf.size(); ++start) {
+        for (std::size_t n = start; n != kNone && marks[n] == kUnvisited; n = sourceOf[n]) {
+            marks[n] = kInWalk;
+            walk.push_back(n);
+            const std::size_t source = sourceOf[n];
+            if (source != kNone && marks[source] == kInWalk) {
+                const std::string sourcePointer = pointerOf(source);
+                const Place sourcePlace(sourcePointer);
+                reader.fail(key::kCycle, sourcePlace / "graphicalSource",
+                            {"following the graphical sources from this port leads back to it through " +
+                             pointerOf(n)});
             }
         }
-    }
-    enum class Mark { InWalk, Done };
-    std::unordered_map<const Port*, Mark> marks;
-    auto sourceOf = [&](const Port* port) -> const Port* {
-        const Port::SourceIndices source = port->getGrSrcPortIdx();
-        if (source.subsystem == -1) return nullptr;
-        // Checked to exist before this runs.
-        const auto& blocks = subsystems[static_cast<std::size_t>(source.subsystem)]->getBlocks();
-        return blocks[static_cast<std::size_t>(source.block)]
-            ->getDataOutputPorts()[static_cast<std::size_t>(source.port)];
-    };
-    for (const Port* start : order) {
-        if (marks.count(start)) continue;
-        std::vector<const Port*> walk;
-        for (const Port* port = start; port && !marks.count(port); port = sourceOf(port)) {
-            marks[port] = Mark::InWalk;
-            walk.push_back(port);
-            const Port* source = sourceOf(port);
-            if (source && marks.count(source) && marks[source] == Mark::InWalk)
-                reader.fail(key::kCycle, placeOf[source] / "graphicalSource",
-                            {"following the graphical sources from this port leads back to it through " +
-                             placeOf[port].pointer()});
-        }
-        for (const Port* port : walk) marks[port] = Mark::Done;
+        for (std::size_t n : walk) marks[n] = kDone;
+        walk.clear();
     }
 }
 

@@ -1,18 +1,12 @@
 #pragma once
 
-// Reading and writing the text of a JSON document.
+// The text of a JSON document, as the description writer prints it.
 
 #include <string>
 
 #include "description/Json.hpp"
 
 namespace VelCG::description {
-
-// Parses text. Raises "VelCG:ModelDescription:MalformedJson" with the line
-// and column of the first error, and "VelCG:ModelDescription:DuplicateField"
-// for an object that names a key twice (which a JSON parser would otherwise
-// resolve silently). sourceName names the text in messages.
-Json parseJson(const std::string& text, const std::string& sourceName);
 
 // The document as text: two-space indentation, one member or element per
 // line, except that an object or array holding no object or array is

@@ -5,13 +5,14 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
+#include <memory>
 
 #include "description/DescriptionReader.hpp"
 #include "description/DescriptionWriter.hpp"
 #include "description/Diagnostics.hpp"
 #include "description/Fields.hpp"
+#include "description/JsonDocument.hpp"
 #include "description/JsonText.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/PlainFileName.hpp"
@@ -49,48 +50,57 @@ std::string quotedName(const std::string& name) {
 // names a file of its own there, also where case is ignored.
 void checkFileNames(const DescriptionReader& reader, const std::vector<ModelFileDescription>& files) {
     std::map<std::string, std::size_t> byKey;
+    const Place root;
+    const Place list = root / kFilesKey;
     for (std::size_t i = 0; i < files.size(); ++i) {
         const std::string& name = files[i].name;
-        const Place place = Place() / kFilesKey / i / "name";
+        const Place entry = list / i;
+        const Place place = entry / "name";
         if (const auto problem = plainFileNameProblem(name))
             reader.fail(key::kNotAPlainFileName, place, {quotedName(name), *problem});
         const auto [first, added] = byKey.emplace(fileNameFoldKey(name), i);
-        if (!added)
-            reader.fail(key::kSameFileName, place,
-                        {quotedName(name), quotedName(files[first->second].name),
-                         (Place() / kFilesKey / first->second / "name").pointer()});
+        if (!added) {
+            const Place firstEntry = list / first->second;
+            reader.fail(
+                key::kSameFileName, place,
+                {quotedName(name), quotedName(files[first->second].name), (firstEntry / "name").pointer()});
+        }
     }
 }
 
 // Reads the document into a model. Everything is built into objects the
 // model owns as soon as they exist, so that a failure frees all of it.
-ModelDescription read(const Json& document, const std::string& sourceName) {
-    if (!document.is_object())
+ModelDescription read(JsonValue document, const std::string& sourceName) {
+    if (document.type() != simdjson::dom::element_type::OBJECT)
         raise(key::kNotADescription, {sourceName, "the document is not a JSON object"});
-    auto format = document.find(kFormatKey);
-    if (format == document.end()) raise(key::kNotADescription, {sourceName, "it has no \"format\""});
-    if (*format != ModelDescription::kFormatName)
-        raise(key::kNotADescription, {sourceName, "its \"format\" is " + format->dump()});
+    JsonValue format;
+    if (!DescriptionReader::find(document, kFormatKey, format))
+        raise(key::kNotADescription, {sourceName, "it has no \"format\""});
+    if (format.type() != simdjson::dom::element_type::STRING ||
+        format.get_string().value_unsafe() != ModelDescription::kFormatName)
+        raise(key::kNotADescription, {sourceName, "its \"format\" is " + toJson(format).dump()});
 
     auto model = std::make_unique<StoredCGModel>();
     DescriptionReader reader(document, sourceName, *model);
-    const Place versionPlace = Place() / kVersionKey;
-    const std::int64_t version = reader.int64(reader.required(document, Place(), kVersionKey), versionPlace);
+    const Place root;
+    const Place versionPlace = root / kVersionKey;
+    const std::int64_t version = reader.int64(reader.required(document, root, kVersionKey), versionPlace);
     if (version != ModelDescription::kFormatVersion)
         reader.fail(key::kUnsupportedVersion, versionPlace,
                     {std::to_string(version), std::to_string(ModelDescription::kFormatVersion)});
 
-    if (auto schema = document.find(kSchemaKey); schema != document.end())
-        reader.text(*schema, Place() / kSchemaKey);
-    modelFields().read(reader, document, Place(), *model,
+    JsonValue value;
+    if (DescriptionReader::find(document, kSchemaKey, value)) reader.text(value, root / kSchemaKey);
+    modelFields().read(reader, document, root, *model,
                        {kSchemaKey, kFormatKey, kVersionKey, kFilesKey, kTemplateDataKey});
     std::vector<ModelFileDescription> files;
-    if (auto list = document.find(kFilesKey); list != document.end()) {
-        const Place place = Place() / kFilesKey;
-        reader.expectArray(*list, place);
-        for (std::size_t i = 0; i < list->size(); ++i) {
+    if (DescriptionReader::find(document, kFilesKey, value)) {
+        const Place place = root / kFilesKey;
+        const JsonArray list = reader.array(value, place);
+        files.reserve(sizeOf(list));
+        for (const JsonValue entry : list) {
             ModelFileDescription file;
-            fileFields().read(reader, (*list)[i], place / i, file);
+            fileFields().read(reader, entry, place / files.size(), file);
             files.push_back(std::move(file));
         }
     }
@@ -101,34 +111,31 @@ ModelDescription read(const Json& document, const std::string& sourceName) {
     checkModelReferences(reader, *model);
 
     ModelDescription result;
+    if (DescriptionReader::find(document, kTemplateDataKey, value)) {
+        // The only part of the document no field table reads, and so checks
+        // for keys named twice.
+        if (auto repeated = firstRepeatedKey(value, root / kTemplateDataKey))
+            raise(key::kDuplicateField, {sourceName, *repeated});
+        result.templateData = toJson(value).dump();
+    }
     result.model = std::move(model);
     result.files = std::move(files);
-    if (auto data = document.find(kTemplateDataKey); data != document.end())
-        result.templateData = data->dump();
     return result;
 }
 
-} // namespace
-
-ModelDescription ModelDescription::load(const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error)) raise(key::kReadFailed, {path, "it is a directory"});
-    errno = 0;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) raise(key::kReadFailed, {path, systemError()});
-    std::string text;
+// Reads the text of a description, which is freed once parsed.
+ModelDescription readText(PaddedText text, const std::string& sourceName) {
     try {
-        text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    } catch (const std::exception& e) {
-        raise(key::kReadFailed, {path, e.what()});
-    }
-    if (in.bad()) raise(key::kReadFailed, {path, systemError()});
-    return parse(text, path);
-}
-
-ModelDescription ModelDescription::parse(const std::string& text, const std::string& sourceName) {
-    try {
-        return read(parseJson(text, sourceName), sourceName);
+        const JsonDocument document = JsonDocument::parse(std::move(text), sourceName);
+        try {
+            return read(document.root(), sourceName);
+        } catch (...) {
+            // A key named twice is reported wherever it stands, before
+            // anything reading found (which may follow from it).
+            if (auto repeated = firstRepeatedKey(document.root(), Place()))
+                raise(key::kDuplicateField, {sourceName, *repeated});
+            throw;
+        }
     } catch (const vel::diag::Exception& e) {
         if (isOurs(e)) throw;
         // The library refused something the checks let through.
@@ -138,6 +145,44 @@ ModelDescription ModelDescription::parse(const std::string& text, const std::str
     }
 }
 
+// The whole file, with the padding the parser needs.
+PaddedText readFile(const std::string& path) {
+    struct Close {
+        void operator()(std::FILE* file) const { std::fclose(file); }
+    };
+    errno = 0;
+    const std::unique_ptr<std::FILE, Close> file(std::fopen(path.c_str(), "rb"));
+    if (!file) raise(key::kReadFailed, {path, systemError()});
+    // A regular file is read into a buffer of its size, unless its size
+    // changes meanwhile; anything else in pieces.
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (!error && std::filesystem::is_regular_file(path, error)) {
+        PaddedText text(static_cast<std::size_t>(size));
+        if (text.size() == size && std::fread(text.data(), 1, text.size(), file.get()) == text.size() &&
+            std::fgetc(file.get()) == EOF && !std::ferror(file.get()))
+            return text;
+        std::rewind(file.get());
+    }
+    std::string text;
+    char piece[1 << 16];
+    for (std::size_t n; (n = std::fread(piece, 1, sizeof piece, file.get())) > 0;) text.append(piece, n);
+    if (std::ferror(file.get())) raise(key::kReadFailed, {path, systemError()});
+    return PaddedText(text);
+}
+
+} // namespace
+
+ModelDescription ModelDescription::load(const std::string& path) {
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) raise(key::kReadFailed, {path, "it is a directory"});
+    return readText(readFile(path), path);
+}
+
+ModelDescription ModelDescription::parse(const std::string& text, const std::string& sourceName) {
+    return readText(PaddedText(text), sourceName);
+}
+
 std::string ModelDescription::toText(const CGModel& model, const std::vector<ModelFileDescription>& files) {
     try {
         DescriptionWriter writer(model);
@@ -145,15 +190,18 @@ std::string ModelDescription::toText(const CGModel& model, const std::vector<Mod
         document[kFormatKey] = kFormatName;
         document[kVersionKey] = kFormatVersion;
         const StoredCGModel defaults;
-        Json fields = modelFields().write(writer, model, defaults, Place());
+        const Place root;
+        Json fields = modelFields().write(writer, model, defaults, root);
         for (auto& [field, value] : fields.items()) document[field] = std::move(value);
         Json list = Json::array();
+        const Place listPlace = root / kFilesKey;
         for (std::size_t i = 0; i < files.size(); ++i) {
             const ModelFileDescription none;
+            const Place entry = listPlace / i;
             if (const auto problem = plainFileNameProblem(files[i].name))
-                writer.fail(Place() / kFilesKey / i / "name",
+                writer.fail(entry / "name",
                             quotedName(files[i].name) + " is not a plain file name: " + *problem);
-            list.push_back(fileFields().write(writer, files[i], none, Place() / kFilesKey / i));
+            list.push_back(fileFields().write(writer, files[i], none, entry));
         }
         if (!list.empty()) document[kFilesKey] = std::move(list);
         return printJson(document);

@@ -172,11 +172,11 @@ const FieldTable<StoredSystem, const System>& systemFields() {
                         out.push_back(writeBlockReference(w, blocks[i], p / i));
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& system) {
-                    r.expectArray(v, p);
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& system) {
                     // Resolved in order once the hierarchy is read.
-                    for (std::size_t i = 0; i < v.size(); ++i)
-                        readBlockReference(r, v[i], p / i,
+                    std::size_t i = 0;
+                    for (const JsonValue element : r.array(v, p))
+                        readBlockReference(r, element, p / i++,
                                            [&system](GraphicalBlock* b) { system.addGraphicalCallsite(b); });
                 })
             .field(
@@ -184,13 +184,13 @@ const FieldTable<StoredSystem, const System>& systemFields() {
                 [](DescriptionWriter& w, const Y& system, const Place& p) {
                     return w.texts(w.functionsOf(&system), p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& system) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& system) {
                     const std::vector<std::string> names = r.texts(v, p);
                     for (std::size_t i = 0; i < names.size(); ++i) {
-                        auto [it, added] = r.functionNames().emplace(names[i], p / i);
+                        auto [it, added] = r.functionNames().emplace(names[i], (p / i).pointer());
                         if (!added)
                             r.invalid(p / i, "the function \"" + names[i] + "\" is already recorded at " +
-                                                 it->second.pointer() + "; a function belongs to one system");
+                                                 it->second + "; a function belongs to one system");
                         r.model().addFunctionForSystem(names[i], &system);
                     }
                 });
@@ -275,7 +275,7 @@ const FieldTable<StoredModelParameter, const ModelParameterImpl>& modelParameter
                     const GraphicalBlock* source = parameter.getGraphicalSource();
                     return source ? writeBlockReference(w, source, p) : Json();
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& parameter) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& parameter) {
                     readBlockReference(r, v, p,
                                        [&parameter](GraphicalBlock* b) { parameter.setGraphicalSource(b); });
                 })
@@ -288,10 +288,10 @@ const FieldTable<StoredModelParameter, const ModelParameterImpl>& modelParameter
                         out.push_back(writeBlockReference(w, blocks[i], p / i));
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& parameter) {
-                    r.expectArray(v, p);
-                    for (std::size_t i = 0; i < v.size(); ++i)
-                        readBlockReference(r, v[i], p / i, [&parameter](GraphicalBlock* b) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& parameter) {
+                    std::size_t i = 0;
+                    for (const JsonValue element : r.array(v, p))
+                        readBlockReference(r, element, p / i++, [&parameter](GraphicalBlock* b) {
                             parameter.addGraphicalReference(b);
                         });
                 })
@@ -300,7 +300,7 @@ const FieldTable<StoredModelParameter, const ModelParameterImpl>& modelParameter
                 [](DescriptionWriter& w, const M& parameter, const Place& p) {
                     return writeDataInterface(w, parameter.getDataInterface(), p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& parameter) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& parameter) {
                     readDataInterface(r, v, p,
                                       [&](const CG::DataInterface* d) { parameter.setDataInterface(d); });
                 });
@@ -327,8 +327,8 @@ const FieldTable<ToAsyncQueueBlock, ToAsyncQueueBlock>& queueBlockFields() {
                  StoredGraphicalBlock defaults;
                  return blockFields().write(w, queue, defaults, p);
              },
-             [](DescriptionReader& r, const Json& v, const Place& p, Q& queue) {
-                 blockFields().read(r, v, p, static_cast<StoredGraphicalBlock&>(*queue.getImpl()));
+             [](DescriptionReader& r, JsonValue v, const Place& p, Q& queue) {
+                 readBlock(r, v, p, static_cast<StoredGraphicalBlock&>(*queue.getImpl()));
              })
             .boolean("isFixedPoint", &Q::getIsFixedPoint, &Q::setIsFixedPoint)
             .boolean("isEnum", &Q::getIsEnum, &Q::setIsEnum)
@@ -375,7 +375,7 @@ const FieldTable<ToAsyncQueueBlock, ToAsyncQueueBlock>& queueBlockFields() {
                     auto defaults = newQueueBlock(nullptr);
                     return queueBlockFields().write(w, *leaf, *defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, Q& queue) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, Q& queue) {
                     DescriptionReader::Nesting nesting(r, p);
                     auto leaf = newQueueBlock(&r.model());
                     queueBlockFields().read(r, v, p, *leaf);
@@ -439,7 +439,7 @@ Json writeCoderGroup(DescriptionWriter& w, const CoderDataGroup& group, const Pl
     return coderGroupFields().write(w, group, defaults, p);
 }
 
-std::string readGroupName(DescriptionReader& r, const Json& v, const Place& p) {
+std::string readGroupName(DescriptionReader& r, JsonValue v, const Place& p) {
     r.expectObject(v, p);
     return r.text(r.required(v, p, "name"), p / "name");
 }
@@ -460,11 +460,11 @@ struct ChildSource {
 
 struct ChildTarget {
     ChildCoderGroupMgr* manager = nullptr;
-    // Child models already read, with their places.
-    std::map<std::string, Place>* childModels = nullptr;
+    // Child models already read, with their pointers.
+    std::map<std::string, std::string>* childModels = nullptr;
     std::string childModel;
-    // The groups of this entry, with their places.
-    std::map<std::string, Place> groups;
+    // The groups of this entry, with their pointers.
+    std::map<std::string, std::string> groups;
 };
 
 const FieldTable<ChildVariable, const ChildVariable>& childVariableFields() {
@@ -491,12 +491,12 @@ const FieldTable<ChildTarget, const ChildSource>& childEntryFields() {
              [](DescriptionWriter& w, const ChildSource& s, const Place& p) {
                  return w.text(s.childModel, p);
              },
-             [](DescriptionReader& r, const Json& v, const Place& p, ChildTarget& target) {
+             [](DescriptionReader& r, JsonValue v, const Place& p, ChildTarget& target) {
                  target.childModel = r.text(v, p);
-                 auto [it, added] = target.childModels->emplace(target.childModel, p);
+                 auto [it, added] = target.childModels->emplace(target.childModel, p.pointer());
                  if (!added)
                      r.invalid(p, "the child model \"" + target.childModel + "\" is already described at " +
-                                      it->second.pointer());
+                                      it->second);
              })
             .required()
             .list(
@@ -504,12 +504,12 @@ const FieldTable<ChildTarget, const ChildSource>& childEntryFields() {
                 [](DescriptionWriter& w, const CoderDataGroup* group, const Place& p) {
                     return writeCoderGroup(w, *group, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, ChildTarget& target) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, ChildTarget& target) {
                     const std::string name = readGroupName(r, v, p);
-                    auto [it, added] = target.groups.emplace(name, p);
+                    auto [it, added] = target.groups.emplace(name, p.pointer());
                     if (!added)
                         r.invalid(p / "name", "the child model already has a group named \"" + name +
-                                                  "\" at " + it->second.pointer());
+                                                  "\" at " + it->second);
                     auto group = std::make_unique<ChildCoderDataGroup>(name);
                     coderGroupFields().read(r, v, p, *group);
                     target.manager->setChildCoderGroup(vel::i18n::toUString(target.childModel),
@@ -521,11 +521,12 @@ const FieldTable<ChildTarget, const ChildSource>& childEntryFields() {
                     const ChildVariable none;
                     return childVariableFields().write(w, variable, none, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, ChildTarget& target) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, ChildTarget& target) {
                     ChildVariable variable;
                     childVariableFields().read(r, v, p, variable);
                     if (!target.groups.count(variable.group)) {
-                        const std::string entry = p.pointer().substr(0, p.pointer().rfind("/variables"));
+                        const std::string pointer = p.pointer();
+                        const std::string entry = pointer.substr(0, pointer.rfind("/variables"));
                         r.fail(key::kDanglingReference, p / "group",
                                {"the name \"" + variable.group + "\"", entry + "/groups",
                                 std::to_string(target.groups.size())});
@@ -598,7 +599,7 @@ void addRecordList(FieldTable<StoredCGModel, const CGModel>& t, const char* key,
             const StoredDataInterfaceRecord defaults;
             return recordFields().write(w, *record->getImpl(), defaults, p);
         },
-        [add](DescriptionReader& r, const Json& v, const Place& p, StoredCGModel& model) {
+        [add](DescriptionReader& r, JsonValue v, const Place& p, StoredCGModel& model) {
             auto impl = std::make_unique<StoredDataInterfaceRecord>();
             recordFields().read(r, v, p, *impl);
             std::invoke(
@@ -642,7 +643,7 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                     const CGModelCPPConfig defaults;
                     return cppConfigFields().write(w, model.getCPPConfig(), defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
                     cppConfigFields().read(r, v, p, model.getCPPConfig());
                 })
             .field(
@@ -657,12 +658,13 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                         out.push_back(stringPairFields().write(w, (*map)[i], none, p / i));
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
-                    r.expectArray(v, p);
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+                    const JsonArray entries = r.array(v, p);
                     auto map = boost::make_shared<CGModel::StringMap>();
-                    for (std::size_t i = 0; i < v.size(); ++i) {
+                    map->reserve(sizeOf(entries));
+                    for (const JsonValue element : entries) {
                         StringPair entry;
-                        stringPairFields().read(r, v[i], p / i, entry);
+                        stringPairFields().read(r, element, p / map->size(), entry);
                         map->push_back(std::move(entry));
                     }
                     model.setStringMap(map);
@@ -684,13 +686,13 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                     }
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
-                    r.expectArray(v, p);
-                    for (std::size_t i = 0; i < v.size(); ++i) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+                    std::size_t i = 0;
+                    for (const JsonValue element : r.array(v, p)) {
                         auto system = std::make_unique<StoredSystem>();
                         StoredSystem& added = *system;
                         model.addSystem(std::move(system));
-                        systemFields().read(r, v[i], p / i, added);
+                        systemFields().read(r, element, p / i++, added);
                     }
                 })
             .list(
@@ -699,7 +701,7 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                     const StoredVelType defaults;
                     return velTypeFields().write(w, *type, defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
                     auto type = std::make_unique<StoredVelType>();
                     velTypeFields().read(r, v, p, *type);
                     model.addVelType(std::move(type));
@@ -710,7 +712,7 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                     const VelCGType defaults;
                     return cgTypeFields().write(w, *type, defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
                     auto type = std::make_unique<VelCGType>();
                     cgTypeFields().read(r, v, p, *type);
                     model.addVelCGType(std::move(type));
@@ -721,7 +723,7 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                     const VarGroup defaults;
                     return varGroupFields().write(w, *group, defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
                     auto group = std::make_unique<VarGroup>();
                     varGroupFields().read(r, v, p, *group);
                     model.addVarGroup(std::move(group));
@@ -732,7 +734,7 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                     const ExternalInput defaults;
                     return externalInputFields().write(w, *input, defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
                     auto input = std::make_unique<ExternalInput>();
                     externalInputFields().read(r, v, p, *input);
                     model.addExternalInput(std::move(input));
@@ -743,7 +745,7 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                     const StoredModelParameter defaults;
                     return modelParameterFields().write(w, *parameter->getImpl(), defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
                     auto impl = std::make_unique<StoredModelParameter>();
                     modelParameterFields().read(r, v, p, *impl);
                     model.addModelParameter(
@@ -770,7 +772,7 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                  const BlockHierarchyMap defaults;
                  return hierarchyFields().write(w, *model.getBlockHierarchyMap(), defaults, p);
              },
-             [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
+             [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
                  hierarchyFields().read(r, v, p, *model.getBlockHierarchyMap());
              })
             .list(
@@ -779,7 +781,7 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                     auto defaults = newQueueBlock(nullptr);
                     return queueBlockFields().write(w, *queue, *defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
                     auto queue = newQueueBlock(&model);
                     queueBlockFields().read(r, v, p, *queue);
                     model.addTAQBlock(std::move(queue));
@@ -792,16 +794,17 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                         out.push_back(writeCoderGroup(w, *model.getCoderDataGroup(i), p / i));
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
-                    r.expectArray(v, p);
-                    for (std::size_t i = 0; i < v.size(); ++i) {
-                        const std::string name = readGroupName(r, v[i], p / i);
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+                    std::size_t i = 0;
+                    for (const JsonValue element : r.array(v, p)) {
+                        const Place entry = p / i++;
+                        const std::string name = readGroupName(r, element, entry);
                         if (const CoderDataGroup* earlier = model.getCoderDataGroup(name))
-                            r.invalid(p / i / "name",
+                            r.invalid(entry / "name",
                                       "the model already has a group named \"" + name + "\" at " +
                                           (p / static_cast<std::size_t>(earlier->getGroupIndex())).pointer());
                         auto group = std::make_unique<StoredCoderDataGroup>(name, &model);
-                        coderGroupFields().read(r, v[i], p / i, *group);
+                        coderGroupFields().read(r, element, entry, *group);
                         model.appendCoderDataGroup(std::move(group));
                     }
                 })
@@ -817,17 +820,17 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                         out.push_back(ioPairFields().write(w, pair, none, p / out.size()));
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
-                    r.expectArray(v, p);
-                    std::map<int, Place> inputs;
-                    for (std::size_t i = 0; i < v.size(); ++i) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+                    std::map<int, std::string> inputs;
+                    std::size_t i = 0;
+                    for (const JsonValue element : r.array(v, p)) {
+                        const Place entry = p / i++;
                         PortPair pair;
-                        ioPairFields().read(r, v[i], p / i, pair);
-                        auto [it, added] = inputs.emplace(pair.first, p / i);
+                        ioPairFields().read(r, element, entry, pair);
+                        auto [it, added] = inputs.emplace(pair.first, entry.pointer());
                         if (!added)
-                            r.invalid(p / i / "inputPort", "the input port " + std::to_string(pair.first) +
-                                                               " is already paired at " +
-                                                               it->second.pointer());
+                            r.invalid(entry / "inputPort", "the input port " + std::to_string(pair.first) +
+                                                               " is already paired at " + it->second);
                         model.setOverwritableIOPair(pair.first, pair.second);
                     }
                 })
@@ -842,14 +845,14 @@ const FieldTable<StoredCGModel, const CGModel>& modelFields() {
                         out.push_back(childEntryFields().write(w, sources[i], none, p / i));
                     return out;
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& model) {
-                    r.expectArray(v, p);
-                    std::map<std::string, Place> childModels;
-                    for (std::size_t i = 0; i < v.size(); ++i) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+                    std::map<std::string, std::string> childModels;
+                    std::size_t i = 0;
+                    for (const JsonValue element : r.array(v, p)) {
                         ChildTarget target;
                         target.manager = &model.getChildCoderGroupManager();
                         target.childModels = &childModels;
-                        childEntryFields().read(r, v[i], p / i, target);
+                        childEntryFields().read(r, element, p / i++, target);
                     }
                 });
         return t;
@@ -873,12 +876,11 @@ const FieldTable<ModelFileDescription, const ModelFileDescription>& fileFields()
                         w.fail(p, "only module header and module source files have systems");
                     return Json(f.systems);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, F& f) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, F& f) {
                     if (f.kind != F::Kind::ModuleHeader && f.kind != F::Kind::ModuleSource)
                         r.invalid(p, "only module header and module source files have systems");
-                    r.expectArray(v, p);
-                    for (std::size_t i = 0; i < v.size(); ++i)
-                        f.systems.push_back(r.index(v[i], p / i, ListKind::Systems, false));
+                    for (const JsonValue element : r.array(v, p))
+                        f.systems.push_back(r.index(element, p / f.systems.size(), ListKind::Systems, false));
                 });
         return t;
     }();
@@ -898,7 +900,10 @@ void checkModelReferences(DescriptionReader& reader, const CGModel& model) {
                 std::string chain;
                 for (auto it = std::find(walk.begin(), walk.end(), k); it != walk.end(); ++it)
                     chain += std::to_string(*it) + " -> ";
-                reader.fail(key::kCycle, Place() / "varGroups" / walk.back() / "parentVarGroupIndex",
+                const Place root;
+                const Place list = root / "varGroups";
+                const Place group = list / walk.back();
+                reader.fail(key::kCycle, group / "parentVarGroupIndex",
                             {"variable groups that are each other's parents: " + chain + std::to_string(k)});
             }
             state[k] = 1;
@@ -912,7 +917,9 @@ void checkModelReferences(DescriptionReader& reader, const CGModel& model) {
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         const int groupIndex = inputs[i]->getVarGroupIndex();
         if (groupIndex == -1) continue;
-        const Place place = Place() / "externalInputs" / i;
+        const Place root;
+        const Place list = root / "externalInputs";
+        const Place place = list / i;
         const int typeIndex = groups[static_cast<std::size_t>(groupIndex)]->getCGTypeIndex();
         if (typeIndex == -1)
             reader.invalid(place / "varGroupIndex",

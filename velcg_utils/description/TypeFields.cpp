@@ -62,7 +62,7 @@ std::vector<std::string> keysOf(CG::Type::Kind kind) {
     return {};
 }
 
-CG::Type::Ptr buildIRType(DescriptionReader& r, const Json& v, const Place& place) {
+CG::Type::Ptr buildIRType(DescriptionReader& r, JsonValue v, const Place& place) {
     using K = CG::Type::Kind;
     const K kind = r.enumeration(r.required(v, place, ir::kKind), place / ir::kKind, kindNames());
     r.checkKnown(v, place, keysOf(kind));
@@ -87,18 +87,16 @@ CG::Type::Ptr buildIRType(DescriptionReader& r, const Json& v, const Place& plac
         case K::Struct: {
             const std::string name = text(ir::kName);
             const Place fieldsPlace = place / ir::kFields;
-            const Json& fields = r.required(v, place, ir::kFields);
-            r.expectArray(fields, fieldsPlace);
+            const JsonArray fields = r.array(r.required(v, place, ir::kFields), fieldsPlace);
             std::vector<CG::Type::Field> parts;
-            for (std::size_t i = 0; i < fields.size(); ++i) {
-                const Place fieldPlace = fieldsPlace / i;
-                r.expectObject(fields[i], fieldPlace);
-                r.checkKnown(fields[i], fieldPlace, {ir::kName, ir::kType});
+            for (const JsonValue field : fields) {
+                const Place fieldPlace = fieldsPlace / parts.size();
+                r.expectObject(field, fieldPlace);
+                r.checkKnown(field, fieldPlace, {ir::kName, ir::kType});
                 std::string fieldName =
-                    r.text(r.required(fields[i], fieldPlace, ir::kName), fieldPlace / ir::kName);
-                parts.push_back(
-                    {std::move(fieldName),
-                     readIRType(r, r.required(fields[i], fieldPlace, ir::kType), fieldPlace / ir::kType)});
+                    r.text(r.required(field, fieldPlace, ir::kName), fieldPlace / ir::kName);
+                parts.push_back({std::move(fieldName), readIRType(r, r.required(field, fieldPlace, ir::kType),
+                                                                  fieldPlace / ir::kType)});
             }
             return CG::Type::structure(name, std::move(parts));
         }
@@ -129,7 +127,7 @@ const FieldTable<CGTypeMember, const CGTypeMember>& memberFields() {
 
 } // namespace
 
-CG::Type::Ptr readIRType(DescriptionReader& reader, const Json& value, const Place& place) {
+CG::Type::Ptr readIRType(DescriptionReader& reader, JsonValue value, const Place& place) {
     DescriptionReader::Nesting nesting(reader, place);
     reader.expectObject(value, place);
     try {
@@ -165,8 +163,9 @@ Json writeIRType(DescriptionWriter& writer, const CG::Type& type, const Place& p
             out[ir::kName] = writer.text(type.getName(), place / ir::kName);
             Json fields = Json::array();
             const auto& parts = type.getFields();
+            const Place fieldsPlace = place / ir::kFields;
             for (std::size_t i = 0; i < parts.size(); ++i) {
-                const Place fieldPlace = place / ir::kFields / i;
+                const Place fieldPlace = fieldsPlace / i;
                 Json field = Json::object();
                 field[ir::kName] = writer.text(parts[i].name, fieldPlace / ir::kName);
                 field[ir::kType] = writeIRType(writer, *parts[i].type, fieldPlace / ir::kType);
@@ -210,7 +209,7 @@ const FieldTable<StoredVelType, const VelType>& velTypeFields() {
                     const std::string description = type.getDescription();
                     return description == type.getDTName() ? Json() : w.text(description, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& type) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& type) {
                     type.setDescription(r.text(v, p));
                 })
             .int32("idAliasedTo", &V::getIdAliasedTo, &S::setIdAliasedTo)
@@ -221,7 +220,7 @@ const FieldTable<StoredVelType, const VelType>& velTypeFields() {
                     return type.getHeaderFile() == type.getDTName() ? Json()
                                                                     : w.text(type.getHeaderFile(), p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, S& type) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, S& type) {
                     type.setHeaderFile(r.text(v, p));
                 })
             .boolean("isEnumType", &V::isEnumType, &S::setIsEnumType)
@@ -257,7 +256,7 @@ const FieldTable<VelCGType, const VelCGType>& cgTypeFields() {
                     const CGTypeMember defaults;
                     return memberFields().write(w, *member, defaults, p);
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, T& type) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, T& type) {
                     auto member = std::make_unique<CGTypeMember>();
                     memberFields().read(r, v, p, *member);
                     type.addMember(std::move(member));
@@ -268,7 +267,7 @@ const FieldTable<VelCGType, const VelCGType>& cgTypeFields() {
                     const CG::EmbeddedType* embedded = type.getEmbeddedType();
                     return embedded ? writeIRType(w, embedded->getIRType(), p) : Json();
                 },
-                [](DescriptionReader& r, const Json& v, const Place& p, T& type) {
+                [](DescriptionReader& r, JsonValue v, const Place& p, T& type) {
                     type.setEmbeddedTypeFromCGType(*readIRType(r, v, p));
                 });
         return t;
@@ -280,12 +279,12 @@ void checkTypeChains(DescriptionReader& reader, const CGModel& model) {
     // A matrix type names its container through its base, recursively; a
     // constructed type without a base has no container at all.
     const auto& types = model.getVelCGTypes();
-    auto placeOf = [](std::size_t i) { return Place() / "cgTypes" / i / "baseIndex"; };
+    auto pointerOf = [](std::size_t i) { return "/cgTypes/" + std::to_string(i) + "/baseIndex"; };
     auto isMatrix = [&](std::size_t i) { return types[i]->getConstructor() == "matrix"; };
     for (std::size_t i = 0; i < types.size(); ++i) {
         const std::string& constructor = types[i]->getConstructor();
         if ((constructor == "matrix" || constructor == "complex") && types[i]->getBaseIndex() == -1)
-            reader.checkIndex(-1, placeOf(i), "/cgTypes", types.size());
+            reader.checkIndex(-1, Place(pointerOf(i)), "/cgTypes", types.size());
     }
     std::set<std::size_t> done;
     for (std::size_t i = 0; i < types.size(); ++i) {
@@ -300,7 +299,7 @@ void checkTypeChains(DescriptionReader& reader, const CGModel& model) {
                 for (std::size_t k = std::find(walk.begin(), walk.end(), next) - walk.begin();
                      k < walk.size(); ++k)
                     chain += std::to_string(walk[k]) + " -> ";
-                reader.fail(key::kCycle, placeOf(current),
+                reader.fail(key::kCycle, Place(pointerOf(current)),
                             {"matrix types built from each other: " + chain + std::to_string(next)});
             }
             walk.push_back(next);

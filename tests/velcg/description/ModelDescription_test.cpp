@@ -193,6 +193,7 @@ TEST(ModelDescription, ExampleDescriptionIsTheExampleGeneratorsModel) {
                                                      {Kind::Generic, "gain_model_main.c", {}}};
     EXPECT_EQ(ModelDescription::toText(*example::buildGainModel(), files),
               ModelDescription::toText(*d.model, d.files));
+    EXPECT_EQ(R"({"steps":5,"gain":2.0})", d.templateData);
 }
 
 TEST(ModelDescription, SavesAndLoadsFiles) {

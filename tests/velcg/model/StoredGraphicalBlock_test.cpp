@@ -111,6 +111,21 @@ TEST(StoredGraphicalBlock, EachTextFieldKeepsItsTextAndLeavesTheOthers) {
     EXPECT_EQ(L"G\u4e2d", named.getName());
     EXPECT_EQ(L"G\u4e2d", named.getVelName());
     EXPECT_EQ(L"", named.getSID());
+
+    // Several fields at once from UTF-8: the others stay, the last text of a
+    // field given twice counts, and text that is not UTF-8 sets nothing.
+    using Text = StoredGraphicalBlock::TextField;
+    const StoredGraphicalBlock::TextValue texts[] = {{Text::Name, "G"},
+                                                     {Text::Type, "\xF0\x9F\x98\x80 \xE4\xB8\xAD"},
+                                                     {Text::Name, "caf\xC3\xA9"},
+                                                     {Text::VelName, ""}};
+    named.setTexts(texts, 4);
+    EXPECT_EQ(L"caf\u00e9", named.getName());
+    EXPECT_EQ(L"\U0001F600 \u4e2d", named.getType());
+    EXPECT_EQ(L"", named.getVelName());
+    const StoredGraphicalBlock::TextValue bad[] = {{Text::SID, "s"}, {Text::Name, "\xFF"}};
+    EXPECT_EQ("i18n:InvalidText", diagnosticOf([&] { named.setTexts(bad, 2); }));
+    EXPECT_EQ(L"", named.getSID());
 }
 
 // Elements that log their destruction.
