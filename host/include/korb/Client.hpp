@@ -137,8 +137,9 @@ public:
 
 private:
     // Runs the access guard of the object's class (see
-    // vel::mi::HandleClass::setAccessGuard), if it has one.
-    void enter(const vel::mi::Handle& object) const;
+    // vel::mi::HandleClass::setAccessGuard), if it has one, before a read
+    // (`reading`) or a write.
+    void enter(const vel::mi::Handle& object, bool reading) const;
 
     ObjectSystem& system_;
 };

@@ -200,19 +200,20 @@ tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string
     if (!entry && !(entry = system_.entryForTypeName(typeName))) unknownClass(typeName);
     const auto* property = entry->properties.find(name);
     if (!property) unknownProperty(name, *entry->cls);
-    entry->enter();
+    entry->enter(true);
     return property->getter->getArray(object);
 }
 
-void Client::enter(const vel::mi::Handle& object) const {
-    if (const auto* entry = system_.entryForTypeName(object.getFullyQualifiedKorbTypeName())) entry->enter();
+void Client::enter(const vel::mi::Handle& object, bool reading) const {
+    if (const auto* entry = system_.entryForTypeName(object.getFullyQualifiedKorbTypeName()))
+        entry->enter(reading);
 }
 
 Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string& name) const {
     const vel::mi::Access access(ref);
     vel::mi::Handle& object = live(access);
     const auto& property = requireProperty(*this, object, name);
-    enter(object);
+    enter(object, true);
     return property.getter->getValue(object);
 }
 
@@ -224,7 +225,7 @@ void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
     const std::string& cls = classOf(object).getQualifiedName();
     if (prop.isReadOnly()) vel::diag::throwError("Korb:ReadOnlyProperty", {name, cls});
     if (object.isLocked()) vel::diag::throwError("Korb:ObjectLocked", {name, cls});
-    enter(object);
+    enter(object, false);
     object.preSetPropFcn(name.c_str());
     try {
         prop.setter->set(object, value);
@@ -240,7 +241,7 @@ tuvArrayPtr Client::callMethod(const vel::mi::HandleRef& ref, const std::string&
     const vel::mi::Access access(ref);
     vel::mi::Handle& object = live(access);
     const auto& method = requireMethod(*this, object, name);
-    enter(object);
+    enter(object, method.binder->readsOnly());
     try {
         return method.binder->call(object, args);
     } catch (const vel::diag::Exception& e) {
