@@ -11,6 +11,7 @@
 
 #include "korb/HostTraits.hpp"
 #include "korb/Value.hpp"
+#include "korb/ValueSink.hpp"
 #include "vel/HostExport.hpp"
 #include "vel/mi/Handle.hpp"
 #include "vel/tuvArray.hpp"
@@ -73,6 +74,9 @@ public:
     bool deliversOneObject() const { return oneObject_; }
     virtual tuvArrayPtr getArray(vel::mi::Handle& object) const = 0;
     Value getValue(vel::mi::Handle& object) const { return {hostType_, getArray(object)}; }
+    // The value as a sink receives it: without a host array where the
+    // native type allows (see HostTraits::deliver), else getArray's.
+    virtual void read(vel::mi::Handle& object, ValueSink& sink) const;
 
 private:
     std::string hostType_;
@@ -132,6 +136,13 @@ private:
 
 namespace detail {
 
+template <class R, class = void>
+inline constexpr bool kDelivers = false;
+template <class R>
+inline constexpr bool kDelivers<
+    R, std::void_t<decltype(HostTraits<R>::deliver(std::declval<const R&>(), std::declval<ValueSink&>()))>> =
+    true;
+
 template <class T, class R, class F>
 class FunctionGetter final : public GetterBinder {
 public:
@@ -139,6 +150,12 @@ public:
         : GetterBinder(HostTraits<R>::typeName, kIsOneObject<R>), fn_(std::move(fn)) {}
     tuvArrayPtr getArray(vel::mi::Handle& object) const override {
         return HostTraits<R>::toArray(fn_(nativeObject<T>(object)));
+    }
+    void read(vel::mi::Handle& object, ValueSink& sink) const override {
+        if constexpr (kDelivers<R>)
+            HostTraits<R>::deliver(fn_(nativeObject<T>(object)), sink);
+        else
+            sink.array(getArray(object));
     }
 
 private:

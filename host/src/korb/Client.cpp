@@ -191,17 +191,29 @@ const std::string& Client::getPropertyType(const vel::mi::Handle& object, const 
     return requireProperty(*this, object, name).getter->hostTypeName();
 }
 
-tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string& name) const {
-    const vel::mi::Access access(ref);
-    vel::mi::Handle& object = live(access);
-    // The common read, straight through the class's resolved entry.
+// The property of the object by name, through its class's resolved entry,
+// its guard run for a read.
+const vel::mi::HandleClass::Property& Client::propertyToRead(vel::mi::Handle& object,
+                                                             std::string_view name) const {
     const char* typeName = object.getFullyQualifiedKorbTypeName();
     const auto* entry = system_.typeNames_->find(typeName);
     if (!entry && !(entry = system_.entryForTypeName(typeName))) unknownClass(typeName);
     const auto* property = entry->properties.find(name);
-    if (!property) unknownProperty(name, *entry->cls);
+    if (!property) unknownProperty(std::string(name), *entry->cls);
     entry->enter(true);
-    return property->getter->getArray(object);
+    return *property;
+}
+
+tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string& name) const {
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
+    return propertyToRead(object, name).getter->getArray(object);
+}
+
+void Client::readProperty(const vel::mi::HandleRef& ref, std::string_view name, ValueSink& sink) const {
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
+    propertyToRead(object, name).getter->read(object, sink);
 }
 
 void Client::enter(const vel::mi::Handle& object, bool reading) const {
