@@ -278,9 +278,11 @@ class Reader final : public korb::ValueSink {
 public:
     // lifetime: that of the reference read through, which the references to
     // the objects read belong to.
-    Reader(const vel::mi::Lifetime* lifetime, Shape shape) : lifetime_(lifetime), shape_(shape) {}
+    Reader(const std::shared_ptr<vel::mi::Lifetime>& lifetime, Shape shape)
+        : lifetime_(lifetime), shape_(shape) {}
     ~Reader() override {
         for (std::size_t i = 0; i < count_; ++i) Py_XDECREF(element(i).kept);
+        for (std::size_t i = 0; i < count_ && i < kInPlace; ++i) inPlace_[i].element.~Element();
     }
 
     void logical(bool value) override {
@@ -309,14 +311,14 @@ public:
     }
     void object(const vel::mi::Handle* object) override {
         if (kind_ != Kind::List) kind_ = Kind::One;
-        Element& e = count_ < kInPlace ? inPlace_[count_] : more_.emplace_back();
+        Element& e = count_ < kInPlace ? *new (&inPlace_[count_].element) Element() : more_.emplace_back();
         ++count_;
         if (!object) return;
-        if ((e.kept = keptObject(object->scriptObjectSlot(), lifetime_))) {
+        if ((e.kept = keptObject(object->scriptObjectSlot(), lifetime_.get()))) {
             dead_ = dead_ || !instanceOf(e.kept)->state.ref;
             return;
         }
-        e.ref = object->makeRef();
+        e.ref = object->makeRef(lifetime_);
         e.typeName = object->getFullyQualifiedKorbTypeName();
         dead_ = dead_ || !e.ref;
     }
@@ -375,7 +377,7 @@ private:
         return py::reinterpret_steal<py::object>(objectFor(std::move(e.ref), e.typeName));
     }
 
-    const vel::mi::Lifetime* lifetime_;
+    const std::shared_ptr<vel::mi::Lifetime>& lifetime_;
     Shape shape_;
     Kind kind_ = Kind::Array;
     bool dead_ = false;
@@ -385,9 +387,14 @@ private:
     CopiedText<wchar_t> wide_;
     // The objects read, the first kInPlace in place.
     static constexpr std::size_t kInPlace = 2;
-    Element& element(std::size_t i) { return i < kInPlace ? inPlace_[i] : more_[i - kInPlace]; }
+    Element& element(std::size_t i) { return i < kInPlace ? inPlace_[i].element : more_[i - kInPlace]; }
     std::size_t count_ = 0;
-    Element inPlace_[kInPlace];
+    // Made only when used: most reads deliver no object.
+    union InPlace {
+        InPlace() {}
+        ~InPlace() {}
+        Element element;
+    } inPlace_[kInPlace];
     std::vector<Element> more_;
     tuvArrayPtr array_;
 };
@@ -397,6 +404,7 @@ struct PropertyDescriptorObject {
     PyObject ob_base; // the object header
     std::string* name;
     std::string* doc;
+    std::string_view nameView; // of *name, read without reaching it
     Shape shape;
 };
 
@@ -408,8 +416,8 @@ PyObject* propertyGet(PyObject* self, PyObject* target, PyObject*) {
     const auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
     return guarded<PyObject*>(nullptr, [&] {
         const ObjectState& state = stateOf(target);
-        Reader reader(state.ref.lifetime().get(), d->shape);
-        client().readProperty(state.ref, *d->name, reader);
+        Reader reader(state.ref.lifetime(), d->shape);
+        client().readProperty(state.ref, d->nameView, reader);
         return reader.value().release().ptr();
     });
 }
@@ -474,6 +482,7 @@ py::object makePropertyDescriptor(const std::string& name, const std::string& do
     d->doc = nullptr;
     py::object owned = py::reinterpret_steal<py::object>(self);
     d->name = new std::string(name);
+    d->nameView = *d->name;
     d->doc = new std::string(doc);
     return owned;
 }
