@@ -16,7 +16,6 @@
 #include <fstream>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "cli/ToolCli.hpp"
@@ -273,18 +272,6 @@ int generate(const Options& options, Progress& progress, const int& passStatus, 
     };
     progress.phase("loading " + options.model);
     const Clock::time_point start = Clock::now();
-    // The interpreter starts on the other core while the model loads; a
-    // failure to start is reported by the template run.
-    std::thread python([] {
-        try {
-            VelCG::PythonRuntime::start();
-        } catch (...) {
-        }
-    });
-    struct Join {
-        std::thread& thread;
-        ~Join() { thread.join(); }
-    } join{python};
     VelCG::ModelDescription description = VelCG::ModelDescription::load(options.model);
     const Clock::time_point loaded = Clock::now();
     // Starts the first pass.

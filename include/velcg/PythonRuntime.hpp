@@ -86,11 +86,6 @@ public:
     static void runTemplateText(const std::string& source, const std::string& fileName,
                                 const Globals& globals);
 
-    // Starts the interpreter and loads the module velcg now, rather than
-    // with the first template, so that a caller can do it on a thread of its
-    // own while it prepares the model. Does nothing once started; raises
-    // "VelCG:Python:Finalized" after shutdown.
-    static void start();
     static bool isRunning();
     // Releases the interpreter. Later templates raise "VelCG:Python:Finalized".
     static void shutdown();
