@@ -170,10 +170,17 @@ def python_reads(report, bench, reps):
     if not os.path.exists(binary):
         report.add("Python property read", "not built", "<= 3x", False, binary)
         return
-    results = run(binary, "BM_PropertyRead(FromPython|FromClient)", reps)
+    results = run(binary, "BM_PropertyRead(FromPython|FromClient)|BM_DistinctObjectReads", reps)
     for prop in ("Name", "NBits"):
         cost_ratio(report, f"Python property read, {prop}", results, f"BM_PropertyReadFromPython/{prop}",
                    f"BM_PropertyReadFromClient/{prop}", 3, clock="real_time")
+    # Each read of another object, against a dict lookup in each of as many dicts.
+    r = find(results, "BM_DistinctObjectReads/100000")
+    for prop, what in (("Name", "block Name"), ("Source", "region Source"), ("Offset", "region Offset"),
+                       ("DataInputPorts", "block DataInputPorts (list)"), ("Regions", "port Regions (list)")):
+        ratio = r[f"{prop}_to_dict"]
+        report.add(f"Python read, 100k objects, {what}", f"{ratio:.2f}x", "<= 3x", ratio <= 3,
+                   f"{r[prop + '_ns']:.0f} ns / dict lookup {r['dict_ns']:.0f} ns")
 
 
 def description_load(report, bench, reps):

@@ -62,7 +62,7 @@ GraphicalBlock* BlockHierarchyMap::getBlockGivenIndices(std::size_t subsystemInd
 }
 
 const std::vector<GraphicalBlock*>& BlockHierarchyMap::getReducedBlocks() const {
-    if (!reducedBlocks_.empty()) return reducedBlocks_;
+    if (const auto* kept = reducedBlocks_.get()) return *kept;
     // Collected aside: a block whose query fails must not leave a partial
     // list in the cache, where later calls would take it as complete.
     // Sized for every block, then trimmed to the reduced ones, so that a
@@ -74,9 +74,12 @@ const std::vector<GraphicalBlock*>& BlockHierarchyMap::getReducedBlocks() const 
     for (const GraphicalSubsystem* subsystem : subsystems_)
         for (GraphicalBlock* block : subsystem->getBlocks())
             if (block->isReduced()) reduced.push_back(block);
+    if (reduced.empty()) {
+        static const std::vector<GraphicalBlock*> none;
+        return none;
+    }
     if (reduced.size() < reduced.capacity()) reduced.shrink_to_fit();
-    reducedBlocks_.swap(reduced);
-    return reducedBlocks_;
+    return reducedBlocks_.keep(std::move(reduced));
 }
 
 void BlockHierarchyMap::clearSubsystems() {

@@ -40,9 +40,17 @@ const char* CoderDataGroup::getDataInitString(DataInit value) {
     return "";
 }
 
+void CoderDataGroup::setRootGroupTypeName(const std::string& v) {
+    if (v.empty())
+        rootGroupTypeName_.clear();
+    else
+        rootGroupTypeName_.set(v);
+}
+
 const std::string& CoderDataGroup::getRootGroupTypeName() const {
-    if (!rootGroupTypeName_.empty() || asStructure_ == AsStructure::None || !model_)
-        return rootGroupTypeName_;
+    static const std::string none;
+    if (const std::string* kept = rootGroupTypeName_.get()) return *kept;
+    if (asStructure_ == AsStructure::None || !model_) return none;
     // The root system is the last system, or the one before it in a
     // model-reference target.
     const int rootIndex =
@@ -60,8 +68,7 @@ const std::string& CoderDataGroup::getRootGroupTypeName() const {
                                  model_->getVelCGTypes().size());
         found = &type->getName();
     }
-    if (found) rootGroupTypeName_ = *found;
-    return rootGroupTypeName_;
+    return found && !found->empty() ? rootGroupTypeName_.keep(*found) : none;
 }
 
 coder::descriptor::CoderGroup CoderDataGroup::serialize(coder::Repository& repository) const {

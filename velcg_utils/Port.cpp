@@ -52,7 +52,7 @@ void Port::setGrSrcPortIdx(int subsystemIdx, int blockIdx, int portIdx) {
 }
 
 const Port* Port::getGraphicalSource() const {
-    if (graphicalSource_) return graphicalSource_;
+    if (const Port* cached = graphicalSource_.load(std::memory_order_acquire)) return cached;
     if (!model_ || srcSubsystemIdx_ == -1) return nullptr;
 
     const auto& subsystems = model_->getBlockHierarchyMap()->getSubsystems();
@@ -66,9 +66,10 @@ const Port* Port::getGraphicalSource() const {
     const auto& outputs = blocks[static_cast<std::size_t>(srcBlockIdx_)]->getDataOutputPorts();
     // An index past the outputs is no source (not cached, so a later call
     // retries once the block has its ports).
-    if (srcPortIdx_ >= 0 && srcPortIdx_ < static_cast<int>(outputs.size()))
-        graphicalSource_ = outputs[static_cast<std::size_t>(srcPortIdx_)];
-    return graphicalSource_;
+    if (srcPortIdx_ < 0 || srcPortIdx_ >= static_cast<int>(outputs.size())) return nullptr;
+    const Port* source = outputs[static_cast<std::size_t>(srcPortIdx_)];
+    graphicalSource_.store(source, std::memory_order_release);
+    return source;
 }
 
 void Port::setConnected(bool) {}

@@ -27,18 +27,19 @@ bool VelType::isBus() const { return false; }
 bool VelType::isAliasType() const { return getIdAliasedThruTo() != getID(); }
 
 const std::string& VelType::getName() const {
-    if (!name_.empty()) return name_;
+    if (const std::string* kept = name_.get()) return *kept;
     if (cgTypeIdx_ < 0) vel::diag::throwErrorText("VelCG:Type::InvalidCGType", "VelType has invalid CGType");
     if (!model_) throwNoModel("VelType '" + getDTName() + "'");
     const auto& types = model_->getVelCGTypes();
     if (static_cast<std::size_t>(cgTypeIdx_) >= types.size())
         throwIndexOutOfRange("the model's code-generation types", cgTypeIdx_, types.size());
-    name_ = types[static_cast<std::size_t>(cgTypeIdx_)]->getName();
-    return name_;
+    const std::string& name = types[static_cast<std::size_t>(cgTypeIdx_)]->getName();
+    static const std::string none;
+    return name.empty() ? none : name_.keep(name);
 }
 
 const std::string& VelType::getComplexName() const {
-    if (!complexName_.empty()) return complexName_;
+    if (const std::string* kept = complexName_.get()) return *kept;
     static const std::unordered_set<std::string> kNeverComplex = {
         "boolean", "fcn_call", "pointer", "integer", "action", "timer_uint32_pair",
     };
@@ -46,8 +47,7 @@ const std::string& VelType::getComplexName() const {
         vel::diag::throwErrorText("VelCG::Type::NoComplex", "VelType cannot be complex");
     // Built from the code-generation name, although the test above uses the
     // data-type name.
-    complexName_ = "c" + getName();
-    return complexName_;
+    return complexName_.keep("c" + getName());
 }
 
 } // namespace VelCG

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "vel/mi/Handle.hpp"
+#include "velcg/CachedAnswer.hpp"
 #include "velcg/Export.hpp"
 
 namespace coder {
@@ -52,7 +53,8 @@ public:
     GraphicalBlock* getBlockGivenIndices(std::size_t subsystemIndex, std::size_t blockIndex) const;
 
     // Every block whose isReduced() is true, subsystem by subsystem. Cached
-    // while non-empty; adding a subsystem empties the cache.
+    // while non-empty; adding a subsystem empties the cache. Safe on two
+    // threads at once (see CachedAnswer).
     const std::vector<GraphicalBlock*>& getReducedBlocks() const;
 
     // Writes the map and each of its subsystems, in order, into the store.
@@ -64,7 +66,7 @@ private:
     void clearSubsystems();
 
     std::vector<GraphicalSubsystem*> subsystems_;
-    mutable std::vector<GraphicalBlock*> reducedBlocks_;
+    CachedAnswer<std::vector<GraphicalBlock*>> reducedBlocks_;
 };
 
 } // namespace VelCG

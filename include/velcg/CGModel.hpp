@@ -245,9 +245,10 @@ public:
     // pass started before, whatever the switch value. (serializeModel waits
     // too, so that two passes never write at once and a thread is never
     // dropped while it runs; the later pass then replaces the earlier one's
-    // description.) While a pass runs the model must not be changed, nor
-    // its lazily cached answers asked for (graphical sources of ports, root
-    // group type names), which the pass fills.
+    // description.) While a pass runs the model must not be changed; it may
+    // be read, its lazily cached answers included (graphical sources of
+    // ports, root group type names), which are safe to fill from two
+    // threads.
     //
     // Errors: a pass on the caller's thread throws to the caller. An
     // exception that escapes a background pass is kept and rethrown by the
@@ -260,9 +261,10 @@ public:
     // Waits until no background pass of any model in this process runs;
     // returns at once on the thread of a pass. Scripts reach the model only
     // through the object system, whose model classes call this before every
-    // read, write and call, so that a script running while the first pass
-    // does (the usual order: serializeModel, the templates, then
-    // serializeModelAfterScriv) never races with it.
+    // property write and every call of a method that is not const, so that
+    // a script running while the first pass does (the usual order:
+    // serializeModel, the templates, then serializeModelAfterScriv) never
+    // changes what the pass reads. Its reads go ahead beside the pass.
     static void waitForBackgroundSerialization();
     // How many background passes of any model run now.
     static const std::atomic<int>& runningBackgroundPasses();

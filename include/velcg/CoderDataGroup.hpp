@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "velcg/CachedAnswer.hpp"
 #include "velcg/Export.hpp"
 #include "velcg/VarGroup.hpp"
 
@@ -91,7 +92,7 @@ public:
     void setIsMemorySectionConst(bool v) { isMemorySectionConst_ = v; }
     bool getIsMemorySectionVolatile() const { return isMemorySectionVolatile_; }
     void setIsMemorySectionVolatile(bool v) { isMemorySectionVolatile_ = v; }
-    void setRootGroupTypeName(const std::string& v) { rootGroupTypeName_ = v; }
+    void setRootGroupTypeName(const std::string& v);
     bool isSelfGroup() const { return selfGroup_; }
     void setSelfGroup(bool v) { selfGroup_ = v; }
     const CGModel* getCGModel() const { return model_; }
@@ -108,7 +109,8 @@ public:
     // root system that belongs to this group. The stored name as it is when
     // it is already set, when asStructure is None, or when there is no
     // model. A variable group naming a type that does not exist raises
-    // "VelCG:Model:IndexOutOfRange".
+    // "VelCG:Model:IndexOutOfRange". Safe on two threads at once (see
+    // CachedAnswer).
     const std::string& getRootGroupTypeName() const;
 
     // Writes the group into the store: name, root type name, the naming
@@ -144,7 +146,8 @@ private:
     bool isMemorySectionConst_ = false;
     bool isMemorySectionVolatile_ = false;
     const CGModel* model_;
-    mutable std::string rootGroupTypeName_;
+    // Set, or found and kept; never empty.
+    CachedAnswer<std::string> rootGroupTypeName_;
     bool selfGroup_ = false;
 };
 

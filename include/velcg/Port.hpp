@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -64,10 +65,13 @@ public:
     // subsystem index is -1, or when the port index is not below the
     // source block's number of data output ports (nothing is cached then,
     // so a later call tries again). A subsystem or block index that does not
-    // exist raises "VelCG:Model:IndexOutOfRange".
+    // exist raises "VelCG:Model:IndexOutOfRange". Safe on two threads at
+    // once.
     const Port* getGraphicalSource() const;
     // The cached source only, without resolving.
-    const Port* getGraphicalSourceSerialize() const { return graphicalSource_; }
+    const Port* getGraphicalSourceSerialize() const {
+        return graphicalSource_.load(std::memory_order_acquire);
+    }
 
     // These do nothing: connection state and name come from a derived
     // class, the source only from the indices, regions only from addRegion.
@@ -94,7 +98,8 @@ private:
 
     std::vector<Region*> regions_;
     const CGModel* model_ = nullptr;
-    mutable const Port* graphicalSource_ = nullptr;
+    // Both threads that may resolve it at once store the same port.
+    mutable std::atomic<const Port*> graphicalSource_{nullptr};
     // Most ports have no label: it takes room only once set.
     std::unique_ptr<std::wstring> signalLabel_;
     int srcSubsystemIdx_ = -1;

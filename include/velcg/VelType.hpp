@@ -3,6 +3,7 @@
 #include <string>
 
 #include "vel/mi/Handle.hpp"
+#include "velcg/CachedAnswer.hpp"
 #include "velcg/Export.hpp"
 
 namespace VelCG {
@@ -60,8 +61,8 @@ public:
     // type than this one.
     bool isAliasType() const;
 
-    // The name of the representing VelCGType, cached on first success and
-    // never invalidated. Raises "VelCG:Type::InvalidCGType" for a negative
+    // The name of the representing VelCGType, cached on first success (a
+    // name that is not empty) and never invalidated. Raises "VelCG:Type::InvalidCGType" for a negative
     // CGTypeIdx, and a "VelCG:Model:" diagnostic when no model is set or the
     // index is past the end of the model's type list.
     const std::string& getName() const;
@@ -69,6 +70,8 @@ public:
     // "c" followed by getName(), cached. Raises "VelCG::Type::NoComplex"
     // when getDTName() names a type that cannot be complex ("boolean",
     // "fcn_call", "pointer", "integer", "action", "timer_uint32_pair").
+    //
+    // Both are safe on two threads at once (see CachedAnswer).
     const std::string& getComplexName() const;
 
 private:
@@ -78,8 +81,8 @@ private:
     int containerCGTypeIdx_ = -1;
     int containerVelTypeIdx_ = -1;
     const CGModel* model_ = nullptr;
-    mutable std::string complexName_;
-    mutable std::string name_;
+    CachedAnswer<std::string> complexName_;
+    CachedAnswer<std::string> name_;
     std::string groundVariableName_;
 };
 

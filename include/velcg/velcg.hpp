@@ -7,6 +7,7 @@
 #include "velcg/CGModelCPPConfig.hpp"
 #include "velcg/CGModelFactory.hpp"
 #include "velcg/CGTypeMember.hpp"
+#include "velcg/CachedAnswer.hpp"
 #include "velcg/ChildCoderDataGroup.hpp"
 #include "velcg/ChildCoderGroupMgr.hpp"
 #include "velcg/ChildCoderGroupVarInfo.hpp"

@@ -91,12 +91,12 @@ struct CustomContentsState {
 };
 
 BridgeState makeBridge(py::handle repository) {
-    if (!py::isinstance<ObjectState>(repository))
+    if (!isObject(repository))
         vel::diag::throwError("VelCG:Python:NotARepository", {describePython(repository)});
     const ObjectState& state = stateOf(repository);
     const vel::mi::Access access(state.ref);
     if (!dynamic_cast<VelCGFileRepository*>(&live(access)))
-        vel::diag::throwError("VelCG:Python:NotARepository", {state.className});
+        vel::diag::throwError("VelCG:Python:NotARepository", {state.className()});
     return BridgeState{state.ref};
 }
 

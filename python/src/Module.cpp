@@ -63,7 +63,10 @@ void raisePython(const vel::diag::Exception& e) {
 
 } // namespace
 
-korb::Client& client() { return korb::ObjectSystem::instance().getPublicClient(); }
+korb::Client& client() {
+    static korb::Client& publicClient = korb::ObjectSystem::instance().getPublicClient();
+    return publicClient;
+}
 
 py::object errorType() { return errorClass(); }
 

@@ -12,11 +12,15 @@
 
 namespace VelCG::python {
 
-// The native state of a velcg.Object: a reference that turns null when the
-// native object dies, and the class it had, for messages about it.
+struct PythonClass;
+
+// The native state of a velcg.Object, kept in the Python object itself: a
+// reference that turns null when the native object dies, and the class it
+// had, for messages about it.
 struct ObjectState {
     vel::mi::HandleRef ref;
-    std::string className;
+    const PythonClass* cls = nullptr; // null for an instance never initialized
+    const std::string& className() const;
 };
 
 // A method of one object, as `obj.name` returns it; calling it calls the
@@ -41,9 +45,11 @@ struct HostValue {
     tuvArrayPtr value;
 };
 
-// The state of a velcg.Object (of any of its classes). An instance that
-// __new__ made without __init__ has none: TypeError, as for any other
-// Python object.
+// True for a velcg.Object (of any of its classes), initialized or not.
+bool isObject(py::handle target);
+// The state of a velcg.Object. Anything else, and an instance that __new__
+// made without a native object, raise TypeError, as for any other Python
+// object.
 const ObjectState& stateOf(py::handle target);
 
 // For the classes whose instances only native code makes: Python cannot

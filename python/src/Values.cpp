@@ -83,7 +83,7 @@ tuvArrayPtr listValue(py::handle v) {
     // An empty list is an empty list of objects, so that [] clears the
     // object lists scripts may write.
     bool allObjects = true;
-    for (py::handle item : items) allObjects = allObjects && py::isinstance<ObjectState>(item);
+    for (py::handle item : items) allObjects = allObjects && isObject(item);
     if (allObjects) {
         std::vector<vel::mi::HandleRef> refs;
         refs.reserve(n);
@@ -99,7 +99,7 @@ tuvArrayPtr listValue(py::handle v) {
 // each Python type.
 tuvArrayPtr anyValue(py::handle v) {
     if (v.is_none()) return tuvArray::empty();
-    if (py::isinstance<ObjectState>(v)) return tuvArray::objects({stateOf(v).ref});
+    if (isObject(v)) return tuvArray::objects({stateOf(v).ref});
     if (py::isinstance<DataInterfaceValue>(v))
         return CG::DataInterface::toTuvArray(v.cast<const DataInterfaceValue&>().value.get());
     if (py::isinstance<EmbeddedTypeValue>(v))

@@ -346,6 +346,13 @@ TEST_F(ClientTest, AccessGuardsRunBeforeEveryReadWriteAndCallTheMostDerivedWinni
                                        [](ClassInfo& c) { c.superclass("GuardTest.Mid"); });
             top->setAccessGuard({&guardBusy, [] { guardLog() += "B;"; }});
             s.registerClass(std::move(top));
+            auto reading = ClassInfo::make("Reading", "readers go ahead of its guard", [](ClassInfo& c) {
+                c.superclass("GuardTest.Base");
+                c.method("peek",
+                         methodFn<Guarded, int>([](const Guarded&) { return guardLog() += "peek;", 1; }));
+            });
+            reading->setAccessGuard({&guardBusy, [] { guardLog() += "R;"; }, true});
+            s.registerClass(std::move(reading));
         }));
 
     for (const auto& [type, guard] : std::vector<std::pair<const char*, std::string>>{
@@ -376,6 +383,18 @@ TEST_F(ClientTest, AccessGuardsRunBeforeEveryReadWriteAndCallTheMostDerivedWinni
         EXPECT_EQ("Korb:WrongNumberOfArguments", diagnosticOf([&] { client.callMethod(ref, "twice"); }));
         EXPECT_EQ(guard, guardLog()) << "only the call with the wrong argument count passed the guard";
     }
+
+    // A guard that lets readers proceed holds up only writes and calls of
+    // methods that may write.
+    Guarded object("GuardTest.Reading");
+    const auto ref = object.makeRef();
+    guardBusy = 1;
+    guardLog().clear();
+    client.getProperty(ref, "Value");
+    client.callMethod(ref, "peek");
+    client.setProperty(ref, "Value", *tuvArray::int32(3));
+    client.callMethod(ref, "twice", {tuvArray::int32(3)});
+    EXPECT_EQ("get;peek;R;set;R;call;", guardLog());
 }
 
 } // namespace

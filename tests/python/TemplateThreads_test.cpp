@@ -45,7 +45,7 @@ TEST(TemplateThreads, ThreadsLeftRunningNeverReachADestroyedModel) {
     testing_support::EveryKindModel model;
     testing_support::EveryKindRepository files;
     runTemplate(PythonRuntime::Globals().add("model", model.model).add("repository", files.repository));
-    runTemplate(PythonRuntime::Globals().add("finish", std::int64_t(1)));
+    runTemplate(PythonRuntime::Globals().add("model", model.model).add("finish", std::int64_t(1)));
 }
 
 } // namespace

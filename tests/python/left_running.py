@@ -1,8 +1,8 @@
 """A template that returns while threads it started use every object.
 
 Each run checks what the run before left: its threads have ended with
-"Korb:InvalidHandle" only, and its model no longer answers. Unless `finish`
-is set, it then starts threads that read, write and call every member of
+"Korb:InvalidHandle" only, and its model no longer answers (while the same
+native model, given again with `finish`, does). Unless `finish` is set, it then starts threads that read, write and call every member of
 every object reachable from `model` and `repository` and use every file
 through the bridge until an access raises "Korb:InvalidHandle".
 """
@@ -31,6 +31,8 @@ def main(model, repository, finish):
     except velcg.Error as e:
         assert e.identifier == "Korb:InvalidHandle", e
     if finish:
+        # The same native object in a later run is a Python object of its own.
+        assert model is None or (model is not kept and model == kept and model.Systems is not None)
         return
 
     def attempt(call):

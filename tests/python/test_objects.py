@@ -139,6 +139,13 @@ def test_properties_read_what_the_fixture_built(objects, name, attribute, expect
     assert getattr(objects[name], attribute) == expected
 
 
+def test_text_that_is_not_valid_unicode_is_refused(fixture):
+    region, block = fixture.brokenText()
+    for read in (lambda: region.Source, lambda: block.Name):
+        with raises_diagnostic("i18n:InvalidText"):
+            read()
+
+
 @pytest.mark.parametrize(
     "name, identifier",
     [("dWork", "model_State.x"), ("region", "model_Signals.y"), ("modelParameter", "model_P.K")],
@@ -415,6 +422,9 @@ def test_repr_names_the_qualified_class(objects):
 def test_equality_and_hash_are_the_identity_of_the_native_object(objects):
     block = objects["block"]
     again = objects["system"].GraphicalCallsites[0]
+    # Read again through the same object, while it lives, the same Python
+    # object; reached otherwise (here, by the fixture), an equal one.
+    assert objects["system"].GraphicalCallsites[0] is again
     assert block is not again and block == again and not block != again
     assert hash(block) == hash(again) and len({block, again, objects["inport"]}) == 2
     assert block != objects["inport"] and block != "Gain" and block != None  # noqa: E711
@@ -477,7 +487,7 @@ def test_instances_never_initialized_are_refused_not_read(objects):
         uses = (repr, hash, dir, velcg.classOf, velcg.bridge,
                 lambda o: o == objects["cgType"], lambda o: objects["cgType"] == o,
                 lambda o: o.getName, lambda o: setattr(o, "Name", "x"),
-                lambda o: velcg.Object.__getattr__(o, "Name"),
+                lambda o: velcg.Object.__getattribute__(o, "Name"),
                 lambda o: type(objects["velType"]).__dict__["getName"].__get__(o, type(o)),
                 lambda o: setattr(objects["system"], "GraphicalCallsites", [o]))
         for use in uses:

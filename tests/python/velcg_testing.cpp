@@ -85,8 +85,20 @@ public:
         return out;
     }
 
+    // A region whose source is not valid UTF-8 and a block whose name holds
+    // a lone surrogate: text that reading must refuse.
+    py::tuple brokenText() {
+        live();
+        if (!broken_) {
+            broken_ = std::make_unique<BrokenText>();
+            broken_->region.setSource("bad\xff");
+        }
+        return py::make_tuple(wrap(broken_->region), wrap(broken_->block));
+    }
+
     // Destroys the model and the repository.
     void close() {
+        broken_.reset();
         files_.reset();
         model_.reset();
     }
@@ -101,8 +113,13 @@ private:
         return *files_;
     }
 
+    struct BrokenText {
+        VelCG::Region region;
+        VelCG::GraphicalBlock block{new VelCG::StoredGraphicalBlock(std::wstring(1, wchar_t(0xD800)))};
+    };
     std::unique_ptr<testing_support::EveryKindModel> model_;
     std::unique_ptr<testing_support::EveryKindRepository> files_;
+    std::unique_ptr<BrokenText> broken_;
 };
 
 // The host warnings raised on this thread while it lives (it must be
@@ -162,6 +179,7 @@ PYBIND11_MODULE(velcg_testing, module) {
         .def_property_readonly("model", &Fixture::model)
         .def_property_readonly("repository", &Fixture::repository)
         .def("objects", &Fixture::objects)
+        .def("brokenText", &Fixture::brokenText)
         .def("close", &Fixture::close);
     py::class_<Warnings>(module, "Warnings").def(py::init<>()).def("identifiers", &Warnings::identifiers);
     module.def("describeClass", &describeClass, py::arg("qualifiedName"));

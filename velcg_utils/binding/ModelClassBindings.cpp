@@ -463,11 +463,13 @@ void appendModelClasses(ClassList& classes) {
     classes.push_back(modelParameterClass());
     classes.push_back(toAsyncQueueBlockClass());
     classes.push_back(dataInterfaceRecordClass());
-    // A background serialization pass reads the model and fills its lazily
-    // cached answers: scripts wait for it before touching any model object.
+    // A background serialization pass only reads the model (its lazily
+    // cached answers are safe to fill from two threads): scripts read beside
+    // it, and wait for it before they write or call a method that is not
+    // const.
     for (std::size_t i = first; i < classes.size(); ++i)
         classes[i]->setAccessGuard(
-            {&CGModel::runningBackgroundPasses(), &CGModel::waitForBackgroundSerialization});
+            {&CGModel::runningBackgroundPasses(), &CGModel::waitForBackgroundSerialization, true});
 }
 
 } // namespace VelCG::binding

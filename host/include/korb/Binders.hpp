@@ -11,6 +11,7 @@
 
 #include "korb/HostTraits.hpp"
 #include "korb/Value.hpp"
+#include "korb/ValueSink.hpp"
 #include "vel/HostExport.hpp"
 #include "vel/mi/Handle.hpp"
 #include "vel/tuvArray.hpp"
@@ -73,6 +74,9 @@ public:
     bool deliversOneObject() const { return oneObject_; }
     virtual tuvArrayPtr getArray(vel::mi::Handle& object) const = 0;
     Value getValue(vel::mi::Handle& object) const { return {hostType_, getArray(object)}; }
+    // The value as a sink receives it: without a host array where the
+    // native type allows (see HostTraits::deliver), else getArray's.
+    virtual void read(vel::mi::Handle& object, ValueSink& sink) const;
 
 private:
     std::string hostType_;
@@ -97,16 +101,21 @@ public:
     // The host type names of the arguments, in order, and of the result
     // (empty for a method that returns nothing).
     MethodBinder(std::vector<std::string> argumentTypes, std::string resultType,
-                 bool returnsOneObject = false)
+                 bool returnsOneObject = false, bool readsOnly = false)
         : argumentTypes_(std::move(argumentTypes)),
           resultType_(std::move(resultType)),
-          oneObject_(returnsOneObject) {}
+          oneObject_(returnsOneObject),
+          readsOnly_(readsOnly) {}
     virtual ~MethodBinder();
     std::size_t arity() const { return argumentTypes_.size(); }
     const std::vector<std::string>& argumentTypes() const { return argumentTypes_; }
     const std::string& resultType() const { return resultType_; }
     // As GetterBinder::deliversOneObject, for the result.
     bool returnsOneObject() const { return oneObject_; }
+    // True when the method only reads its object, like a property read: it
+    // is bound to a const member function, or to a callable that takes the
+    // object as const.
+    bool readsOnly() const { return readsOnly_; }
     // Raises "Korb:WrongNumberOfArguments" (arguments: expected, given)
     // unless args has arity() elements, and "Korb:InvalidArgument"
     // (arguments: 1-based position, the message of the conversion failure)
@@ -122,9 +131,17 @@ private:
     std::vector<std::string> argumentTypes_;
     std::string resultType_;
     bool oneObject_;
+    bool readsOnly_;
 };
 
 namespace detail {
+
+template <class R, class = void>
+inline constexpr bool kDelivers = false;
+template <class R>
+inline constexpr bool kDelivers<
+    R, std::void_t<decltype(HostTraits<R>::deliver(std::declval<const R&>(), std::declval<ValueSink&>()))>> =
+    true;
 
 template <class T, class R, class F>
 class FunctionGetter final : public GetterBinder {
@@ -133,6 +150,12 @@ public:
         : GetterBinder(HostTraits<R>::typeName, kIsOneObject<R>), fn_(std::move(fn)) {}
     tuvArrayPtr getArray(vel::mi::Handle& object) const override {
         return HostTraits<R>::toArray(fn_(nativeObject<T>(object)));
+    }
+    void read(vel::mi::Handle& object, ValueSink& sink) const override {
+        if constexpr (kDelivers<R>)
+            HostTraits<R>::deliver(fn_(nativeObject<T>(object)), sink);
+        else
+            sink.array(getArray(object));
     }
 
 private:
@@ -155,9 +178,9 @@ private:
 template <class T, class R, class F, class... A>
 class FunctionMethod final : public MethodBinder {
 public:
-    explicit FunctionMethod(F fn)
+    FunctionMethod(F fn, bool readsOnly)
         : MethodBinder({HostTraits<std::decay_t<A>>::typeName...}, resultTypeName(),
-                       kIsOneObject<std::decay_t<R>>),
+                       kIsOneObject<std::decay_t<R>>, readsOnly),
           fn_(std::move(fn)) {}
 
 protected:
@@ -226,25 +249,28 @@ std::unique_ptr<SetterBinder> setterFn(F fn) {
 }
 
 // Method binders: a member function with any number of arguments; each
-// argument is converted from its host value by HostTraits.
+// argument is converted from its host value by HostTraits. A const member
+// function only reads (MethodBinder::readsOnly).
 template <class T, class R, class... A>
 std::unique_ptr<MethodBinder> method(R (T::*fn)(A...) const) {
     auto call = [fn](T& o, const std::decay_t<A>&... a) -> decltype(auto) { return (o.*fn)(a...); };
-    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call);
+    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call, true);
 }
 
 template <class T, class R, class... A>
 std::unique_ptr<MethodBinder> method(R (T::*fn)(A...)) {
     auto call = [fn](T& o, const std::decay_t<A>&... a) -> decltype(auto) { return (o.*fn)(a...); };
-    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call);
+    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call, false);
 }
 
 // A method implemented by a callable taking the native object and the
-// arguments A...; R is what the callable returns.
+// arguments A...; R is what the callable returns. It only reads when the
+// callable takes the object as const.
 template <class T, class R, class... A, class F>
 std::unique_ptr<MethodBinder> methodFn(F fn) {
+    constexpr bool readsOnly = std::is_invocable_v<const F&, const T&, const std::decay_t<A>&...>;
     auto call = [fn](T& o, const std::decay_t<A>&... a) -> decltype(auto) { return fn(o, a...); };
-    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call);
+    return std::make_unique<detail::FunctionMethod<T, R, decltype(call), A...>>(call, readsOnly);
 }
 
 } // namespace korb

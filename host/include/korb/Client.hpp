@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "korb/Value.hpp"
@@ -16,6 +17,7 @@ class HandleRef;
 namespace korb {
 
 class ObjectSystem;
+class ValueSink;
 
 // A property of a class as the client resolves it along the class chain.
 struct PropertyInfo {
@@ -122,6 +124,9 @@ public:
 
     tuvArrayPtr getProperty(const vel::mi::HandleRef& object, const std::string& name) const;
     Value getPropertyValue(const vel::mi::HandleRef& object, const std::string& name) const;
+    // The same read as getProperty, into sink inside the read's access,
+    // without a host array where the getter can do without (see ValueSink).
+    void readProperty(const vel::mi::HandleRef& object, std::string_view name, ValueSink& sink) const;
     void setProperty(const vel::mi::HandleRef& object, const std::string& name, const tuvArray& value) const;
     tuvArrayPtr callMethod(const vel::mi::HandleRef& object, const std::string& name,
                            const std::vector<tuvArrayPtr>& args = {}) const;
@@ -136,9 +141,14 @@ public:
     static vel::mi::HandleRef refFromArray(const tuvArray& object);
 
 private:
+    // The property by name of an object in use, its class's guard run for a
+    // read; raises UnknownClass or UnknownProperty.
+    const vel::mi::HandleClass::Property& propertyToRead(vel::mi::Handle& object,
+                                                         std::string_view name) const;
     // Runs the access guard of the object's class (see
-    // vel::mi::HandleClass::setAccessGuard), if it has one.
-    void enter(const vel::mi::Handle& object) const;
+    // vel::mi::HandleClass::setAccessGuard), if it has one, before a read
+    // (`reading`) or a write.
+    void enter(const vel::mi::Handle& object, bool reading) const;
 
     ObjectSystem& system_;
 };

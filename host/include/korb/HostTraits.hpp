@@ -7,6 +7,7 @@
 #include <typeinfo>
 #include <vector>
 
+#include "korb/ValueSink.hpp"
 #include "vel/HostExport.hpp"
 #include "vel/mi/Handle.hpp"
 #include "vel/tuvArray.hpp"
@@ -27,7 +28,8 @@ inline constexpr const char* kAny = "any";
 
 // Conversions between native values and host arrays. Each specialization
 // provides `typeName`, `toArray(value)` and, where scripts may write the
-// type, `fromArray(array)`. A value of the wrong class or shape raises the
+// type, `fromArray(array)`; where the value can reach a ValueSink without a
+// host array, `deliver(value, sink)`. A value of the wrong class or shape raises the
 // diagnostic "Korb:TypeMismatch" with the expected type name and a
 // description of the value given; an array holding a destroyed object raises
 // "Korb:InvalidHandle"; text that is not valid Unicode (in either direction)
@@ -60,13 +62,26 @@ VELHOST_API tuvArrayPtr fromWideList(const std::vector<std::wstring>& v);
 VELHOST_API std::vector<vel::mi::Handle*> toHandles(const tuvArray& a);
 [[noreturn]] VELHOST_API void notAHandle(const char* nativeType);
 
+// The handle of a native object that must be one; null for null. A class
+// that derives from the handle base unambiguously needs no search of its
+// hierarchy.
+template <class U>
+const vel::mi::Handle* handleOf(const U* p) {
+    if (!p) return nullptr;
+    if constexpr (std::is_convertible_v<const U*, const vel::mi::Handle*>) {
+        return p;
+    } else {
+        auto* h = dynamic_cast<const vel::mi::Handle*>(p);
+        if (!h) notAHandle(typeid(U).name());
+        return h;
+    }
+}
+
 // A reference to a native object that must be a handle; null gives a null reference.
 template <class U>
 vel::mi::HandleRef refOf(const U* p) {
-    if (!p) return {};
-    auto* h = dynamic_cast<const vel::mi::Handle*>(p);
-    if (!h) notAHandle(typeid(U).name());
-    return h->makeRef();
+    const vel::mi::Handle* h = handleOf(p);
+    return h ? h->makeRef() : vel::mi::HandleRef();
 }
 } // namespace detail
 
@@ -74,6 +89,7 @@ template <>
 struct HostTraits<bool> {
     static constexpr const char* typeName = kLogicalScalar;
     static tuvArrayPtr toArray(bool v) { return tuvArray::logical(v); }
+    static void deliver(bool v, ValueSink& sink) { sink.logical(v); }
     static bool fromArray(const tuvArray& a) { return detail::toBool(a); }
 };
 
@@ -81,6 +97,7 @@ template <>
 struct HostTraits<std::int32_t> {
     static constexpr const char* typeName = kInt32Scalar;
     static tuvArrayPtr toArray(std::int32_t v) { return tuvArray::int32(v); }
+    static void deliver(std::int32_t v, ValueSink& sink) { sink.integer(v); }
     static std::int32_t fromArray(const tuvArray& a) {
         return static_cast<std::int32_t>(detail::toInteger(a, INT32_MIN, INT32_MAX, typeName));
     }
@@ -90,6 +107,7 @@ template <>
 struct HostTraits<std::uint32_t> {
     static constexpr const char* typeName = kUInt32Scalar;
     static tuvArrayPtr toArray(std::uint32_t v) { return tuvArray::uint32(v); }
+    static void deliver(std::uint32_t v, ValueSink& sink) { sink.integer(v); }
     static std::uint32_t fromArray(const tuvArray& a) {
         return static_cast<std::uint32_t>(detail::toInteger(a, 0, UINT32_MAX, typeName));
     }
@@ -99,6 +117,7 @@ template <>
 struct HostTraits<std::int64_t> {
     static constexpr const char* typeName = kInt64Scalar;
     static tuvArrayPtr toArray(std::int64_t v) { return tuvArray::int64(v); }
+    static void deliver(std::int64_t v, ValueSink& sink) { sink.integer(v); }
     static std::int64_t fromArray(const tuvArray& a) {
         return detail::toInteger(a, INT64_MIN, INT64_MAX, typeName);
     }
@@ -108,6 +127,7 @@ template <>
 struct HostTraits<double> {
     static constexpr const char* typeName = kDoubleScalar;
     static tuvArrayPtr toArray(double v) { return tuvArray::float64(v); }
+    static void deliver(double v, ValueSink& sink) { sink.real(v); }
     static double fromArray(const tuvArray& a) { return detail::toDouble(a); }
 };
 
@@ -115,6 +135,7 @@ template <>
 struct HostTraits<std::string> {
     static constexpr const char* typeName = kChar;
     static tuvArrayPtr toArray(const std::string& v) { return tuvArray::fromUtf8(v); }
+    static void deliver(const std::string& v, ValueSink& sink) { sink.text(std::string_view(v)); }
     static std::string fromArray(const tuvArray& a) { return detail::toNarrow(a); }
 };
 
@@ -122,12 +143,14 @@ template <>
 struct HostTraits<const char*> {
     static constexpr const char* typeName = kChar;
     static tuvArrayPtr toArray(const char* v) { return tuvArray::fromUtf8(v ? v : ""); }
+    static void deliver(const char* v, ValueSink& sink) { sink.text(std::string_view(v ? v : "")); }
 };
 
 template <>
 struct HostTraits<std::wstring> {
     static constexpr const char* typeName = kChar;
     static tuvArrayPtr toArray(const std::wstring& v) { return tuvArray::fromWide(v); }
+    static void deliver(const std::wstring& v, ValueSink& sink) { sink.text(std::wstring_view(v)); }
     static std::wstring fromArray(const tuvArray& a) { return detail::toWideString(a); }
 };
 
@@ -177,6 +200,7 @@ struct HostTraits<T*, std::enable_if_t<std::is_polymorphic_v<T>>> {
         if (!p) return tuvArray::empty();
         return tuvArray::objects({detail::refOf(p)});
     }
+    static void deliver(const Object* p, ValueSink& sink) { sink.object(detail::handleOf(p)); }
     static T* fromArray(const tuvArray& a) {
         auto handles = detail::toHandles(a);
         if (handles.empty()) return nullptr;
@@ -198,6 +222,10 @@ struct HostTraits<std::vector<T*>, std::enable_if_t<std::is_polymorphic_v<T>>> {
         for (const Object* p : v) refs.push_back(detail::refOf(p));
         return tuvArray::objects(std::move(refs));
     }
+    static void deliver(const std::vector<T*>& v, ValueSink& sink) {
+        sink.objects(v.size());
+        for (const Object* p : v) sink.object(detail::handleOf(p));
+    }
     static std::vector<T*> fromArray(const tuvArray& a) {
         std::vector<T*> out;
         for (vel::mi::Handle* h : detail::toHandles(a)) {
@@ -215,6 +243,7 @@ template <class E, const char* (*NameOf)(E)>
 struct EnumNameTraits {
     static constexpr const char* typeName = kCharVector;
     static tuvArrayPtr toArray(E v) { return tuvArray::fromUtf8(NameOf(v)); }
+    static void deliver(E v, ValueSink& sink) { sink.text(std::string_view(NameOf(v))); }
 };
 
 } // namespace korb

@@ -5,6 +5,9 @@
 namespace korb {
 
 GetterBinder::~GetterBinder() = default;
+ValueSink::~ValueSink() = default;
+
+void GetterBinder::read(vel::mi::Handle& object, ValueSink& sink) const { sink.array(getArray(object)); }
 SetterBinder::~SetterBinder() = default;
 MethodBinder::~MethodBinder() = default;
 

@@ -109,7 +109,10 @@ struct ClassEntry {
     bool complete;
     // The guard of the most derived class in the chain that has one.
     vel::mi::HandleClass::AccessGuard guard;
-    void enter() const {
+    // Runs the guard before a use of an object of the class; `reading` for
+    // a property read or a call of a method that only reads.
+    void enter(bool reading) const {
+        if (reading && guard.readersProceed) return;
         if (guard.busy && guard.busy->load(std::memory_order_acquire) != 0) guard.wait();
     }
 };

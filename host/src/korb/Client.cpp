@@ -191,28 +191,41 @@ const std::string& Client::getPropertyType(const vel::mi::Handle& object, const 
     return requireProperty(*this, object, name).getter->hostTypeName();
 }
 
-tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string& name) const {
-    const vel::mi::Access access(ref);
-    vel::mi::Handle& object = live(access);
-    // The common read, straight through the class's resolved entry.
+// The property of the object by name, through its class's resolved entry,
+// its guard run for a read.
+const vel::mi::HandleClass::Property& Client::propertyToRead(vel::mi::Handle& object,
+                                                             std::string_view name) const {
     const char* typeName = object.getFullyQualifiedKorbTypeName();
     const auto* entry = system_.typeNames_->find(typeName);
     if (!entry && !(entry = system_.entryForTypeName(typeName))) unknownClass(typeName);
     const auto* property = entry->properties.find(name);
-    if (!property) unknownProperty(name, *entry->cls);
-    entry->enter();
-    return property->getter->getArray(object);
+    if (!property) unknownProperty(std::string(name), *entry->cls);
+    entry->enter(true);
+    return *property;
 }
 
-void Client::enter(const vel::mi::Handle& object) const {
-    if (const auto* entry = system_.entryForTypeName(object.getFullyQualifiedKorbTypeName())) entry->enter();
+tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string& name) const {
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
+    return propertyToRead(object, name).getter->getArray(object);
+}
+
+void Client::readProperty(const vel::mi::HandleRef& ref, std::string_view name, ValueSink& sink) const {
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
+    propertyToRead(object, name).getter->read(object, sink);
+}
+
+void Client::enter(const vel::mi::Handle& object, bool reading) const {
+    if (const auto* entry = system_.entryForTypeName(object.getFullyQualifiedKorbTypeName()))
+        entry->enter(reading);
 }
 
 Value Client::getPropertyValue(const vel::mi::HandleRef& ref, const std::string& name) const {
     const vel::mi::Access access(ref);
     vel::mi::Handle& object = live(access);
     const auto& property = requireProperty(*this, object, name);
-    enter(object);
+    enter(object, true);
     return property.getter->getValue(object);
 }
 
@@ -224,7 +237,7 @@ void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
     const std::string& cls = classOf(object).getQualifiedName();
     if (prop.isReadOnly()) vel::diag::throwError("Korb:ReadOnlyProperty", {name, cls});
     if (object.isLocked()) vel::diag::throwError("Korb:ObjectLocked", {name, cls});
-    enter(object);
+    enter(object, false);
     object.preSetPropFcn(name.c_str());
     try {
         prop.setter->set(object, value);
@@ -240,7 +253,7 @@ tuvArrayPtr Client::callMethod(const vel::mi::HandleRef& ref, const std::string&
     const vel::mi::Access access(ref);
     vel::mi::Handle& object = live(access);
     const auto& method = requireMethod(*this, object, name);
-    enter(object);
+    enter(object, method.binder->readsOnly());
     try {
         return method.binder->call(object, args);
     } catch (const vel::diag::Exception& e) {

@@ -409,10 +409,10 @@ TEST(CGModelSerializeFaults, TwoGenerationsIntoOneDirectoryNeverMix) {
     }
 }
 
-// A script that runs while the first pass does (the usual order) reaches the
-// model only after the pass ends: the pass neither races with the script's
-// writes nor describes them.
-TEST(CGModelSerializeFaults, ScriptsWaitForABackgroundPassBeforeTouchingTheModel) {
+// A script that runs while the first pass does (the usual order) writes to
+// the model only after the pass ends: the pass neither races with the
+// script's writes nor describes them.
+TEST(CGModelSerializeFaults, ScriptWritesWaitForABackgroundPass) {
     PlexoInitialize_velcg();
     TempDir dir;
     const auto model = buildModel(L"waiting", 200);

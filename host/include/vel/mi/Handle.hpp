@@ -15,11 +15,13 @@ class Handle;
 
 namespace detail {
 // What the references to one object share: the object, until it begins to
-// die, and the lifetime of references made from it directly.
+// die, the lifetime of references made from it directly, and the slot of
+// the script object made for them (see HandleRef::scriptObjectSlot).
 struct Anchor {
     explicit Anchor(Handle* h) : object(h) {}
     std::atomic<Handle*> object;
     Lifetime own;
+    std::atomic<void*> scriptObject{nullptr};
 };
 } // namespace detail
 
@@ -47,6 +49,16 @@ public:
     const void* identity() const { return anchor_.get(); }
     // Null for a default reference.
     const std::shared_ptr<Lifetime>& lifetime() const { return lifetime_; }
+
+    // A slot in which the script runtime of the process keeps the script
+    // object (the wrapper) it made for a reference to this object, so that
+    // reading the object again gives the same script object. Shared by
+    // every reference to the object and living as long as any of them, dead
+    // ones included; null until the runtime fills it. The runtime uses it
+    // under a lock of its own, checks that what it finds is its own object
+    // made for a reference of the lifetime it needs, and empties it when
+    // that object goes. Null for a default reference.
+    std::atomic<void*>* scriptObjectSlot() const { return anchor_ ? &anchor_->scriptObject : nullptr; }
 
 private:
     friend class Handle;
@@ -101,6 +113,11 @@ public:
     // The lifetime of the references made from this object outside any
     // access; it ends when endScriptAccess is called.
     std::shared_ptr<Lifetime> getOwnLifetime() const;
+    // The slot of HandleRef::scriptObjectSlot, without making a reference;
+    // null while no reference to the object was ever made.
+    std::atomic<void*>* scriptObjectSlot() const {
+        return anchorState_.load(std::memory_order_acquire) == kAnchored ? &anchor_->scriptObject : nullptr;
+    }
 
     // Makes every reference to this object dead, ends its own lifetime and
     // waits for the accesses in flight (see Access), after which the object

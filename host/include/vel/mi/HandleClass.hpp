@@ -59,9 +59,16 @@ public:
     // chain that has a guard decides). wait() returns when the objects may
     // be used, or raises a diagnostic. Set before the class is registered;
     // none by default.
+    //
+    // With readersProceed, what keeps the objects busy only reads them:
+    // property reads and calls of methods that only read (see
+    // korb::MethodBinder::readsOnly) go ahead at once, and only property
+    // writes and the other calls wait. The members that only read must then
+    // be safe to run on two threads at once.
     struct AccessGuard {
         const std::atomic<int>* busy = nullptr;
         void (*wait)() = nullptr;
+        bool readersProceed = false;
         explicit operator bool() const { return busy && wait; }
     };
     void setAccessGuard(AccessGuard guard) { accessGuard_ = guard; }
