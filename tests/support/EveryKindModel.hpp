@@ -11,6 +11,7 @@
 
 #include "CG/DataInterface.hpp"
 #include "CG/Type.hpp"
+#include "korb/Client.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGModelFactory.hpp"
@@ -329,6 +330,18 @@ std::vector<vel::mi::Handle*> everyObject(BasicEveryKindModel<Model>& m, EveryKi
          {VelCG::TYPEDEFS_SECTION, VelCG::INCLUDES_SECTION, VelCG::FUNCTIONS_SECTION})
         out.push_back(&r.header.getFileSection(kind));
     return out;
+}
+
+// The position in `objects` of the object that stands for cls: the first of
+// exactly that class, or for an abstract class the first deriving from it;
+// objects.size() when there is none.
+inline std::size_t subjectOf(const korb::Client& client, const vel::mi::HandleClass& cls,
+                             const std::vector<vel::mi::Handle*>& objects) {
+    std::size_t i = 0;
+    while (i < objects.size() && (cls.isAbstract() ? !client.isA(*objects[i], cls.getQualifiedName())
+                                                   : &client.classOf(*objects[i]) != &cls))
+        ++i;
+    return i;
 }
 
 } // namespace testing_support

@@ -2,62 +2,24 @@
 #include <string>
 
 #include "DiagnosticTesting.hpp"
-#include "korb/Binders.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/mi/HandleClass.hpp"
 #include "velcg/FileSection.hpp"
 #include "velcg/PlexoModule.hpp"
 #include "velcg/VelCGDataTypesFile.hpp"
-#include "velcg/VelCGFileRepository.hpp"
 #include "velcg/VelCGGenericFile.hpp"
 #include "velcg/VelCGModuleFile.hpp"
 
 using namespace VelCG;
-using testing_support::diagnosticOf;
 
 namespace {
 
-class FileClassBindingsTest : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() { PlexoInitialize_velcg(); }
-
-    tuvArrayPtr call(vel::mi::Handle& object, const std::string& name, std::vector<tuvArrayPtr> args = {}) {
-        return client.callMethod(object.makeRef(), name, args);
-    }
-    // The single object a host array of handles holds.
-    template <class T>
-    static T* objectIn(const tuvArrayPtr& a) {
-        return a->isEmpty() ? nullptr : dynamic_cast<T*>(a->handles().at(0).get());
-    }
-    static tuvArrayPtr str(const std::string& s) { return tuvArray::fromUtf8(s); }
-
+// The file classes' members show in VelCGPackage_test.cpp; a kind by
+// enumerator name or number is the kind's own section (FileSection_test.cpp).
+TEST(FileClassBindings, EveryNamedAccessorAnswersTheSectionOfItsKind) {
+    PlexoInitialize_velcg();
     korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
-};
-
-} // namespace
-
-TEST_F(FileClassBindingsTest, MisspeltSectionKindIsABannerSectionThatDropsContent) {
-    VelCGModuleFile module("m.c");
-    // A misspelt kind is the banner kind, which a module file lacks: what a
-    // script adds there is dropped.
-    auto* missing = objectIn<FileSection>(call(module, "getFileSection", {str("DEFINE_SECTION")}));
-    ASSERT_NE(nullptr, missing);
-    call(*missing, "addContent", {str("dropped")});
-    EXPECT_TRUE(call(*missing, "isEmpty")->logicalValue());
-}
-
-TEST_F(FileClassBindingsTest, HasSectionAnswersByNameAndByWholeNumberOnly) {
-    VelCGModuleFile module("m.c");
-    EXPECT_FALSE(call(module, "hasSection", {str("DEFINE_SECTION")})->logicalValue());
-    EXPECT_TRUE(call(module, "hasSection", {str("FUNCTIONS_SECTION")})->logicalValue());
-    EXPECT_FALSE(call(module, "hasSection", {tuvArray::float64(23)})->logicalValue());
-    EXPECT_FALSE(call(module, "hasSection", {tuvArray::float64(-1)})->logicalValue());
-    EXPECT_EQ("Korb:InvalidMethodArgument",
-              diagnosticOf([&] { call(module, "hasSection", {tuvArray::float64(1.5)}); }));
-}
-
-TEST_F(FileClassBindingsTest, EveryNamedAccessorAnswersTheSectionOfItsKind) {
     VelCGModuleFile module("m.c");
     VelCGGenericFile generic("g.c");
     VelCGDataTypesFile types("t.h");
@@ -84,9 +46,16 @@ TEST_F(FileClassBindingsTest, EveryNamedAccessorAnswersTheSectionOfItsKind) {
         for (const auto& [name, kind] : accessors) {
             if (!client.findClass(file->getFullyQualifiedKorbTypeName())->findOwnMethod(name)) continue;
             ++count;
-            EXPECT_EQ(&file->getFileSection(kind), objectIn<FileSection>(call(*file, name))) << name;
+            const tuvArrayPtr section = client.callMethod(file->makeRef(), name);
+            EXPECT_EQ(&file->getFileSection(kind), section->handles().at(0).get()) << name;
         }
         found += std::to_string(count) + ";";
     }
     EXPECT_EQ("10;14;3;", found);
+    // A kind given as a number is a whole one: anything else is refused, not truncated.
+    EXPECT_EQ("Korb:InvalidMethodArgument", testing_support::diagnosticOf([&] {
+                  client.callMethod(module.makeRef(), "hasSection", {tuvArray::float64(1.5)});
+              }));
 }
+
+} // namespace

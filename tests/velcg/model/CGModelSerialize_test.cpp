@@ -2,15 +2,14 @@
 // records written at each level of the switch, the background pass and its
 // join points, and failures.
 #include <atomic>
-#include <condition_variable>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <mutex>
 #include <thread>
 
 #include "DiagnosticTesting.hpp"
 #include "EveryKindModel.hpp"
+#include "StartLatch.hpp"
 #include "TempDir.hpp"
 #include "coder/Repository.hpp"
 #include "coder/descriptor/Dump.hpp"
@@ -31,29 +30,14 @@ namespace {
 
 // A gate one thread waits at until another opens it; the waiting side
 // announces its arrival so that the other can act while it waits.
-class Gate {
-public:
+struct Gate {
+    testing_support::StartLatch arrived{2}, opened{2};
     void arriveAndWait() {
-        std::unique_lock<std::mutex> lock(mutex_);
-        arrived_ = true;
-        changed_.notify_all();
-        changed_.wait(lock, [this] { return open_; });
+        arrived.arriveAndWait();
+        opened.arriveAndWait();
     }
-    void waitForArrival() {
-        std::unique_lock<std::mutex> lock(mutex_);
-        changed_.wait(lock, [this] { return arrived_; });
-    }
-    void open() {
-        std::lock_guard<std::mutex> lock(mutex_);
-        open_ = true;
-        changed_.notify_all();
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    bool arrived_ = false;
-    bool open_ = false;
+    void waitForArrival() { arrived.arriveAndWait(); }
+    void open() { opened.arriveAndWait(); }
 };
 
 // Its first pass stops in getName until the gate opens.

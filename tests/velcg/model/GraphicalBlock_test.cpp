@@ -107,14 +107,6 @@ TEST(GraphicalBlock, ListsBecomeColumnCellArraysOfElementHandles) {
     EXPECT_EQ(dynamic_cast<vel::mi::Handle*>(dw2), dworks->getCell(1)->handles()[0].get());
 }
 
-TEST(GraphicalBlock, StoredBlockRefusesNullElements) {
-    StoredGraphicalBlock b;
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDataInputPort(nullptr); }));
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addParameter(nullptr); }));
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDWork(nullptr); }));
-    EXPECT_TRUE(b.getDataInputPorts().empty());
-}
-
 // A model whose root subsystem holds one block with two data output ports.
 struct SourceModel {
     CGModel model;

@@ -128,17 +128,10 @@ TEST(StoredGraphicalBlock, ListsStartEmptyAndTheBlockDeletesTheirElementsInListO
     std::vector<std::string> log;
     {
         StoredGraphicalBlock b;
-        EXPECT_TRUE(b.getDataInputPorts().empty());
-        EXPECT_TRUE(b.getDataOutputPorts().empty());
-        EXPECT_TRUE(b.getControlInputPorts().empty());
-        EXPECT_TRUE(b.getParameters().empty());
-        EXPECT_TRUE(b.getContinuousStates().empty());
-        EXPECT_TRUE(b.getDerivatives().empty());
-        EXPECT_TRUE(b.getDiscreteStates().empty());
-        EXPECT_TRUE(b.getDWorks().empty());
         EXPECT_EQ(0, b.getNumFcnCallOutputPorts());
 
-        // Added in an order other than the lists', two to each list.
+        // Added in an order other than the lists', two to each list, which hold
+        // them and no other.
         std::vector<const void*> dworks, controls, parameters, derivatives, discretes, states, inputs,
             outputs;
         for (const char* n : {"1", "2"}) {
@@ -169,6 +162,9 @@ TEST(StoredGraphicalBlock, ListsStartEmptyAndTheBlockDeletesTheirElementsInListO
         EXPECT_EQ(2, b.getNumDataOutputPorts());
 
         EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addControlInputPort(nullptr); }));
+        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDataInputPort(nullptr); }));
+        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addParameter(nullptr); }));
+        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDWork(nullptr); }));
         EXPECT_EQ(2u, b.getControlInputPorts().size()) << "a refused element leaves the list";
         EXPECT_TRUE(log.empty());
     }

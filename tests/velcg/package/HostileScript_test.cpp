@@ -76,18 +76,6 @@ class HostileScript : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { PlexoInitialize_velcg(); }
 
-    // The object of world to walk for cls: one of exactly that class, or for
-    // an abstract class one deriving from it; null when world has none.
-    Handle* subjectOf(const HandleClass& cls, World& world) const {
-        const auto objects = world.objects();
-        for (Handle* h : objects)
-            if (&client.classOf(*h) == &cls) return h;
-        if (cls.isAbstract())
-            for (Handle* h : objects)
-                if (client.isA(*h, cls.getQualifiedName())) return h;
-        return nullptr;
-    }
-
     // The hostile values, and handles of every object of this world, of
     // another model's objects and of destroyed ones.
     std::vector<Hostile> hostileValues(World& own, World& other, const std::vector<Hostile>& dead) const {
@@ -163,12 +151,13 @@ protected:
             std::vector<HandleRef> reached;
             {
                 World world;
-                Handle* subject = subjectOf(*cls, world);
-                if (!subject) {
+                const auto objects = world.objects();
+                const std::size_t i = testing_support::subjectOf(client, *cls, objects);
+                if (i == objects.size()) {
                     failures.push_back(cls->getQualifiedName() + ": no object of the class to walk");
                     continue;
                 }
-                Visit visit{*cls, subject->makeRef(), hostileValues(world, other, dead), failures, {}};
+                Visit visit{*cls, objects[i]->makeRef(), hostileValues(world, other, dead), failures, {}};
                 walk(visit);
                 reached = std::move(visit.reached);
                 for (Handle* h : world.objects()) reached.push_back(h->makeRef());

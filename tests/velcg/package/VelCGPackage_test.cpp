@@ -5,13 +5,9 @@
 // write it, its value in the every-kind model, in a default-constructed
 // object where the class has one ("fresh"), and what it reads after a script
 // wrote another value ("->"); a method shows its argument and result types
-// and the answer to a call with the arguments shown. A value
-// that raises shows as "!identifier". Set VELCG_UPDATE_EXPECTED=1 to write
-// the listing instead of comparing it.
+// and the answer to a call with the arguments shown. A value that raises
+// shows as "!identifier".
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
 #include <sstream>
@@ -19,6 +15,7 @@
 #include <vector>
 
 #include "EveryKindModel.hpp"
+#include "ExpectedFile.hpp"
 #include "RenderValue.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -130,10 +127,7 @@ std::string listing() {
         const std::string name = cls->getQualifiedName();
         out << name << " | " << cls->getDescription() << " | " << cls->getSuperclassName()
             << (cls->isAbstract() ? " | abstract" : "") << "\n";
-        std::size_t i = 0;
-        while (i < objects.size() &&
-               !(cls->isAbstract() ? client.isA(*objects[i], name) : &client.classOf(*objects[i]) == cls))
-            ++i;
+        const std::size_t i = testing_support::subjectOf(client, *cls, objects);
         if (i == objects.size()) {
             out << "  (no object of the class)\n";
             continue;
@@ -178,15 +172,7 @@ std::string listing() {
 
 TEST(VelCGPackage, EveryClassAsScriptsSeeIt) {
     PlexoInitialize_velcg();
-    const auto expectedFile = std::filesystem::path(__FILE__).replace_filename("VelCGPackage_listing.txt");
-    const std::string actual = listing();
-    if (std::getenv("VELCG_UPDATE_EXPECTED")) {
-        std::ofstream(expectedFile, std::ios::binary) << actual;
-        GTEST_SKIP() << "wrote " << expectedFile;
-    }
-    std::ifstream in(expectedFile, std::ios::binary);
-    ASSERT_TRUE(in.good()) << expectedFile;
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), actual);
+    EXPECT_MATCHES_FILE(listing(), __FILE__, "VelCGPackage_listing.txt");
 }
 
 } // namespace
