@@ -3,10 +3,7 @@
 // work or answer with a diagnostic, and the model must still be destroyed
 // cleanly afterwards.
 
-#include <cmath>
-#include <cstdint>
 #include <gtest/gtest.h>
-#include <limits>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -23,7 +20,6 @@
 #include "vel/mi/HandleClass.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/PlexoModule.hpp"
-#include "velcg/VelCGFileSectionKind.hpp"
 
 using vel::mi::Handle;
 using vel::mi::HandleClass;
