@@ -33,6 +33,7 @@
 #include <vector>
 
 #include "EveryKindModel.hpp"
+#include "HostileValues.hpp"
 #include "korb/Client.hpp"
 #include "korb/HostTraits.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -491,28 +492,15 @@ private:
                 for (auto& x : v) x = number();
                 return tuvArray::doubleVector(std::move(v));
             }
-            case 12: // empty values of other classes
-                switch (in_.ConsumeIntegralInRange<int>(0, 3)) {
-                    case 0:
-                        return tuvArray::cell(0, 0);
-                    case 1:
-                        return tuvArray::objects({});
-                    case 2:
-                        return tuvArray::chars(u"");
-                    default:
-                        return tuvArray::int32Vector({});
-                }
+            case 12:
+            case 15:
+            case 16: { // an edge value the hostile-script test passes everywhere
+                const auto values = testing_support::hostileValues(pickEntry().ref, pickEntry().ref);
+                return values[in_.ConsumeIntegralInRange<std::size_t>(0, values.size() - 1)].value;
+            }
             case 13:
             case 14: // objects of any class and group, alive or not
                 return tuvArray::objects(someObjects(3));
-            case 15:
-                return tuvArray::opaque(
-                    in_.ConsumeBool() ? "coder.DataInterface" : in_.ConsumeRandomLengthString(8), nullptr);
-            case 16: { // a 2-by-2 cell
-                auto cell = tuvArray::cell(2, 2);
-                for (std::size_t i = 0; i < 4; ++i) cell->setCell(i, text());
-                return cell;
-            }
             default: // a value some property holds now
                 if (const Entry* e = pickLiveEntry()) {
                     const auto& names = membersOf(client_, *e->ref.get()).propertyNames;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -53,23 +54,13 @@ int readInt(const korb::Client& client, const vel::mi::Handle& object, const std
 TEST(ClassLookup, EveryNameFindsItsOwnMemberAndNoOther) {
     // Names of every length, alike in their first, middle and last
     // characters and in the words that longer names are compared by.
-    const std::vector<std::string> names = {"a",
-                                            "b",
-                                            "ab",
-                                            "ba",
-                                            "abc",
-                                            "acc",
-                                            "abcd",
-                                            "abdd",
-                                            "abcdefg",
-                                            "abcdefgh",
-                                            "abcdefgi",
-                                            "abcdefghijklmnop",
-                                            "abcdefghijklmnoq",
-                                            "abcdefghijklmnopq",
-                                            "abcdefghXjklmnopq",
-                                            std::string(40, 'x'),
-                                            std::string(20, 'x') + "y" + std::string(19, 'x')};
+    std::vector<std::string> names;
+    std::istringstream words(
+        "a b ab ba abc acc abcd abdd abcdefg abcdefgh abcdefgi abcdefghijklmnop "
+        "abcdefghijklmnoq abcdefghijklmnopq abcdefghXjklmnopq");
+    for (std::string w; words >> w;) names.push_back(w);
+    names.push_back(std::string(40, 'x'));
+    names.push_back(std::string(20, 'x') + "y" + std::string(19, 'x'));
     const std::vector<std::string> misses = {
         "", "c", "abcde", "abcdefghijklmno", "abce", "Abcdefgh", "abcdefghYjklmnopq", std::string(39, 'x')};
     ObjectSystem system;

@@ -36,4 +36,16 @@ std::string diagnosticWithArgumentsOf(F&& f) {
     return "no diagnostic";
 }
 
+// What the diagnostic that f raises says, "identifier: message" as what()
+// renders it, or "no diagnostic".
+template <class F>
+std::string diagnosticTextOf(F&& f) {
+    try {
+        std::forward<F>(f)();
+    } catch (const vel::diag::Exception& e) {
+        return e.what();
+    }
+    return "no diagnostic";
+}
+
 } // namespace testing_support

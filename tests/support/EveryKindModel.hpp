@@ -6,10 +6,12 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "CG/DataInterface.hpp"
 #include "CG/Type.hpp"
+#include "korb/Client.hpp"
 #include "velcg/BlockHierarchyMap.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/CGModelFactory.hpp"
@@ -20,6 +22,8 @@
 #include "velcg/Port.hpp"
 #include "velcg/Region.hpp"
 #include "velcg/State.hpp"
+#include "velcg/StoredCGModel.hpp"
+#include "velcg/StoredCoderDataGroup.hpp"
 #include "velcg/StoredDataInterfaceRecord.hpp"
 #include "velcg/StoredGraphicalBlock.hpp"
 #include "velcg/StoredGraphicalSubsystem.hpp"
@@ -37,17 +41,27 @@
 
 namespace testing_support {
 
-// The model "every_kind":
+// The model "every_kind" (version 9.1):
 //   root subsystem "every_kind" with the blocks In1 (inport), Gain, Sub (a
 //     subsystem block with one control input port) and Out1 (outport);
 //   child subsystem "Sub" (atomic, its subsystem block is root block 2)
 //     holding the reduced block Inner.
-// Gain has an input port whose source is In1's output port, an output port
-// with one region, parameter K with model parameter K, a continuous state, a
-// derivative, a discrete state without data interface and a dwork. System 0
-// has Gain as its call site; one async-queue block has two leaves.
-struct EveryKindModel {
-    VelCG::CGModel model;
+// In1's output port has a region; Gain has an input port whose source is
+// In1's output port, an output port with one region, parameter K with model
+// parameter K, a continuous state, a derivative, a discrete state without
+// data interface and a dwork; Inner's input port's source is Gain's output
+// port, its parameter has model parameter x0, of no block. System 0 has
+// Gain as its call site. Root input In1 names itself, root input 1 is named
+// by the member of its variable group. One async-queue block, a virtual
+// bus, has two leaves, the first with a leaf of its own; the block, its
+// first leaf and that leaf's leaf name Gain, Inner and In1 as their actual
+// sources. Three coder data groups, one of each structure kind (group
+// "Signals" is the one of the variable group); two overwritable
+// input-output pairs. Model is StoredCGModel or a class derived from it,
+// constructed from the arguments.
+template <class Model = VelCG::StoredCGModel>
+struct BasicEveryKindModel {
+    Model model;
     VelCG::System* system = nullptr;
     VelCG::VelCGType* cgType = nullptr;
     VelCG::CGTypeMember* member = nullptr;
@@ -72,7 +86,8 @@ struct EveryKindModel {
     VelCG::ToAsyncQueueBlock* queue = nullptr;
     std::vector<VelCG::ToAsyncQueueBlock*> leaves;
 
-    EveryKindModel() {
+    template <class... Args>
+    explicit BasicEveryKindModel(Args&&... args) : model(std::forward<Args>(args)...) {
         using namespace VelCG;
         std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
         // Three data interfaces, told apart by their identifiers.
@@ -81,6 +96,9 @@ struct EveryKindModel {
         const auto signalData =
             dataInterface({"model_Signals.y", "StructElement", "model_Signals", "double", "y"});
         const auto parameterData = dataInterface({"model_P.K", "StructElement", "model_P", "double", "K"});
+        const auto inputData = dataInterface({"model_U.In1", "StructElement", "model_U", "int32_t", "In1"});
+        model.setName(L"every_kind");
+        model.setKordelVersion(L"9.1");
 
         auto sys = std::make_unique<System>();
         system = sys.get();
@@ -112,6 +130,7 @@ struct EveryKindModel {
         group->setSystemIndex(0);
         group->setCGTypeIndex(0);
         group->setGlobalOffset(8);
+        group->setCoderGroupIndex(0);
         group->setElements({"a", "b"});
         group->addSubStructName("S");
         group->addSubStructIndex(1);
@@ -129,6 +148,10 @@ struct EveryKindModel {
         input->setIdentifier("In1");
         input->setPadding(4);
         model.addExternalInput(std::move(in));
+        auto byMember = std::make_unique<ExternalInput>();
+        byMember->setVarGroupIndex(0);
+        byMember->setVarGroupMemberIndex(0);
+        model.addExternalInput(std::move(byMember));
 
         auto mpImpl = new StoredModelParameter(L"K");
         mpImpl->setIsTunable(true);
@@ -144,13 +167,19 @@ struct EveryKindModel {
         root = rootSubsystem.get();
 
         auto inImpl = new StoredGraphicalBlock(L"In1");
+        inImpl->setCGModel(&model);
         inImpl->setType(L"Inport");
         inImpl->setIsInport(true);
-        inImpl->addDataOutputPort(std::make_unique<Port>());
+        inImpl->setBlockPath(L"every_kind/In1");
+        auto inRegion = std::make_unique<Region>();
+        inRegion->setDataInterface(inputData.get());
+        inImpl->addDataOutputPort(std::make_unique<Port>())->addRegion(std::move(inRegion));
         inport = root->addGraphicalBlock(std::make_unique<GraphicalBlock>(inImpl));
 
         auto impl = new StoredGraphicalBlock(L"Gain");
+        impl->setCGModel(&model);
         impl->setVelName(L"every_kind/Gain");
+        impl->setBlockPath(L"every_kind/Gain");
         impl->setSID(L"every_kind:5");
         impl->setType(L"Gain");
         impl->setDescription(L"scales its input");
@@ -180,12 +209,14 @@ struct EveryKindModel {
         block = root->addGraphicalBlock(std::make_unique<GraphicalBlock>(impl));
 
         auto subImpl = new StoredGraphicalBlock(L"Sub");
+        subImpl->setCGModel(&model);
         subImpl->setType(L"SubSystem");
         subImpl->setIsSubsystem(true);
         subImpl->addControlInputPort(std::make_unique<Port>());
         subsystemBlock = root->addGraphicalBlock(std::make_unique<GraphicalBlock>(subImpl));
 
         auto outImpl = new StoredGraphicalBlock(L"Out1");
+        outImpl->setCGModel(&model);
         outImpl->setType(L"Outport");
         outImpl->setIsOutport(true);
         outImpl->addDataInputPort(std::make_unique<Port>());
@@ -196,7 +227,16 @@ struct EveryKindModel {
         child = childSubsystem.get();
         child->setSubsystemBlockIndex({0, 2});
         auto innerImpl = new StoredGraphicalBlock(L"Inner");
+        innerImpl->setCGModel(&model);
         innerImpl->setIsReduced(true);
+        innerImpl->setBlockPath(L"every_kind/Sub/Inner");
+        auto* x0 = factory->createModelParameter(new StoredModelParameter(L"x0"));
+        model.addModelParameter(std::unique_ptr<ModelParameter>(x0));
+        innerImpl->addParameter(std::unique_ptr<Parameter>(
+            factory->createParameter(new StoredParameter(L"InitialCondition", {x0}))));
+        Port* innerPort = innerImpl->addDataInputPort(std::make_unique<Port>());
+        innerPort->setCGModel(&model);
+        innerPort->setGrSrcPortIdx(0, 1, 0);
         inner = child->addGraphicalBlock(std::make_unique<GraphicalBlock>(innerImpl));
 
         model.getBlockHierarchyMap()->addGraphicalSubsystem(std::move(rootSubsystem));
@@ -211,11 +251,35 @@ struct EveryKindModel {
         queue = q.get();
         queue->setBlockPath(L"every_kind/Queue");
         queue->setPortNumber(1);
+        queue->setIsVirtualBus(true);
+        queue->setActSrcBlockPath(L"every_kind/Gain");
         for (const wchar_t* name : {L"leaf1", L"leaf2"}) {
             leaves.push_back(new ToAsyncQueueBlock(new StoredGraphicalBlock(name)));
             queue->addLeafElement(leaves.back());
         }
+        leaves[0]->setActSrcBlockPath(L"every_kind/Sub/Inner");
+        auto* deep = new ToAsyncQueueBlock(new StoredGraphicalBlock(L"deep"));
+        deep->setActSrcBlockPath(L"every_kind/In1");
+        deep->setEnumLabels({L"Park", L"Drive"});
+        deep->setEnumValues({0, 3});
+        deep->setDimensions({2, 1});
+        leaves[0]->addLeafElement(deep);
         model.addTAQBlock(std::move(q));
+
+        auto signals = std::make_unique<StoredCoderDataGroup>("Signals", &model);
+        signals->setAsStructure(CoderDataGroup::AsStructure::Standalone);
+        signals->setStructureTypeNameRule("$N_signals");
+        model.appendCoderDataGroup(std::move(signals));
+        auto self = std::make_unique<StoredCoderDataGroup>("Self", &model);
+        self->setSelfGroup(true);
+        self->setAsStructure(CoderDataGroup::AsStructure::InSelf);
+        self->setRootGroupTypeName("every_kind_self");
+        model.appendCoderDataGroup(std::move(self));
+        auto loose = std::make_unique<StoredCoderDataGroup>("Loose", &model);
+        loose->setAsStructure(CoderDataGroup::AsStructure::None);
+        model.appendCoderDataGroup(std::move(loose));
+        model.setOverwritableIOPair(2, 0);
+        model.setOverwritableIOPair(0, 1);
 
         model.setSubsystemPathForRightClickBuild("every_kind/Sub");
         model.setSubsystemNameForRightClickBuild("Sub");
@@ -234,6 +298,8 @@ private:
     }
 };
 
+using EveryKindModel = BasicEveryKindModel<>;
+
 // A repository with one file of each kind, in this order:
 //   0 "every_kind.h" (module header), 1 "every_kind.c" (module source),
 //   2 "every_kind_types.h" (data types), 3 "main.c" (generic).
@@ -244,5 +310,38 @@ struct EveryKindRepository {
     VelCG::VelCGDataTypesFile& types = repository.createDataTypesFile("every_kind_types.h");
     VelCG::VelCGGenericFile& generic = repository.createGenericFile("main.c");
 };
+
+// Every object of the model and the repository that scripts reach, one of
+// each class first (a plain block before the async-queue blocks that derive
+// from it), then the leaves and three sections of the header.
+template <class Model>
+std::vector<vel::mi::Handle*> everyObject(BasicEveryKindModel<Model>& m, EveryKindRepository& r) {
+    std::vector<vel::mi::Handle*> out{
+        &m.model,         m.system,  m.cgType,        m.member,
+        m.group,          m.velType, m.input,         m.model.getBlockHierarchyMap(),
+        m.root,           m.child,   m.block,         m.inport,
+        m.subsystemBlock, m.outport, m.inner,         m.inPort,
+        m.outPort,        m.region,  m.parameter,     m.state,
+        m.modelParameter, m.dWork,   m.discreteState, m.queue,
+        &r.repository,    &r.header, &r.source,       &r.types,
+        &r.generic};
+    out.insert(out.end(), m.leaves.begin(), m.leaves.end());
+    for (VelCG::VelCGFileSectionKind kind :
+         {VelCG::TYPEDEFS_SECTION, VelCG::INCLUDES_SECTION, VelCG::FUNCTIONS_SECTION})
+        out.push_back(&r.header.getFileSection(kind));
+    return out;
+}
+
+// The position in `objects` of the object that stands for cls: the first of
+// exactly that class, or for an abstract class the first deriving from it;
+// objects.size() when there is none.
+inline std::size_t subjectOf(const korb::Client& client, const vel::mi::HandleClass& cls,
+                             const std::vector<vel::mi::Handle*>& objects) {
+    std::size_t i = 0;
+    while (i < objects.size() && (cls.isAbstract() ? !client.isA(*objects[i], cls.getQualifiedName())
+                                                   : &client.classOf(*objects[i]) != &cls))
+        ++i;
+    return i;
+}
 
 } // namespace testing_support

@@ -3,31 +3,12 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 
-#include "CG/DataInterface.hpp"
 #include "DiagnosticTesting.hpp"
+#include "EveryKindModel.hpp"
 #include "vel/diag/Diagnostic.hpp"
-#include "velcg/BlockHierarchyMap.hpp"
-#include "velcg/CGModelFactory.hpp"
-#include "velcg/CGTypeMember.hpp"
 #include "velcg/ChildCoderDataGroup.hpp"
 #include "velcg/DataInterfaceRecord.hpp"
-#include "velcg/ExternalInput.hpp"
-#include "velcg/GraphicalSubsystem.hpp"
 #include "velcg/ModelDiagnostics.hpp"
-#include "velcg/ModelParameter.hpp"
-#include "velcg/Parameter.hpp"
-#include "velcg/Port.hpp"
-#include "velcg/Region.hpp"
-#include "velcg/StoredDataInterfaceRecord.hpp"
-#include "velcg/StoredGraphicalBlock.hpp"
-#include "velcg/StoredGraphicalSubsystem.hpp"
-#include "velcg/StoredModelParameter.hpp"
-#include "velcg/StoredParameter.hpp"
-#include "velcg/System.hpp"
-#include "velcg/ToAsyncQueueBlock.hpp"
-#include "velcg/VarGroup.hpp"
-#include "velcg/VelCGType.hpp"
-#include "velcg/VelType.hpp"
 
 using namespace VelCG;
 using testing_support::diagnosticOf;
@@ -46,20 +27,13 @@ std::unique_ptr<ModelParameter> countedParameter() {
     return std::make_unique<ModelParameter>(new CountedParameter());
 }
 
+// The defaults scripts read are listed in VelCGPackage_test.cpp.
 TEST(CGModel, NewModelIsEmptyWithDefaultAttributes) {
     CGModel m;
-    EXPECT_TRUE(m.getSystems().empty());
-    EXPECT_TRUE(m.getVelCGTypes().empty());
-    EXPECT_TRUE(m.getVarGroups().empty());
-    EXPECT_TRUE(m.getTAQBlocks().empty());
     EXPECT_EQ(0u, m.getNumCoderDataGroups());
-    ASSERT_NE(nullptr, m.getBlockHierarchyMap());
     EXPECT_TRUE(m.getBlockHierarchyMap()->getSubsystems().empty());
     EXPECT_EQ(nullptr, m.getSystemForFunction("f"));
     EXPECT_FALSE(m.isTAQBlockActualSrc(L"m/Gain"));
-    EXPECT_EQ(L"", m.getName());
-    EXPECT_EQ(-1, m.getMaxMultiWordBits());
-    EXPECT_FALSE(m.getIsCompactFilePackaging());
     EXPECT_EQ(nullptr, m.getStringMap());
     EXPECT_EQ(-1, m.getOverwritableOutputPort(0));
     EXPECT_FALSE(m.hasWarnedAboutQuaySFcnHeaderFileIgnore());
@@ -220,137 +194,15 @@ TEST(CGModel, CompactPackagingFollowsThePackagingFormat) {
     }
 }
 
-// The whole model of a small build: two systems, types, groups, inputs, a
-// two-level subsystem hierarchy with ports, regions and parameters, and a
-// bus streamed to an async queue with nested leaves. Under the sanitizers,
-// building and destroying it also checks that nothing leaks or is used
-// after free.
-struct SmallBuild {
-    CGModel m;
-    CG::DataInterface* di = nullptr;
-    ModelParameter* gainParam = nullptr;
-    BlockHierarchyMap* bhm = nullptr;
-    GraphicalSubsystem* root = nullptr;
-    GraphicalSubsystem* sub = nullptr;
-    GraphicalBlock* subBlock = nullptr;
-    GraphicalBlock* gain = nullptr;
-
-    SmallBuild() {
-        std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
-        di = CG::DataInterface::create(
-            {"model_Signals.y", "StructElement", "model_Signals", "double", "Gain"});
-
-        for (const char* id : {"root", "sub"}) {
-            auto s = std::make_unique<System>();
-            s->setIdentifier(id);
-            m.addSystem(std::move(s));
-        }
-        auto real = std::make_unique<VelCGType>("double");
-        real->setVelTypeIndex(0);
-        m.addVelCGType(std::move(real));
-        auto bus = std::make_unique<VelCGType>("model_Bus");
-        bus->addMember(std::make_unique<CGTypeMember>("In1", 0));
-        bus->addMember(std::make_unique<CGTypeMember>("In2", 0));
-        m.addVelCGType(std::move(bus));
-        m.addVelType(std::make_unique<VelType>("double"));
-        auto group = std::make_unique<VarGroup>();
-        group->setCategory(VarGroupEnum::ExternalInput);
-        group->setCGTypeIndex(1);
-        m.addVarGroup(std::move(group));
-        for (int i = 0; i < 2; ++i) {
-            auto in = std::make_unique<ExternalInput>();
-            in->setVarGroupIndex(0);
-            in->setVarGroupMemberIndex(i);
-            m.addExternalInput(std::move(in));
-        }
-        m.addModelParameter(
-            std::unique_ptr<ModelParameter>(factory->createModelParameter(new CountedParameter())));
-        gainParam = m.getModelParameters()[0];
-
-        // root: In1, Sub (subsystem block), Out1; Sub: Gain with a parameter.
-        bhm = m.getBlockHierarchyMap();
-        root = bhm->addGraphicalSubsystem(
-            std::make_unique<StoredGraphicalSubsystem>(L"root", GraphicalSubsystemType::Root));
-        sub = bhm->addGraphicalSubsystem(
-            std::make_unique<StoredGraphicalSubsystem>(L"Sub", GraphicalSubsystemType::Atomic));
-        auto blockOf = [&](const wchar_t* name, auto&& setup) {
-            auto* impl = new StoredGraphicalBlock(name);
-            impl->setCGModel(&m);
-            setup(*impl);
-            return std::make_unique<GraphicalBlock>(impl);
-        };
-        root->addGraphicalBlock(blockOf(L"In1", [](StoredGraphicalBlock& b) {
-            b.setIsInport(true);
-            b.addDataOutputPort(std::make_unique<Port>());
-        }));
-        subBlock = root->addGraphicalBlock(blockOf(L"Sub", [&](StoredGraphicalBlock& b) {
-            b.setIsSubsystem(true);
-            Port* p = b.addDataInputPort(std::make_unique<Port>());
-            p->setCGModel(&m);
-            p->setGrSrcPortIdx(0, 0, 0);
-        }));
-        root->addGraphicalBlock(blockOf(L"Out1", [](StoredGraphicalBlock& b) { b.setIsOutport(true); }));
-        gain = sub->addGraphicalBlock(blockOf(L"Gain", [&](StoredGraphicalBlock& b) {
-            b.setIsReduced(true);
-            Port* out = b.addDataOutputPort(std::make_unique<Port>());
-            auto region = std::make_unique<Region>();
-            region->setDataInterface(di);
-            out->addRegion(std::move(region));
-            b.addParameter(
-                std::unique_ptr<Parameter>(factory->createParameter(new StoredParameter(L"K", {gainParam}))));
-            b.addDWork(std::unique_ptr<DataInterfaceRecord>(
-                factory->createDataInterfaceRecord(new StoredDataInterfaceRecord(di))));
-        }));
-        sub->setSubsystemBlockIndex({0, 1});
-        bhm->finalize();
-        m.getSystems()[1]->addGraphicalCallsite(subBlock);
-
-        auto taq = std::make_unique<ToAsyncQueueBlock>(new StoredGraphicalBlock(L"Bus"));
-        taq->setIsVirtualBus(true);
-        auto* inner = new ToAsyncQueueBlock(new StoredGraphicalBlock(L"inner"));
-        inner->addLeafElement(new ToAsyncQueueBlock(new StoredGraphicalBlock(L"deep")));
-        taq->addLeafElement(inner);
-        taq->addLeafElement(new ToAsyncQueueBlock(new StoredGraphicalBlock(L"flat")));
-        m.addTAQBlock(std::move(taq));
-        m.appendCoderDataGroup(std::make_unique<ChildCoderDataGroup>("Group"));
-        di->release(); // the region and the record hold their own references
-    }
-};
-
-TEST(CGModel, FinalizedHierarchyLinksSubsystemsBlocksAndPorts) {
-    SmallBuild b;
-    EXPECT_EQ((std::vector<GraphicalSubsystem*>{b.sub}), b.root->getChildSubsystems());
-    EXPECT_EQ(b.subBlock, b.sub->getSubsystemBlock());
-    EXPECT_EQ(b.root, b.subBlock->getParentSubsystem());
-    EXPECT_EQ(1u, b.root->getInputPortBlocks().size());
-    EXPECT_EQ(1u, b.root->getOutputPortBlocks().size());
-    EXPECT_EQ((std::vector<GraphicalBlock*>{b.gain}), b.bhm->getReducedBlocks());
-    const Port* source = b.subBlock->getDataInputPorts()[0]->getGraphicalSource();
-    EXPECT_EQ(b.root->getBlocks()[0]->getDataOutputPorts()[0], source);
-}
-
-TEST(CGModel, BlocksReachTheModelsParametersInterfacesAndAsyncQueueLeaves) {
-    SmallBuild b;
-    EXPECT_EQ("In2", b.m.getExternalInput(1)->getRecordIdentifier());
-    EXPECT_EQ(b.di, b.gain->getDataOutputPorts()[0]->getRegions()[0]->getDataInterface());
-    EXPECT_EQ(b.gainParam, b.gain->getParameters()[0]->getModelParameters()[0]);
-    EXPECT_EQ(1u, b.gain->getDWorksAsTuvArray()->rows());
-    const auto& leaves = b.m.getTAQBlocks()[0]->getLeafElements();
-    ASSERT_EQ(2u, leaves.size());
-    EXPECT_EQ(L"deep", leaves[0]->getLeafElements()[0]->getName());
-}
-
-TEST(CGModel, DestroyingAWholeModelReleasesWhatItOwnsAndNothingElse) {
-    const long interfacesBefore = CG::DataInterface::liveCount();
-    CountedParameter::live = 0;
+// Building and destroying the every-kind model under the sanitizers also
+// checks that the model deletes what it owns, once, and nothing else.
+TEST(CGModel, DestroyingAWholeModelReleasesEveryDataInterfaceReference) {
+    const long before = CG::DataInterface::liveCount();
     {
-        SmallBuild b;
-        EXPECT_EQ(1, CountedParameter::live);
-        EXPECT_EQ(interfacesBefore + 1, CG::DataInterface::liveCount());
+        testing_support::EveryKindModel m;
+        EXPECT_EQ(before + 4, CG::DataInterface::liveCount());
     }
-    EXPECT_EQ(0, CountedParameter::live);
-    EXPECT_EQ(interfacesBefore, CG::DataInterface::liveCount())
-        << "every data-interface reference is released";
+    EXPECT_EQ(before, CG::DataInterface::liveCount());
 }
 
 } // namespace

@@ -128,30 +128,13 @@ TEST(StoredGraphicalBlock, EachTextFieldKeepsItsTextAndLeavesTheOthers) {
     EXPECT_EQ(L"", named.getSID());
 }
 
-// Elements that log their destruction.
-struct LoggedPort : Port {
-    LoggedPort(std::vector<std::string>* log, std::string name) : log_(log), name_(std::move(name)) {}
-    ~LoggedPort() override { log_->push_back(name_); }
-    std::vector<std::string>* log_;
-    std::string name_;
-};
-struct LoggedParameter : Parameter {
-    LoggedParameter(std::vector<std::string>* log, std::string name)
-        : Parameter(new StoredParameter(L"p")), log_(log), name_(std::move(name)) {}
-    ~LoggedParameter() override { log_->push_back(name_); }
-    std::vector<std::string>* log_;
-    std::string name_;
-};
-struct LoggedState : State {
-    LoggedState(std::vector<std::string>* log, std::string name) : log_(log), name_(std::move(name)) {}
-    ~LoggedState() override { log_->push_back(name_); }
-    std::vector<std::string>* log_;
-    std::string name_;
-};
-struct LoggedRecord : DataInterfaceRecord {
-    LoggedRecord(std::vector<std::string>* log, std::string name)
-        : DataInterfaceRecord(new StoredDataInterfaceRecord()), log_(log), name_(std::move(name)) {}
-    ~LoggedRecord() override { log_->push_back(name_); }
+// An element that logs its destruction.
+template <class Element>
+struct Logged : Element {
+    template <class... Args>
+    Logged(std::vector<std::string>* log, std::string name, Args... args)
+        : Element(args...), log_(log), name_(std::move(name)) {}
+    ~Logged() override { log_->push_back(name_); }
     std::vector<std::string>* log_;
     std::string name_;
 };
@@ -160,29 +143,25 @@ TEST(StoredGraphicalBlock, ListsStartEmptyAndTheBlockDeletesTheirElementsInListO
     std::vector<std::string> log;
     {
         StoredGraphicalBlock b;
-        EXPECT_TRUE(b.getDataInputPorts().empty());
-        EXPECT_TRUE(b.getDataOutputPorts().empty());
-        EXPECT_TRUE(b.getControlInputPorts().empty());
-        EXPECT_TRUE(b.getParameters().empty());
-        EXPECT_TRUE(b.getContinuousStates().empty());
-        EXPECT_TRUE(b.getDerivatives().empty());
-        EXPECT_TRUE(b.getDiscreteStates().empty());
-        EXPECT_TRUE(b.getDWorks().empty());
         EXPECT_EQ(0, b.getNumFcnCallOutputPorts());
 
-        // Added in an order other than the lists', two to each list.
+        // Added in an order other than the lists', two to each list, which hold
+        // them and no other.
         std::vector<const void*> dworks, controls, parameters, derivatives, discretes, states, inputs,
             outputs;
         for (const char* n : {"1", "2"}) {
             const std::string s = n;
-            dworks.push_back(b.addDWork(std::make_unique<LoggedRecord>(&log, "dwork" + s)));
-            controls.push_back(b.addControlInputPort(std::make_unique<LoggedPort>(&log, "control" + s)));
-            parameters.push_back(b.addParameter(std::make_unique<LoggedParameter>(&log, "parameter" + s)));
-            derivatives.push_back(b.addDerivative(std::make_unique<LoggedState>(&log, "derivative" + s)));
-            discretes.push_back(b.addDiscreteState(std::make_unique<LoggedRecord>(&log, "discrete" + s)));
-            states.push_back(b.addContinuousState(std::make_unique<LoggedState>(&log, "state" + s)));
-            inputs.push_back(b.addDataInputPort(std::make_unique<LoggedPort>(&log, "input" + s)));
-            outputs.push_back(b.addDataOutputPort(std::make_unique<LoggedPort>(&log, "output" + s)));
+            dworks.push_back(b.addDWork(std::make_unique<Logged<DataInterfaceRecord>>(
+                &log, "dwork" + s, new StoredDataInterfaceRecord())));
+            controls.push_back(b.addControlInputPort(std::make_unique<Logged<Port>>(&log, "control" + s)));
+            parameters.push_back(b.addParameter(
+                std::make_unique<Logged<Parameter>>(&log, "parameter" + s, new StoredParameter(L"p"))));
+            derivatives.push_back(b.addDerivative(std::make_unique<Logged<State>>(&log, "derivative" + s)));
+            discretes.push_back(b.addDiscreteState(std::make_unique<Logged<DataInterfaceRecord>>(
+                &log, "discrete" + s, new StoredDataInterfaceRecord())));
+            states.push_back(b.addContinuousState(std::make_unique<Logged<State>>(&log, "state" + s)));
+            inputs.push_back(b.addDataInputPort(std::make_unique<Logged<Port>>(&log, "input" + s)));
+            outputs.push_back(b.addDataOutputPort(std::make_unique<Logged<Port>>(&log, "output" + s)));
         }
         const auto same = [](const auto& list, const std::vector<const void*>& added) {
             return std::vector<const void*>(list.begin(), list.end()) == added;
@@ -198,6 +177,9 @@ TEST(StoredGraphicalBlock, ListsStartEmptyAndTheBlockDeletesTheirElementsInListO
         EXPECT_EQ(2, b.getNumDataOutputPorts());
 
         EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addControlInputPort(nullptr); }));
+        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDataInputPort(nullptr); }));
+        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addParameter(nullptr); }));
+        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDWork(nullptr); }));
         EXPECT_EQ(2u, b.getControlInputPorts().size()) << "a refused element leaves the list";
         EXPECT_TRUE(log.empty());
     }

@@ -3,16 +3,14 @@
 // work or answer with a diagnostic, and the model must still be destroyed
 // cleanly afterwards.
 
-#include <cmath>
-#include <cstdint>
 #include <gtest/gtest.h>
-#include <limits>
 #include <string>
 #include <typeinfo>
 #include <vector>
 
 #include "DiagnosticTesting.hpp"
 #include "EveryKindModel.hpp"
+#include "HostileValues.hpp"
 #include "PackageTesting.hpp"
 #include "TempDir.hpp"
 #include "korb/Client.hpp"
@@ -22,7 +20,6 @@
 #include "vel/mi/HandleClass.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 #include "velcg/PlexoModule.hpp"
-#include "velcg/VelCGFileSectionKind.hpp"
 
 using vel::mi::Handle;
 using vel::mi::HandleClass;
@@ -30,40 +27,16 @@ using vel::mi::HandleRef;
 
 namespace {
 
-// The every-kind model and repository, and the objects of them that scripts
-// reach, a plain block before the async-queue blocks that derive from it.
+// The every-kind model and repository.
 struct World {
     testing_support::EveryKindModel m;
     testing_support::EveryKindRepository r;
 
-    std::vector<Handle*> objects() {
-        std::vector<Handle*> out{
-            &m.model,         m.system,        m.cgType,    m.member,
-            m.group,          m.velType,       m.input,     m.model.getBlockHierarchyMap(),
-            m.root,           m.child,         m.block,     m.inport,
-            m.subsystemBlock, m.outport,       m.inner,     m.inPort,
-            m.outPort,        m.region,        m.parameter, m.state,
-            m.modelParameter, m.discreteState, m.dWork,     m.queue,
-            &r.repository,    &r.header,       &r.source,   &r.types,
-            &r.generic};
-        out.insert(out.end(), m.leaves.begin(), m.leaves.end());
-        for (VelCG::VelCGFileSectionKind kind :
-             {VelCG::TYPEDEFS_SECTION, VelCG::INCLUDES_SECTION, VelCG::FUNCTIONS_SECTION})
-            out.push_back(&r.header.getFileSection(kind));
-        return out;
-    }
+    std::vector<Handle*> objects() { return testing_support::everyObject(m, r); }
 };
 
-struct Hostile {
-    std::string label;
-    tuvArrayPtr value;
-};
-
-tuvArrayPtr cellOf(const std::vector<tuvArrayPtr>& items) {
-    auto cell = tuvArray::cell(1, items.size());
-    for (std::size_t i = 0; i < items.size(); ++i) cell->setCell(i, items[i]);
-    return cell;
-}
+using testing_support::cellOf;
+using Hostile = testing_support::HostileValue;
 
 // A value each parameter type accepts, so that a wrong value at one position
 // is converted even when the positions before it come first.
@@ -99,74 +72,11 @@ class HostileScript : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { PlexoInitialize_velcg(); }
 
-    // The object of world to walk for cls: one of exactly that class, or for
-    // an abstract class one deriving from it; null when world has none.
-    Handle* subjectOf(const HandleClass& cls, World& world) const {
-        const auto objects = world.objects();
-        for (Handle* h : objects)
-            if (&client.classOf(*h) == &cls) return h;
-        if (cls.isAbstract())
-            for (Handle* h : objects)
-                if (client.isA(*h, cls.getQualifiedName())) return h;
-        return nullptr;
-    }
-
-    // Every kind of host value a script can pass, most of them wrong for any
-    // member: each array class with edge and out-of-range values, empty and
-    // multi-element arrays, text with a NUL or a lone surrogate (text no
-    // encoding carries), cells, and handles of every object of this world,
-    // of another model's objects and of destroyed ones.
+    // The hostile values, and handles of every object of this world, of
+    // another model's objects and of destroyed ones.
     std::vector<Hostile> hostileValues(World& own, World& other, const std::vector<Hostile>& dead) const {
-        const double nan = std::numeric_limits<double>::quiet_NaN();
-        const double inf = std::numeric_limits<double>::infinity();
-        const auto text = [](std::u16string s) { return tuvArray::chars(std::move(s)); };
-        const std::u16string nul(u"a\0b", 3);
-        const std::u16string surrogate{u'a', static_cast<char16_t>(0xD800), u'b'};
-        const HandleRef live = own.m.block->makeRef();
-        std::vector<Hostile> values{
-            {"logical true", tuvArray::logical(true)},
-            {"logical false", tuvArray::logical(false)},
-            {"int32 -1", tuvArray::int32(-1)},
-            {"int32 min", tuvArray::int32(INT32_MIN)},
-            {"int32 max", tuvArray::int32(INT32_MAX)},
-            {"uint32 max", tuvArray::uint32(UINT32_MAX)},
-            {"int64 -1", tuvArray::int64(-1)},
-            {"int64 min", tuvArray::int64(INT64_MIN)},
-            {"int64 max", tuvArray::int64(INT64_MAX)},
-            {"int64 2^40", tuvArray::int64(std::int64_t{1} << 40)},
-            {"double NaN", tuvArray::float64(nan)},
-            {"double inf", tuvArray::float64(inf)},
-            {"double -inf", tuvArray::float64(-inf)},
-            {"double 0.5", tuvArray::float64(0.5)},
-            {"double -1", tuvArray::float64(-1)},
-            {"double 2^31", tuvArray::float64(2147483648.0)},
-            {"double 2^32", tuvArray::float64(4294967296.0)},
-            {"double 2^63", tuvArray::float64(9223372036854775808.0)},
-            {"double -1e300", tuvArray::float64(-1e300)},
-            {"empty", tuvArray::empty()},
-            {"empty double vector", tuvArray::doubleVector({})},
-            {"double vector", tuvArray::doubleVector({1, 2, 3})},
-            {"double vector NaN 1.5", tuvArray::doubleVector({nan, 1.5})},
-            {"int32 vector", tuvArray::int32Vector({-1, INT32_MAX})},
-            {"int64 vector", tuvArray::int64Vector({INT64_MIN, INT64_MAX})},
-            {"empty char", text(u"")},
-            {"char", text(u"abc")},
-            {"char with NUL", text(nul)},
-            {"char with lone surrogate", text(surrogate)},
-            {"long char", tuvArray::fromUtf8(std::string(1000, 'x'))},
-            {"empty cell", tuvArray::cell(0, 0)},
-            {"cell of text", cellOf({text(u"a"), text(u"")})},
-            {"cell with NUL text", cellOf({text(nul)})},
-            {"cell with lone surrogate", cellOf({text(surrogate)})},
-            {"cell of number", cellOf({tuvArray::int32(1)})},
-            {"cell of handle", cellOf({tuvArray::objects({live})})},
-            {"nested cell", cellOf({cellOf({text(u"a")})})},
-            {"empty handle array", tuvArray::objects({})},
-            {"null handle", tuvArray::objects({HandleRef()})},
-            {"two handles", tuvArray::objects({live, live})},
-            {"live and destroyed handle", tuvArray::objects({live, dead.front().value->handles().front()})},
-            {"foreign object", tuvArray::opaque("Foreign.Thing", nullptr)},
-        };
+        std::vector<Hostile> values =
+            testing_support::hostileValues(own.m.block->makeRef(), dead.front().value->handles().front());
         for (const auto& more : {objectValues(own, "own"), objectValues(other, "other model's"), dead})
             values.insert(values.end(), more.begin(), more.end());
         return values;
@@ -237,12 +147,13 @@ protected:
             std::vector<HandleRef> reached;
             {
                 World world;
-                Handle* subject = subjectOf(*cls, world);
-                if (!subject) {
+                const auto objects = world.objects();
+                const std::size_t i = testing_support::subjectOf(client, *cls, objects);
+                if (i == objects.size()) {
                     failures.push_back(cls->getQualifiedName() + ": no object of the class to walk");
                     continue;
                 }
-                Visit visit{*cls, subject->makeRef(), hostileValues(world, other, dead), failures, {}};
+                Visit visit{*cls, objects[i]->makeRef(), hostileValues(world, other, dead), failures, {}};
                 walk(visit);
                 reached = std::move(visit.reached);
                 for (Handle* h : world.objects()) reached.push_back(h->makeRef());
