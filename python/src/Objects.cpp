@@ -506,8 +506,8 @@ PythonClass& pythonClassFor(const vel::mi::HandleClass& cls) {
     PyType_Slot slots[] = {{Py_tp_doc, const_cast<char*>(cls.getDescription().c_str())},
                            {Py_tp_dealloc, reinterpret_cast<void*>(&objectDealloc)},
                            {0, nullptr}};
-    PyType_Spec spec = {python->typeName.c_str(), 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
-    PyObject* type = PyType_FromSpecWithBases(&spec, py::make_tuple(base).ptr());
+    PyType_Spec typeShape = {python->typeName.c_str(), 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
+    PyObject* type = PyType_FromSpecWithBases(&typeShape, py::make_tuple(base).ptr());
     if (!type) throw py::error_already_set();
     py::object owned = py::reinterpret_steal<py::object>(type);
     for (const auto& p : cls.getProperties()) {
@@ -713,9 +713,9 @@ that holds a native handle pointer.)";
                                   {Py_tp_methods, methods},
                                   {Py_tp_doc, const_cast<char*>(doc)},
                                   {0, nullptr}};
-    static PyType_Spec spec = {"velcg.Object", sizeof(ObjectInstance), 0,
-                               Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
-    PyObject* type = PyType_FromSpec(&spec);
+    static PyType_Spec typeShape = {"velcg.Object", sizeof(ObjectInstance), 0,
+                                    Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
+    PyObject* type = PyType_FromSpec(&typeShape);
     if (!type) throw py::error_already_set();
     return py::reinterpret_steal<py::object>(type);
 }

@@ -11,6 +11,7 @@
 #include "velcg/FileSection.hpp"
 #include "velcg/VelCGFile.hpp"
 #include "velcg/VelCGFileRepository.hpp"
+#include "velcg/WholeFile.hpp"
 
 namespace VelCG {
 
@@ -45,21 +46,8 @@ const char* readerOf(ValueType type) {
 
 const char* valueOf(ValueType type) { return type == ValueType::Boolean ? "true or false" : "a string"; }
 
-// The Scriv section names, in the order sections stand in a file.
-const std::vector<std::string>& sectionNames() {
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> out;
-        for (int k = BANNER_SECTION; k <= USERBOTTOM_SECTION; ++k) {
-            std::string name = getScrivSectionNameFromEnum(static_cast<VelCGFileSectionKind>(k));
-            if (!name.empty()) out.push_back(std::move(name));
-        }
-        return out;
-    }();
-    return names;
-}
-
 bool isSectionName(const std::string& name) {
-    const auto& names = sectionNames();
+    const auto& names = sectionNamesInFileOrder();
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
@@ -98,7 +86,8 @@ std::string unquotedList(const std::vector<std::string>& names) {
     std::vector<std::string> listed = candidates;
     if (use == Use::ReadString) {
         listed.push_back("the section names");
-        candidates.insert(candidates.end(), sectionNames().begin(), sectionNames().end());
+        candidates.insert(candidates.end(), sectionNamesInFileOrder().begin(),
+                          sectionNamesInFileOrder().end());
     }
     const char* kind = use == Use::ReadString         ? "readable string"
                        : use == Use::SetString        ? "settable string"
@@ -110,9 +99,9 @@ std::string unquotedList(const std::vector<std::string>& names) {
 }
 
 [[noreturn]] void unknownSection(const std::string& name) {
-    vel::diag::throwError(
-        "VelCG:FileRepScrivBridge:UnknownSection",
-        {name, names_detail::didYouMean(name, sectionNames(), '\''), unquotedList(sectionNames())});
+    vel::diag::throwError("VelCG:FileRepScrivBridge:UnknownSection",
+                          {name, names_detail::didYouMean(name, sectionNamesInFileOrder(), '\''),
+                           unquotedList(sectionNamesInFileOrder())});
 }
 
 void requireNonNull(const void* p, const char* what) {
@@ -281,7 +270,7 @@ void FileRepScrivBridge::addCustomSection(std::int32_t fileIndex, const std::str
     if (it == customSectionAdders_.end()) {
         // The host's message names the built-in section; the names it could
         // have been come as a warning of their own.
-        std::vector<std::string> builtins = sectionNames();
+        std::vector<std::string> builtins = sectionNamesInFileOrder();
         builtins.push_back("Types");
         vel::diag::warn("VelCG:FileRepScrivBridge:InvalidBuiltinSection",
                         {builtinSectionName, names_detail::didYouMean(builtinSectionName, builtins, '\''),
