@@ -15,7 +15,9 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "cli/ToolCli.hpp"
@@ -273,10 +275,27 @@ int generate(const Options& options, Progress& progress, const int& passStatus, 
     };
     progress.phase("loading " + options.model);
     const Clock::time_point start = Clock::now();
-    VelCG::ModelDescription description = VelCG::ModelDescription::load(options.model);
+    // The description loads on another core while the interpreter starts on
+    // this thread, which runs the template. A failure to start is the
+    // template run's to report.
+    std::optional<VelCG::ModelDescription> description;
+    std::exception_ptr loadFailure;
+    std::thread loader([&] {
+        try {
+            description.emplace(VelCG::ModelDescription::load(options.model));
+        } catch (...) {
+            loadFailure = std::current_exception();
+        }
+    });
+    try {
+        VelCG::PythonRuntime::start();
+    } catch (...) {
+    }
+    loader.join();
+    if (loadFailure) std::rethrow_exception(loadFailure);
     const Clock::time_point loaded = Clock::now();
     // Starts the first pass.
-    VelCG::Generation run(std::move(description), settings);
+    VelCG::Generation run(std::move(*description), settings);
     const Clock::time_point firstPass = Clock::now();
 
     progress.phase("running " + options.templatePath);

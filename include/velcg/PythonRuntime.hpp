@@ -77,6 +77,13 @@ public:
     static void runTemplateText(const std::string& source, const std::string& fileName,
                                 const Globals& globals);
 
+    // Starts the interpreter and loads the module velcg now rather than
+    // with the first template, so that a caller can overlap the start with
+    // work on other threads. Call it on the thread that runs the templates
+    // (the interpreter's main thread is the one that starts it). Does
+    // nothing once started; raises as runTemplate does when the interpreter
+    // cannot start or has been shut down.
+    static void start();
     static bool isRunning();
     // Releases the interpreter. Later templates raise "VelCG:Python:Finalized".
     static void shutdown();

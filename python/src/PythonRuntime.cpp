@@ -309,6 +309,13 @@ void PythonRuntime::runTemplateText(const std::string& source, const std::string
     run(source, fileName, std::string(), globals, nullptr);
 }
 
+void PythonRuntime::start() {
+    ensureStarted();
+    py::gil_scoped_acquire gil;
+    py::module_::import("velcg");
+    dependencyRecorder();
+}
+
 bool PythonRuntime::isRunning() {
     Interpreter& in = interpreter();
     std::lock_guard<std::mutex> lock(in.mutex);
