@@ -35,7 +35,10 @@ count() { # pattern log
 "${clean_env[@]}" cmake -S "$project" -B "$build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/configure.log" 2>&1 ||
   { fail "configure:"; cat "$work/configure.log"; }
 
-"${clean_env[@]}" ninja -C "$build" -t commands | grep -q -- "velcg-gen .* --strict" ||
+# Into a file first: under pipefail, grep -q quitting early would let ninja
+# die of SIGPIPE and fail the pipeline at random.
+"${clean_env[@]}" ninja -C "$build" -t commands >"$work/commands.txt"
+grep -q -- "velcg-gen .* --strict" "$work/commands.txt" ||
   fail "velcg_generate(... STRICT) does not run velcg-gen --strict"
 
 # 1. A clean build, and the programs it made.
