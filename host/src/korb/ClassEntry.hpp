@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <deque>
 #include <mutex>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -119,8 +119,9 @@ struct ClassEntry {
 
 // Class entries by type-name pointer: the slot a pointer hashes to holds
 // the last pointer found there with its entry. Read without a lock from any
-// thread; filled under a mutex (nodes are kept until the registry changes,
-// which happens on no other thread at the same time, and clears them).
+// thread; filled under a mutex. Each pointer has one node, kept until the
+// registry changes (which happens on no other thread at the same time), so
+// two pointers taking turns in one slot do not add nodes.
 class TypeNameCache {
 public:
     const ClassEntry* find(const char* typeName) const {
@@ -130,8 +131,8 @@ public:
 
     void remember(const char* typeName, const ClassEntry* entry) {
         std::lock_guard lock(mutex_);
-        slots_[slotOf(typeName)].store(&nodes_.emplace_back(Node{typeName, entry}),
-                                       std::memory_order_release);
+        const Node& node = nodes_.try_emplace(typeName, Node{typeName, entry}).first->second;
+        slots_[slotOf(typeName)].store(&node, std::memory_order_release);
     }
 
     void clear() {
@@ -154,7 +155,8 @@ private:
 
     std::array<std::atomic<const Node*>, kSlots> slots_{};
     std::mutex mutex_;
-    std::deque<Node> nodes_;
+    // Node addresses stay put while the map grows.
+    std::unordered_map<const char*, Node> nodes_;
 };
 
 } // namespace detail
