@@ -57,9 +57,8 @@ public:
     // a description cannot hold: a reference to a block, system or model
     // parameter the model does not own, text that is not valid Unicode, a
     // number that is not finite, an enumeration value without a name.
-    // Reads the model only, but asks for root group type names, which the
-    // model caches: like any reader of those, it must not run while a
-    // background serialization pass of the model runs.
+    // Reads the model only, so it may run beside a background serialization
+    // pass (the type names it asks for are cached safely from two threads).
     static std::string toText(const CGModel& model, const std::vector<ModelFileDescription>& files = {});
     // Writes toText to path, replacing the file only once the whole text is
     // written.
