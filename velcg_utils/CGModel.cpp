@@ -13,6 +13,7 @@
 
 #include <boost/thread/thread.hpp>
 
+#include "BackgroundSerialization.hpp"
 #include "OwnedList.hpp"
 #include "coder/Repository.hpp"
 #include "coder/descriptor/Model.hpp"
@@ -469,7 +470,9 @@ void CGModel::waitForBackgroundSerialization() {
     passes.finished.wait(lock, [&] { return passes.count.load(std::memory_order_acquire) == 0; });
 }
 
-const std::atomic<int>& CGModel::runningBackgroundPasses() { return runningPasses().count; }
+int CGModel::runningBackgroundPasses() { return runningPasses().count.load(std::memory_order_acquire); }
+
+const std::atomic<int>& detail::runningBackgroundPassCount() { return runningPasses().count; }
 
 void CGModel::recordTAQActualSources() {
     for (const ToAsyncQueueBlock* block : taqBlocks_) {
