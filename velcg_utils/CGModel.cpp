@@ -1,11 +1,8 @@
 #include "velcg/CGModel.hpp"
 
-#include <atomic>
 #include <cassert>
-#include <condition_variable>
 #include <cstdint>
 #include <filesystem>
-#include <mutex>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -54,30 +51,6 @@ std::filesystem::path codeDescriptorPath(const std::wstring& directory) {
     return std::filesystem::path(vel::i18n::toUtf8(directory)) / name;
 #endif
 }
-
-// The background passes running in this process, of any model. Never
-// destroyed: a pass may still end while static objects are destroyed.
-struct RunningPasses {
-    std::mutex mutex;
-    std::condition_variable finished;
-    std::atomic<int> count{0};
-
-    void end() {
-        {
-            const std::lock_guard<std::mutex> lock(mutex);
-            count.fetch_sub(1, std::memory_order_release);
-        }
-        finished.notify_all();
-    }
-};
-
-RunningPasses& runningPasses() {
-    static auto* passes = new RunningPasses();
-    return *passes;
-}
-
-// True on the thread of a background pass.
-thread_local bool onPassThread = false;
 
 // Reports the failure of a background pass that nobody is left to raise it to.
 void reportBackgroundFailure(const std::exception_ptr& error) noexcept {
@@ -348,36 +321,6 @@ bool CGModel::getIsCompactFilePackaging() const {
            filePackagingFormat_ == FilePackagingFormat::CompactWithDataFile;
 }
 
-void CGModel::serializeModel(const std::wstring& directory) {
-    // A mistyped switch is refused rather than read as the default.
-    VELFEAT_VelCGDirectEmitSerialize.checkOverride();
-    // Two passes never write at once, and no running thread is dropped.
-    joinSerializationThread();
-    if (VELFEAT_VelCGDirectEmitSerialize.value() >= 2) {
-        serializeModelImpl(directory);
-        return;
-    }
-    startSerializationThread(&CGModel::serializeModelImpl, directory);
-}
-
-void CGModel::serializeModelAfterScriv(const std::wstring& directory) {
-    VELFEAT_VelCGDirectEmitSerialize.checkOverride();
-    joinSerializationThread();
-    // After a failed first pass the description this pass would add to is
-    // missing, or stale from an earlier run.
-    if (serializationError_) std::rethrow_exception(std::exchange(serializationError_, nullptr));
-    if (VELFEAT_VelCGDirectEmitSerialize.value() >= 2) {
-        serializeModelAfterScrivImpl(directory);
-        return;
-    }
-    startSerializationThread(&CGModel::serializeModelAfterScrivImpl, directory);
-}
-
-void CGModel::finishSerialization() {
-    joinSerializationThread();
-    if (serializationError_) std::rethrow_exception(std::exchange(serializationError_, nullptr));
-}
-
 void CGModel::serializeModelImpl(const std::wstring& directory) {
     using vel::i18n::toUString;
     if (VELFEAT_VelCGDirectEmitSerialize.value() < 1) return;
@@ -425,51 +368,6 @@ void CGModel::serializeModelAfterScrivImpl(const std::wstring& directory) {
     transaction.commit();
     model.release();
 }
-
-void CGModel::waitForSerialization() noexcept {
-    try {
-        joinSerializationThread();
-    } catch (...) {
-        // Joining fails only on the pass's own thread, when the pass itself
-        // destroys the model; there is nothing to wait for then.
-    }
-}
-
-void CGModel::joinSerializationThread() {
-    if (!serializationThread_) return;
-    serializationThread_->join();
-    serializationThread_.reset();
-}
-
-void CGModel::startSerializationThread(void (CGModel::*pass)(const std::wstring&),
-                                       const std::wstring& directory) {
-    RunningPasses& passes = runningPasses();
-    passes.count.fetch_add(1, std::memory_order_relaxed);
-    try {
-        serializationThread_ = std::make_unique<boost::thread>([this, pass, directory, &passes] {
-            onPassThread = true;
-            try {
-                (this->*pass)(directory);
-            } catch (...) {
-                // Read only after the join, which orders it after this write.
-                if (!serializationError_) serializationError_ = std::current_exception();
-            }
-            passes.end();
-        });
-    } catch (...) {
-        passes.end();
-        throw;
-    }
-}
-
-void CGModel::waitForBackgroundSerialization() {
-    RunningPasses& passes = runningPasses();
-    if (onPassThread || passes.count.load(std::memory_order_acquire) == 0) return;
-    std::unique_lock<std::mutex> lock(passes.mutex);
-    passes.finished.wait(lock, [&] { return passes.count.load(std::memory_order_acquire) == 0; });
-}
-
-const std::atomic<int>& CGModel::runningBackgroundPasses() { return runningPasses().count; }
 
 void CGModel::recordTAQActualSources() {
     for (const ToAsyncQueueBlock* block : taqBlocks_) {

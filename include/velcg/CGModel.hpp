@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -267,7 +266,7 @@ public:
     // changes what the pass reads. Its reads go ahead beside the pass.
     static void waitForBackgroundSerialization();
     // How many background passes of any model run now.
-    static const std::atomic<int>& runningBackgroundPasses();
+    static int runningBackgroundPasses();
 
     // The first pass, once the model is complete: the model's name, version
     // and shared code manager path, the block hierarchy map, the async-queue

@@ -45,7 +45,10 @@ public:
     // generators hand it to their templates.
     std::string templateData;
 
-    // Reads the file at path; sourceName in messages is the path.
+    // Reads the file at path; sourceName in messages is the path. Here and
+    // in parse, toText and save, what is wrong with the input raises a
+    // "VelCG:ModelDescription:*" diagnostic; std::bad_alloc passes through
+    // as it is.
     static ModelDescription load(const std::string& path);
     // Reads a description from text; sourceName names it in messages.
     static ModelDescription parse(const std::string& text, const std::string& sourceName);

@@ -2,6 +2,7 @@
 #include <functional>
 #include <unordered_set>
 
+#include "BackgroundSerialization.hpp"
 #include "ClassBindings.hpp"
 #include "korb/ClassInfo.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -469,7 +470,7 @@ void appendModelClasses(ClassList& classes) {
     // const.
     for (std::size_t i = first; i < classes.size(); ++i)
         classes[i]->setAccessGuard(
-            {&CGModel::runningBackgroundPasses(), &CGModel::waitForBackgroundSerialization, true});
+            {&detail::runningBackgroundPassCount(), &CGModel::waitForBackgroundSerialization, true});
 }
 
 } // namespace VelCG::binding

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <new>
 
 #include "description/DescriptionReader.hpp"
 #include "description/DescriptionWriter.hpp"
@@ -140,6 +141,9 @@ ModelDescription readText(PaddedText text, const std::string& sourceName) {
         if (isOurs(e)) throw;
         // The library refused something the checks let through.
         raise(key::kInvalidValue, {sourceName, kWholeDocument, e.diagnostic().message()});
+    } catch (const std::bad_alloc&) {
+        // Memory ran out: nothing is wrong with the document.
+        throw;
     } catch (const std::exception& e) {
         raise(key::kInvalidValue, {sourceName, kWholeDocument, e.what()});
     }
@@ -208,6 +212,9 @@ std::string ModelDescription::toText(const CGModel& model, const std::vector<Mod
     } catch (const vel::diag::Exception& e) {
         if (isOurs(e)) throw;
         raise(key::kNotDescribable, {kWholeDocument, e.diagnostic().message()});
+    } catch (const std::bad_alloc&) {
+        // Memory ran out: nothing is wrong with the model.
+        throw;
     } catch (const std::exception& e) {
         raise(key::kNotDescribable, {kWholeDocument, e.what()});
     }

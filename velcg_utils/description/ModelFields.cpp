@@ -590,9 +590,11 @@ std::vector<ChildSource> childSources(DescriptionWriter& w, const ChildCoderGrou
     return sources;
 }
 
+using ModelTable = FieldTable<StoredCGModel, const CGModel>;
+
 // A list of data-interface records of the model.
 template <class Get, class Add>
-void addRecordList(FieldTable<StoredCGModel, const CGModel>& t, const char* key, Get get, Add add) {
+void addRecordList(ModelTable& t, const char* key, Get get, Add add) {
     t.list(
         key, get,
         [](DescriptionWriter& w, const DataInterfaceRecord* record, const Place& p) {
@@ -608,253 +610,332 @@ void addRecordList(FieldTable<StoredCGModel, const CGModel>& t, const char* key,
         });
 }
 
+// The model's own attributes: its names and versions, build attributes,
+// C++ configuration and string map.
+void addModelAttributes(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.wide("name", &M::getName, &S::setName)
+        .wide("version", &M::getVersion, &S::setVersion)
+        .wide("kordelCoderVersion", &M::getKordelCoderVersion, &S::setKordelCoderVersion)
+        .wide("kordelVersion", &M::getKordelVersion, &S::setKordelVersion)
+        .text("subsystemNameForRightClickBuild", &M::getSubsystemNameForRightClickBuild,
+              &M::setSubsystemNameForRightClickBuild)
+        .text("subsystemPathForRightClickBuild", &M::getSubsystemPathForRightClickBuild,
+              &M::setSubsystemPathForRightClickBuild)
+        .text("modelReferenceTargetType", &M::getModelReferenceTargetType, &M::setModelReferenceTargetType)
+        .uint32("numChildSFunctions", &M::getNumChildSFunctions, &M::setNumChildSFunctions)
+        .enumeration("filePackagingFormat", packagingNames(), &M::getFilePackagingFormat,
+                     &M::setFilePackagingFormat)
+        .boolean("isQuayTarget", &M::getIsQuayTarget, &M::setIsQuayTarget)
+        .boolean("isGeneratingToSharedLocation", &M::getIsGeneratingTosharedLocation,
+                 &M::setIsGeneratingToSharedLocation)
+        .int32("maxMultiWordBits", &M::getMaxMultiWordBits, &M::setMaxMultiWordBits)
+        .boolean("isModelReferenceTarget", &M::getIsModelReferenceTarget, &M::setIsModelReferenceTarget)
+        .int32("numModelReferenceBlocks", &M::getNumModelReferenceBlocks, &M::setNumModelReferenceBlocks)
+        .boolean("isHostBasedSimulationTarget", &M::getIsHostBasedSimulationTarget,
+                 &M::setIsHostBasedSimulationTarget)
+        .wide("sharedCodeManagerPath", &M::getSharedCodeManagerPath, &M::setSharedCodeManagerPath)
+        .field(
+            "cppConfig",
+            [](DescriptionWriter& w, const M& model, const Place& p) {
+                const CGModelCPPConfig defaults;
+                return cppConfigFields().write(w, model.getCPPConfig(), defaults, p);
+            },
+            [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+                cppConfigFields().read(r, v, p, model.getCPPConfig());
+            })
+        .field(
+            "stringMap",
+            // Absent for no map, an empty list for an empty one.
+            [](DescriptionWriter& w, const M& model, const Place& p) {
+                const auto map = model.getStringMap();
+                if (!map) return Json();
+                Json out = Json::array();
+                const StringPair none;
+                for (std::size_t i = 0; i < map->size(); ++i)
+                    out.push_back(stringPairFields().write(w, (*map)[i], none, p / i));
+                return out;
+            },
+            [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+                const JsonArray entries = r.array(v, p);
+                auto map = boost::make_shared<CGModel::StringMap>();
+                map->reserve(sizeOf(entries));
+                for (const JsonValue element : entries) {
+                    StringPair entry;
+                    stringPairFields().read(r, element, p / map->size(), entry);
+                    map->push_back(std::move(entry));
+                }
+                model.setStringMap(map);
+            });
+}
+
+// "systems", with the functions each one owns.
+void addSystems(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.field(
+        "systems",
+        [](DescriptionWriter& w, const M& model, const Place& p) {
+            const auto& systems = model.getSystems();
+            std::map<std::string, const System*> functions(model.getFunctionSystems().begin(),
+                                                           model.getFunctionSystems().end());
+            for (const auto& [name, system] : functions)
+                if (std::find(systems.begin(), systems.end(), system) == systems.end())
+                    w.fail(p, "the function \"" + name + "\" belongs to a system that is not in the list");
+            Json out = Json::array();
+            for (std::size_t i = 0; i < systems.size(); ++i) {
+                const StoredSystem defaults;
+                out.push_back(systemFields().write(w, *systems[i], defaults, p / i));
+            }
+            return out;
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            std::size_t i = 0;
+            for (const JsonValue element : r.array(v, p)) {
+                auto system = std::make_unique<StoredSystem>();
+                StoredSystem& added = *system;
+                model.addSystem(std::move(system));
+                systemFields().read(r, element, p / i++, added);
+            }
+        });
+}
+
+void addVelTypes(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.list(
+        "velTypes", &M::getVelTypes,
+        [](DescriptionWriter& w, const VelType* type, const Place& p) {
+            const StoredVelType defaults;
+            return velTypeFields().write(w, *type, defaults, p);
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            auto type = std::make_unique<StoredVelType>();
+            velTypeFields().read(r, v, p, *type);
+            model.addVelType(std::move(type));
+        });
+}
+
+void addCGTypes(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.list(
+        "cgTypes", &M::getVelCGTypes,
+        [](DescriptionWriter& w, const VelCGType* type, const Place& p) {
+            const VelCGType defaults;
+            return cgTypeFields().write(w, *type, defaults, p);
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            auto type = std::make_unique<VelCGType>();
+            cgTypeFields().read(r, v, p, *type);
+            model.addVelCGType(std::move(type));
+        });
+}
+
+void addVarGroups(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.list(
+        "varGroups", &M::getVarGroups,
+        [](DescriptionWriter& w, const VarGroup* group, const Place& p) {
+            const VarGroup defaults;
+            return varGroupFields().write(w, *group, defaults, p);
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            auto group = std::make_unique<VarGroup>();
+            varGroupFields().read(r, v, p, *group);
+            model.addVarGroup(std::move(group));
+        });
+}
+
+void addExternalInputs(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.list(
+        "externalInputs", [](const M& model) -> const auto& { return model.getExternalInputs(); },
+        [](DescriptionWriter& w, const ExternalInput* input, const Place& p) {
+            const ExternalInput defaults;
+            return externalInputFields().write(w, *input, defaults, p);
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            auto input = std::make_unique<ExternalInput>();
+            externalInputFields().read(r, v, p, *input);
+            model.addExternalInput(std::move(input));
+        });
+}
+
+void addModelParameters(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.list(
+        "modelParameters", &M::getModelParameters,
+        [](DescriptionWriter& w, const ModelParameter* parameter, const Place& p) {
+            const StoredModelParameter defaults;
+            return modelParameterFields().write(w, *parameter->getImpl(), defaults, p);
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            auto impl = std::make_unique<StoredModelParameter>();
+            modelParameterFields().read(r, v, p, *impl);
+            model.addModelParameter(
+                std::unique_ptr<ModelParameter>(r.factory().createModelParameter(impl.release())));
+        });
+}
+
+// The lists of data-interface records.
+void addRecordLists(ModelTable& t) {
+    using M = CGModel;
+    addRecordList(t, "globalBlockOutputs", &M::getGlobalBlockOutputs, &M::addGlobalBlockOutput);
+    addRecordList(t, "constantBlockOutputs", &M::getConstantBlockOutputs, &M::addConstantBlockOutput);
+    addRecordList(
+        t, "externalBlockOutputs", [](const M& m) -> const auto& { return m.getExternalBlockOutputs(); },
+        &M::addExternalBlockOutput);
+    addRecordList(
+        t, "dWorks", [](const M& m) -> const auto& { return m.getDWorks(); }, &M::addDWork);
+    addRecordList(
+        t, "externalInputInterfaces",
+        [](const M& m) -> const auto& { return m.getExternalInputInterfaces(); },
+        &M::addExternalInputDataInterface);
+    addRecordList(
+        t, "externalOutputInterfaces",
+        [](const M& m) -> const auto& { return m.getExternalOutputInterfaces(); },
+        &M::addExternalOutputDataInterface);
+}
+
+// "hierarchy", the block hierarchy map.
+void addHierarchy(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.field(
+        "hierarchy",
+        [](DescriptionWriter& w, const M& model, const Place& p) {
+            const BlockHierarchyMap defaults;
+            return hierarchyFields().write(w, *model.getBlockHierarchyMap(), defaults, p);
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            hierarchyFields().read(r, v, p, *model.getBlockHierarchyMap());
+        });
+}
+
+void addQueueBlocks(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.list(
+        "taqBlocks", &M::getTAQBlocks,
+        [](DescriptionWriter& w, ToAsyncQueueBlock* queue, const Place& p) {
+            auto defaults = newQueueBlock(nullptr);
+            return queueBlockFields().write(w, *queue, *defaults, p);
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            auto queue = newQueueBlock(&model);
+            queueBlockFields().read(r, v, p, *queue);
+            model.addTAQBlock(std::move(queue));
+        });
+}
+
+void addCoderDataGroups(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.field(
+        "coderDataGroups",
+        [](DescriptionWriter& w, const M& model, const Place& p) {
+            Json out = Json::array();
+            for (std::size_t i = 0; i < model.getNumCoderDataGroups(); ++i)
+                out.push_back(writeCoderGroup(w, *model.getCoderDataGroup(i), p / i));
+            return out;
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            std::size_t i = 0;
+            for (const JsonValue element : r.array(v, p)) {
+                const Place entry = p / i++;
+                const std::string name = readGroupName(r, element, entry);
+                if (const CoderDataGroup* earlier = model.getCoderDataGroup(name))
+                    r.invalid(entry / "name",
+                              "the model already has a group named \"" + name + "\" at " +
+                                  (p / static_cast<std::size_t>(earlier->getGroupIndex())).pointer());
+                auto group = std::make_unique<StoredCoderDataGroup>(name, &model);
+                coderGroupFields().read(r, element, entry, *group);
+                model.appendCoderDataGroup(std::move(group));
+            }
+        });
+}
+
+// "ioMap", the function-prototype I/O map.
+void addIOMap(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.field(
+        "ioMap",
+        // In ascending order of input port, so that a map gives one text.
+        [](DescriptionWriter& w, const M& model, const Place& p) {
+            const auto& pairs = model.getFPCIOMap().getPairs();
+            const std::map<int, int> sorted(pairs.begin(), pairs.end());
+            Json out = Json::array();
+            const PortPair none;
+            for (const auto& pair : sorted)
+                out.push_back(ioPairFields().write(w, pair, none, p / out.size()));
+            return out;
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            std::map<int, std::string> inputs;
+            std::size_t i = 0;
+            for (const JsonValue element : r.array(v, p)) {
+                const Place entry = p / i++;
+                PortPair pair;
+                ioPairFields().read(r, element, entry, pair);
+                auto [it, added] = inputs.emplace(pair.first, entry.pointer());
+                if (!added)
+                    r.invalid(entry / "inputPort", "the input port " + std::to_string(pair.first) +
+                                                       " is already paired at " + it->second);
+                model.setOverwritableIOPair(pair.first, pair.second);
+            }
+        });
+}
+
+void addChildCoderGroups(ModelTable& t) {
+    using S = StoredCGModel;
+    using M = CGModel;
+    t.field(
+        "childCoderGroups",
+        [](DescriptionWriter& w, const M& model, const Place& p) {
+            Json out = Json::array();
+            const std::vector<ChildSource> sources = childSources(w, model.getChildCoderGroupManager(), p);
+            const ChildSource none;
+            for (std::size_t i = 0; i < sources.size(); ++i)
+                out.push_back(childEntryFields().write(w, sources[i], none, p / i));
+            return out;
+        },
+        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
+            std::map<std::string, std::string> childModels;
+            std::size_t i = 0;
+            for (const JsonValue element : r.array(v, p)) {
+                ChildTarget target;
+                target.manager = &model.getChildCoderGroupManager();
+                target.childModels = &childModels;
+                childEntryFields().read(r, element, p / i++, target);
+            }
+        });
+}
+
 } // namespace
 
 const FieldTable<StoredCGModel, const CGModel>& modelFields() {
-    using S = StoredCGModel;
-    using M = CGModel;
     static const auto table = [] {
-        FieldTable<S, const M> t;
-        t.wide("name", &M::getName, &S::setName)
-            .wide("version", &M::getVersion, &S::setVersion)
-            .wide("kordelCoderVersion", &M::getKordelCoderVersion, &S::setKordelCoderVersion)
-            .wide("kordelVersion", &M::getKordelVersion, &S::setKordelVersion)
-            .text("subsystemNameForRightClickBuild", &M::getSubsystemNameForRightClickBuild,
-                  &M::setSubsystemNameForRightClickBuild)
-            .text("subsystemPathForRightClickBuild", &M::getSubsystemPathForRightClickBuild,
-                  &M::setSubsystemPathForRightClickBuild)
-            .text("modelReferenceTargetType", &M::getModelReferenceTargetType,
-                  &M::setModelReferenceTargetType)
-            .uint32("numChildSFunctions", &M::getNumChildSFunctions, &M::setNumChildSFunctions)
-            .enumeration("filePackagingFormat", packagingNames(), &M::getFilePackagingFormat,
-                         &M::setFilePackagingFormat)
-            .boolean("isQuayTarget", &M::getIsQuayTarget, &M::setIsQuayTarget)
-            .boolean("isGeneratingToSharedLocation", &M::getIsGeneratingTosharedLocation,
-                     &M::setIsGeneratingToSharedLocation)
-            .int32("maxMultiWordBits", &M::getMaxMultiWordBits, &M::setMaxMultiWordBits)
-            .boolean("isModelReferenceTarget", &M::getIsModelReferenceTarget, &M::setIsModelReferenceTarget)
-            .int32("numModelReferenceBlocks", &M::getNumModelReferenceBlocks, &M::setNumModelReferenceBlocks)
-            .boolean("isHostBasedSimulationTarget", &M::getIsHostBasedSimulationTarget,
-                     &M::setIsHostBasedSimulationTarget)
-            .wide("sharedCodeManagerPath", &M::getSharedCodeManagerPath, &M::setSharedCodeManagerPath)
-            .field(
-                "cppConfig",
-                [](DescriptionWriter& w, const M& model, const Place& p) {
-                    const CGModelCPPConfig defaults;
-                    return cppConfigFields().write(w, model.getCPPConfig(), defaults, p);
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    cppConfigFields().read(r, v, p, model.getCPPConfig());
-                })
-            .field(
-                "stringMap",
-                // Absent for no map, an empty list for an empty one.
-                [](DescriptionWriter& w, const M& model, const Place& p) {
-                    const auto map = model.getStringMap();
-                    if (!map) return Json();
-                    Json out = Json::array();
-                    const StringPair none;
-                    for (std::size_t i = 0; i < map->size(); ++i)
-                        out.push_back(stringPairFields().write(w, (*map)[i], none, p / i));
-                    return out;
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    const JsonArray entries = r.array(v, p);
-                    auto map = boost::make_shared<CGModel::StringMap>();
-                    map->reserve(sizeOf(entries));
-                    for (const JsonValue element : entries) {
-                        StringPair entry;
-                        stringPairFields().read(r, element, p / map->size(), entry);
-                        map->push_back(std::move(entry));
-                    }
-                    model.setStringMap(map);
-                })
-            .field(
-                "systems",
-                [](DescriptionWriter& w, const M& model, const Place& p) {
-                    const auto& systems = model.getSystems();
-                    std::map<std::string, const System*> functions(model.getFunctionSystems().begin(),
-                                                                   model.getFunctionSystems().end());
-                    for (const auto& [name, system] : functions)
-                        if (std::find(systems.begin(), systems.end(), system) == systems.end())
-                            w.fail(p, "the function \"" + name +
-                                          "\" belongs to a system that is not in the list");
-                    Json out = Json::array();
-                    for (std::size_t i = 0; i < systems.size(); ++i) {
-                        const StoredSystem defaults;
-                        out.push_back(systemFields().write(w, *systems[i], defaults, p / i));
-                    }
-                    return out;
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    std::size_t i = 0;
-                    for (const JsonValue element : r.array(v, p)) {
-                        auto system = std::make_unique<StoredSystem>();
-                        StoredSystem& added = *system;
-                        model.addSystem(std::move(system));
-                        systemFields().read(r, element, p / i++, added);
-                    }
-                })
-            .list(
-                "velTypes", &M::getVelTypes,
-                [](DescriptionWriter& w, const VelType* type, const Place& p) {
-                    const StoredVelType defaults;
-                    return velTypeFields().write(w, *type, defaults, p);
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    auto type = std::make_unique<StoredVelType>();
-                    velTypeFields().read(r, v, p, *type);
-                    model.addVelType(std::move(type));
-                })
-            .list(
-                "cgTypes", &M::getVelCGTypes,
-                [](DescriptionWriter& w, const VelCGType* type, const Place& p) {
-                    const VelCGType defaults;
-                    return cgTypeFields().write(w, *type, defaults, p);
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    auto type = std::make_unique<VelCGType>();
-                    cgTypeFields().read(r, v, p, *type);
-                    model.addVelCGType(std::move(type));
-                })
-            .list(
-                "varGroups", &M::getVarGroups,
-                [](DescriptionWriter& w, const VarGroup* group, const Place& p) {
-                    const VarGroup defaults;
-                    return varGroupFields().write(w, *group, defaults, p);
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    auto group = std::make_unique<VarGroup>();
-                    varGroupFields().read(r, v, p, *group);
-                    model.addVarGroup(std::move(group));
-                })
-            .list(
-                "externalInputs", [](const M& model) -> const auto& { return model.getExternalInputs(); },
-                [](DescriptionWriter& w, const ExternalInput* input, const Place& p) {
-                    const ExternalInput defaults;
-                    return externalInputFields().write(w, *input, defaults, p);
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    auto input = std::make_unique<ExternalInput>();
-                    externalInputFields().read(r, v, p, *input);
-                    model.addExternalInput(std::move(input));
-                })
-            .list(
-                "modelParameters", &M::getModelParameters,
-                [](DescriptionWriter& w, const ModelParameter* parameter, const Place& p) {
-                    const StoredModelParameter defaults;
-                    return modelParameterFields().write(w, *parameter->getImpl(), defaults, p);
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    auto impl = std::make_unique<StoredModelParameter>();
-                    modelParameterFields().read(r, v, p, *impl);
-                    model.addModelParameter(
-                        std::unique_ptr<ModelParameter>(r.factory().createModelParameter(impl.release())));
-                });
-        addRecordList(t, "globalBlockOutputs", &M::getGlobalBlockOutputs, &M::addGlobalBlockOutput);
-        addRecordList(t, "constantBlockOutputs", &M::getConstantBlockOutputs, &M::addConstantBlockOutput);
-        addRecordList(
-            t, "externalBlockOutputs", [](const M& m) -> const auto& { return m.getExternalBlockOutputs(); },
-            &M::addExternalBlockOutput);
-        addRecordList(
-            t, "dWorks", [](const M& m) -> const auto& { return m.getDWorks(); }, &M::addDWork);
-        addRecordList(
-            t, "externalInputInterfaces",
-            [](const M& m) -> const auto& { return m.getExternalInputInterfaces(); },
-            &M::addExternalInputDataInterface);
-        addRecordList(
-            t, "externalOutputInterfaces",
-            [](const M& m) -> const auto& { return m.getExternalOutputInterfaces(); },
-            &M::addExternalOutputDataInterface);
-        t.field(
-             "hierarchy",
-             [](DescriptionWriter& w, const M& model, const Place& p) {
-                 const BlockHierarchyMap defaults;
-                 return hierarchyFields().write(w, *model.getBlockHierarchyMap(), defaults, p);
-             },
-             [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                 hierarchyFields().read(r, v, p, *model.getBlockHierarchyMap());
-             })
-            .list(
-                "taqBlocks", &M::getTAQBlocks,
-                [](DescriptionWriter& w, ToAsyncQueueBlock* queue, const Place& p) {
-                    auto defaults = newQueueBlock(nullptr);
-                    return queueBlockFields().write(w, *queue, *defaults, p);
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    auto queue = newQueueBlock(&model);
-                    queueBlockFields().read(r, v, p, *queue);
-                    model.addTAQBlock(std::move(queue));
-                })
-            .field(
-                "coderDataGroups",
-                [](DescriptionWriter& w, const M& model, const Place& p) {
-                    Json out = Json::array();
-                    for (std::size_t i = 0; i < model.getNumCoderDataGroups(); ++i)
-                        out.push_back(writeCoderGroup(w, *model.getCoderDataGroup(i), p / i));
-                    return out;
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    std::size_t i = 0;
-                    for (const JsonValue element : r.array(v, p)) {
-                        const Place entry = p / i++;
-                        const std::string name = readGroupName(r, element, entry);
-                        if (const CoderDataGroup* earlier = model.getCoderDataGroup(name))
-                            r.invalid(entry / "name",
-                                      "the model already has a group named \"" + name + "\" at " +
-                                          (p / static_cast<std::size_t>(earlier->getGroupIndex())).pointer());
-                        auto group = std::make_unique<StoredCoderDataGroup>(name, &model);
-                        coderGroupFields().read(r, element, entry, *group);
-                        model.appendCoderDataGroup(std::move(group));
-                    }
-                })
-            .field(
-                "ioMap",
-                // In ascending order of input port, so that a map gives one text.
-                [](DescriptionWriter& w, const M& model, const Place& p) {
-                    const auto& pairs = model.getFPCIOMap().getPairs();
-                    const std::map<int, int> sorted(pairs.begin(), pairs.end());
-                    Json out = Json::array();
-                    const PortPair none;
-                    for (const auto& pair : sorted)
-                        out.push_back(ioPairFields().write(w, pair, none, p / out.size()));
-                    return out;
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    std::map<int, std::string> inputs;
-                    std::size_t i = 0;
-                    for (const JsonValue element : r.array(v, p)) {
-                        const Place entry = p / i++;
-                        PortPair pair;
-                        ioPairFields().read(r, element, entry, pair);
-                        auto [it, added] = inputs.emplace(pair.first, entry.pointer());
-                        if (!added)
-                            r.invalid(entry / "inputPort", "the input port " + std::to_string(pair.first) +
-                                                               " is already paired at " + it->second);
-                        model.setOverwritableIOPair(pair.first, pair.second);
-                    }
-                })
-            .field(
-                "childCoderGroups",
-                [](DescriptionWriter& w, const M& model, const Place& p) {
-                    Json out = Json::array();
-                    const std::vector<ChildSource> sources =
-                        childSources(w, model.getChildCoderGroupManager(), p);
-                    const ChildSource none;
-                    for (std::size_t i = 0; i < sources.size(); ++i)
-                        out.push_back(childEntryFields().write(w, sources[i], none, p / i));
-                    return out;
-                },
-                [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-                    std::map<std::string, std::string> childModels;
-                    std::size_t i = 0;
-                    for (const JsonValue element : r.array(v, p)) {
-                        ChildTarget target;
-                        target.manager = &model.getChildCoderGroupManager();
-                        target.childModels = &childModels;
-                        childEntryFields().read(r, element, p / i++, target);
-                    }
-                });
+        ModelTable t;
+        // In the order a description lists them.
+        addModelAttributes(t);
+        addSystems(t);
+        addVelTypes(t);
+        addCGTypes(t);
+        addVarGroups(t);
+        addExternalInputs(t);
+        addModelParameters(t);
+        addRecordLists(t);
+        addHierarchy(t);
+        addQueueBlocks(t);
+        addCoderDataGroups(t);
+        addIOMap(t);
+        addChildCoderGroups(t);
         return t;
     }();
     return table;

@@ -24,7 +24,7 @@ class RepositoryHelper;
 
 // A code descriptor store: one SQLite file holding the description of one
 // model (see coder/descriptor/*). The file format is described at the top
-// of host/src/coder/Store.cpp.
+// of host/src/coder/StoreSchema.cpp.
 //
 // Opening validates the file before anything is written to it: a file that
 // is not a store (not SQLite, another application's database, a truncated

@@ -10,7 +10,7 @@
 //
 // An entry's place in the list is its index in kind().fields or
 // kind().sequences, and so the place of its column: changing a list changes
-// the file format, which Store.cpp checks when it is compiled.
+// the file format, which StoreSchema.cpp checks when it is compiled.
 
 #include <cstddef>
 #include <cstdint>

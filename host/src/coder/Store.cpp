@@ -1,62 +1,3 @@
-// The code descriptor file format.
-//
-// A store is an SQLite 3 database file (conventionally named
-// "codedescriptor.strata") that identifies itself with
-// PRAGMA application_id = 0x56434744 ("VCGD") and carries its format version
-// in PRAGMA user_version (this is version 2). A reader refuses a file whose
-// application id differs, and a file whose version is newer than its own;
-// it never writes to either. Version 1 lacked the table "UnfinishedRun"
-// (below): a reader reads such a file as it is, and the first transaction
-// written to it adds the table and sets version 2.
-//
-// Each record kind (coder::descriptor::recordKinds(), in this order: Model,
-// System, BlockHierarchyMap, GraphicalSystem, GraphicalBlock, Port, Region,
-// State, BlockParameter, ModelParameter, DataInterface, ToAsyncQueueBlock,
-// ExternalInput, IOMap, CoderGroup) is a STRICT table named after the kind:
-//
-//   CREATE TABLE "Port" (
-//     id INTEGER PRIMARY KEY,                        -- the record's key
-//     "GraphicalName" TEXT NOT NULL DEFAULT '',      -- one column per field
-//     "Connected" INTEGER NOT NULL DEFAULT 0 CHECK ("Connected" IN (0, 1)),
-//     "GraphicalSource" INTEGER REFERENCES "Port"(id), -- a reference, or NULL
-//     ...);
-//
-// Texts are UTF-8, booleans 0 or 1, integers carry a CHECK of their C++
-// range, reals are REAL. Optional fields (GraphicalSystem.SubsystemType,
-// GraphicalBlock.ParentSystemSID, ModelParameter.GraphicalSourceSID) and
-// references are NULL while unset.
-//
-// Each sequence of a kind is a table "<Kind>_<Sequence>" holding one row per
-// element, keyed by its owner and its position (0, 1, 2, ... in append
-// order):
-//
-//   CREATE TABLE "GraphicalBlock_DataInputPorts" (
-//     owner INTEGER NOT NULL REFERENCES "GraphicalBlock"(id),
-//     position INTEGER NOT NULL,
-//     element INTEGER NOT NULL REFERENCES "Port"(id),   -- or: value INTEGER / TEXT
-//     PRIMARY KEY (owner, position)) STRICT, WITHOUT ROWID;
-//
-// Lists of integers (dimensions, enumeration values, port indices) and of
-// texts (enumeration labels, SIDs) hold the value itself in a "value"
-// column. The store holds one model: the first row of "Model" is the root
-// of the description, and writing a new model deletes every row first.
-//
-// One more table, not a record kind, names the run that stored the model
-// and means to add to it in a later transaction (Repository::
-// setUnfinishedRun); it holds no row otherwise:
-//
-//   CREATE TABLE "UnfinishedRun" (
-//     id INTEGER PRIMARY KEY CHECK (id = 1), token TEXT NOT NULL) STRICT;
-//
-// Foreign keys are declared for readers and checked by
-// Repository::checkIntegrity (PRAGMA foreign_key_check); the writer does not
-// enforce them per statement, since every id it writes comes from a record
-// of the same store. Writes use SQLite's rollback journal, so a process that
-// dies inside a transaction leaves the file as it was at the last commit,
-// plus a hot journal ("<file>-journal" with a non-zero header) that the next
-// connection allowed to write rolls back when it first reads. A reader
-// opened for reading only does that through a connection of its own (see
-// Store::firstRead).
 #include "Store.hpp"
 
 #include <SQLiteCpp/Database.h>
@@ -69,103 +10,12 @@
 
 #include <sqlite3.h>
 
-#include "RecordDefinition.hpp"
-#include "coder/descriptor/Descriptors.hpp"
+#include "StoreSql.hpp"
+#include "StoreStatements.hpp"
+#include "coder/Repository.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace coder {
-
-// Every record kind with its list of fields and sequences, in the order its
-// tables are created.
-#define CODER_DESCRIPTOR_KINDS(KIND)                               \
-    KIND(Model, CODER_DESCRIPTOR_MODEL)                            \
-    KIND(System, CODER_DESCRIPTOR_SYSTEM)                          \
-    KIND(BlockHierarchyMap, CODER_DESCRIPTOR_BLOCK_HIERARCHY_MAP)  \
-    KIND(GraphicalSystem, CODER_DESCRIPTOR_GRAPHICAL_SYSTEM)       \
-    KIND(GraphicalBlock, CODER_DESCRIPTOR_GRAPHICAL_BLOCK)         \
-    KIND(Port, CODER_DESCRIPTOR_PORT)                              \
-    KIND(Region, CODER_DESCRIPTOR_REGION)                          \
-    KIND(State, CODER_DESCRIPTOR_STATE)                            \
-    KIND(BlockParameter, CODER_DESCRIPTOR_BLOCK_PARAMETER)         \
-    KIND(ModelParameter, CODER_DESCRIPTOR_MODEL_PARAMETER)         \
-    KIND(DataInterface, CODER_DESCRIPTOR_DATA_INTERFACE)           \
-    KIND(ToAsyncQueueBlock, CODER_DESCRIPTOR_TO_ASYNC_QUEUE_BLOCK) \
-    KIND(ExternalInput, CODER_DESCRIPTOR_EXTERNAL_INPUT)           \
-    KIND(IOMap, CODER_DESCRIPTOR_IO_MAP)                           \
-    KIND(CoderGroup, CODER_DESCRIPTOR_CODER_GROUP)
-
-namespace descriptor {
-
-const std::vector<const RecordKind*>& recordKinds() {
-#define CODER_DESCRIPTOR_KIND_ADDRESS(Kind, LIST) &Kind::kind(),
-    static const std::vector<const RecordKind*> kinds = {
-        CODER_DESCRIPTOR_KINDS(CODER_DESCRIPTOR_KIND_ADDRESS)};
-#undef CODER_DESCRIPTOR_KIND_ADDRESS
-    return kinds;
-}
-
-namespace {
-
-// A digest (64-bit FNV-1a) of the tables that the record lists describe:
-// each kind's name, then each column's name, type, range and whether it may
-// be NULL, each reference's target and each sequence's element. The file
-// format follows from the lists, but its version number does not; the
-// static_assert below keeps the two together.
-class SchemaDigest {
-public:
-    constexpr void add(const char* text) {
-        for (; *text; ++text) mix(static_cast<unsigned char>(*text));
-        mix(0xff); // ends the text
-    }
-    constexpr void add(std::int64_t number) {
-        for (int byte = 0; byte < 8; ++byte) mix((static_cast<std::uint64_t>(number) >> (8 * byte)) & 0xff);
-    }
-    constexpr void column(const FieldInfo& field) {
-        add(field.name);
-        add(static_cast<std::int64_t>(field.type));
-        add(std::int64_t{field.optional});
-        add(field.min);
-        add(field.max);
-    }
-    constexpr void named(const char* what, const char* name, const char* target) {
-        add(what);
-        add(name);
-        add(target);
-    }
-    constexpr std::uint64_t value() const { return value_; }
-
-private:
-    constexpr void mix(std::uint64_t byte) { value_ = (value_ ^ byte) * 1099511628211ull; }
-
-    std::uint64_t value_ = 14695981039346656037ull;
-};
-
-#define CODER_DESCRIPTOR_DIGEST_KIND(Kind, LIST)                                                             \
-    digest.add(#Kind);                                                                                       \
-    LIST(CODER_DESCRIPTOR_DIGEST_VALUE, CODER_DESCRIPTOR_DIGEST_OPTIONAL, CODER_DESCRIPTOR_DIGEST_REFERENCE, \
-         CODER_DESCRIPTOR_DIGEST_SEQUENCE)
-#define CODER_DESCRIPTOR_DIGEST_VALUE(Name, T) digest.column(detail::valueField<T>(#Name, false));
-#define CODER_DESCRIPTOR_DIGEST_OPTIONAL(Name, T) digest.column(detail::optionalField<T>(#Name));
-#define CODER_DESCRIPTOR_DIGEST_REFERENCE(Name, K) digest.named("reference", #Name, #K);
-#define CODER_DESCRIPTOR_DIGEST_SEQUENCE(Name, E) digest.named("sequence", #Name, #E);
-
-constexpr std::uint64_t schemaDigest() {
-    SchemaDigest digest;
-    CODER_DESCRIPTOR_KINDS(CODER_DESCRIPTOR_DIGEST_KIND)
-    return digest.value();
-}
-
-// A change to the record lists is a new file format: raise
-// Repository::kFormatVersion, let validateOrCreate read (or upgrade) the
-// stores of the format before, describe the format at the top of this file,
-// then take the new digest.
-static_assert(Repository::kFormatVersion == 2 && schemaDigest() == 0x97580ea01614ba06ull,
-              "the record lists no longer describe format 2 of the store");
-
-} // namespace
-
-} // namespace descriptor
-
 namespace detail {
 
 using descriptor::FieldInfo;
@@ -173,38 +23,6 @@ using descriptor::FieldType;
 using descriptor::SequenceInfo;
 
 namespace {
-
-std::string quoted(const std::string& name) { return '"' + name + '"'; }
-
-const char* const kUnfinishedRunTable =
-    "CREATE TABLE \"UnfinishedRun\" (id INTEGER PRIMARY KEY CHECK (id = 1), token TEXT NOT NULL) STRICT";
-
-std::string sequenceTable(const RecordKind& kind, const SequenceInfo& sequence) {
-    return std::string(kind.name) + "_" + sequence.name;
-}
-
-std::string columnDefinition(const FieldInfo& field) {
-    std::string name = quoted(field.name);
-    switch (field.type) {
-        case FieldType::Boolean:
-            return name + " INTEGER NOT NULL DEFAULT 0 CHECK (" + name + " IN (0, 1))";
-        case FieldType::Integer:
-            return name + " INTEGER NOT NULL DEFAULT 0 CHECK (" + name + " BETWEEN " +
-                   std::to_string(field.min) + " AND " + std::to_string(field.max) + ")";
-        case FieldType::Real:
-            return name + " REAL NOT NULL DEFAULT 0";
-        case FieldType::Text:
-            return field.optional ? name + " TEXT" : name + " TEXT NOT NULL DEFAULT ''";
-        case FieldType::Reference:
-            return name + " INTEGER REFERENCES " + quoted(field.target().name) + "(id)";
-    }
-    return name;
-}
-
-std::string describe(const SQLite::Exception& error) {
-    std::string text = error.what();
-    return text.empty() ? "SQLite error " + std::to_string(error.getErrorCode()) : text;
-}
 
 // The system error behind the last I/O failure on db; SQLite's text for it
 // ("disk I/O error") does not say which. A failure at commit is recorded
@@ -214,27 +32,6 @@ int lastSystemError(sqlite3* db) {
     if (sqlite3_file_control(db, "main", SQLITE_FCNTL_LAST_ERRNO, &error) != SQLITE_OK || error == 0)
         error = sqlite3_system_errno(db);
     return error;
-}
-
-// Why a connection could not roll back the transaction of a writer that
-// stopped, from the failure of its first read (which is when SQLite rolls
-// back); empty when the failure is another one.
-std::string rollbackFailure(const SQLite::Exception& error, const std::string& path) {
-    switch (error.getExtendedErrorCode()) {
-        case SQLITE_READONLY_ROLLBACK:
-        case SQLITE_READONLY_RECOVERY: // the same, in WAL mode
-            return "this process may not write the file";
-        case SQLITE_READONLY_DIRECTORY:
-        case SQLITE_IOERR_DELETE:
-            return "the directory does not let the journal be deleted";
-        default:
-            break;
-    }
-    std::error_code ec;
-    return (error.getErrorCode() & 0xff) == SQLITE_CANTOPEN &&
-                   std::filesystem::exists(std::filesystem::u8path(path + "-journal"), ec)
-               ? "the journal cannot be opened for writing"
-               : "";
 }
 
 // Resets a statement when leaving scope, also when a read throws, so that
@@ -247,27 +44,10 @@ struct ResetGuard {
 
 } // namespace
 
-struct Store::SequenceStatements {
-    std::unique_ptr<SQLite::Statement> insert;
-    std::unique_ptr<SQLite::Statement> count;
-    std::unique_ptr<SQLite::Statement> at;
-    std::unique_ptr<SQLite::Statement> maxOwner;
-    // Appends come in runs on one owner: remember its next position so that
-    // a run costs one insert per element and no read.
-    std::int64_t cachedOwner = 0;
-    std::int64_t nextPosition = -1;
-    // The highest owner with elements (-1: not read yet). Records get
-    // increasing ids, so an owner above it has an empty list, and the first
-    // append to a new record needs no read either.
-    std::int64_t highestOwner = -1;
-};
-
-struct Store::KindStatements {
-    std::unique_ptr<SQLite::Statement> insert;
-    std::unique_ptr<SQLite::Statement> select;
-    std::vector<std::unique_ptr<SQLite::Statement>> updateReference;
-    std::vector<SequenceStatements> sequences;
-};
+std::string describe(const SQLite::Exception& error) {
+    std::string text = error.what();
+    return text.empty() ? "SQLite error " + std::to_string(error.getErrorCode()) : text;
+}
 
 Store::Store(const std::filesystem::path& path, const RepositoryOptions& options)
     : pathText_(path.u8string()), readOnly_(options.access == RepositoryOptions::Access::ReadOnly) {
@@ -420,186 +200,6 @@ void Store::rollback() noexcept {
     newTransactionState();
     if (!inTransaction()) return;
     sqlite3_exec(db_->getHandle(), "ROLLBACK", nullptr, nullptr, nullptr);
-}
-
-void Store::forgetPositions() {
-    for (auto& [kind, statements] : statements_) {
-        for (auto& sequence : statements->sequences) {
-            sequence.nextPosition = -1;
-            sequence.highestOwner = -1;
-        }
-    }
-}
-
-// The first read rolls back the transaction of a writer that stopped, but
-// only on a connection that may write: a read-only one fails with
-// SQLITE_READONLY_ROLLBACK ("attempt to write a readonly database"). A
-// reader then rolls back through a short read-write connection of its own,
-// and reads the file as that left it. Where this process may not write the
-// file or its directory, "coder:Repository:LeftMidWrite" says what to do
-// instead. Other failures are left to validateOrCreate, which meets them
-// again.
-void Store::firstRead(const RepositoryOptions& options) {
-    try {
-        db_->execAndGet("PRAGMA schema_version");
-        return;
-    } catch (const SQLite::Exception& e) {
-        const std::string failure = rollbackFailure(e, pathText_);
-        if (failure.empty()) return;
-        if (!readOnly_ || e.getExtendedErrorCode() != SQLITE_READONLY_ROLLBACK)
-            vel::diag::throwError("coder:Repository:LeftMidWrite", {pathText_, failure});
-    }
-    try {
-        SQLite::Database writer(pathText_, SQLITE_OPEN_READWRITE, options.busyTimeoutMs);
-        if (sqlite3_db_readonly(writer.getHandle(), "main") == 1)
-            vel::diag::throwError("coder:Repository:LeftMidWrite",
-                                  {pathText_, "this process may not write the file"});
-        writer.execAndGet("PRAGMA schema_version");
-    } catch (const SQLite::Exception& e) {
-        // The journal goes last: a failure leaves it, and the file, to be
-        // rolled back again.
-        const std::string failure = rollbackFailure(e, pathText_);
-        vel::diag::throwError("coder:Repository:LeftMidWrite",
-                              {pathText_, failure.empty() ? describe(e) : failure});
-    }
-    vel::diag::warn("coder:Repository:RolledBack", {pathText_});
-}
-
-void Store::validateOrCreate(const RepositoryOptions& options) {
-    // Ends the read transaction below however this returns.
-    struct EndRead {
-        Store& store;
-        ~EndRead() { store.rollback(); }
-    } endRead{*this};
-    try {
-        if (options.maxPageCount != 0)
-            db_->exec("PRAGMA max_page_count = " + std::to_string(options.maxPageCount));
-        // The reads see one state of the file: another connection may be
-        // creating the schema meanwhile, and a header read before its commit
-        // with a table count read after it would look like another
-        // application's file.
-        db_->exec("BEGIN");
-        const int applicationId = db_->execAndGet("PRAGMA application_id").getInt();
-        const int version = db_->execAndGet("PRAGMA user_version").getInt();
-        // A store cut short still has a valid header; its page count tells,
-        // before a read of the missing pages fails less clearly.
-        const std::int64_t pages = db_->execAndGet("PRAGMA page_count").getInt64();
-        const std::int64_t pageSize = db_->execAndGet("PRAGMA page_size").getInt64();
-        std::error_code ec;
-        const auto size = std::filesystem::file_size(std::filesystem::u8path(pathText_), ec);
-        if (!ec && static_cast<std::int64_t>(size) < pages * pageSize)
-            vel::diag::throwError(
-                "coder:Repository:Corrupt",
-                {pathText_, "the file is " + std::to_string(size) + " bytes long, but holds " +
-                                std::to_string(pages) + " pages of " + std::to_string(pageSize) + " bytes"});
-        const int objects = db_->execAndGet("SELECT count(*) FROM sqlite_schema").getInt();
-        if (applicationId == 0 && version == 0 && objects == 0) {
-            if (readOnly_) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
-            rollback();
-            createSchema();
-            return;
-        }
-        if (applicationId != Repository::kApplicationId)
-            vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
-        if (version > Repository::kFormatVersion)
-            vel::diag::throwError(
-                "coder:Repository:NewerFormat",
-                {pathText_, std::to_string(version), std::to_string(Repository::kFormatVersion)});
-        if (version < 1) vel::diag::throwError("coder:Repository:Corrupt", {pathText_, "no format version"});
-
-        SQLite::Statement exists(*db_, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?");
-        auto requireTable = [&](const std::string& table) {
-            exists.bind(1, table);
-            const bool found = exists.executeStep();
-            exists.reset();
-            if (!found)
-                vel::diag::throwError("coder:Repository:Corrupt",
-                                      {pathText_, "table '" + table + "' is missing"});
-        };
-        for (const RecordKind* kind : descriptor::recordKinds()) {
-            requireTable(kind->name);
-            for (const auto& sequence : kind->sequences) requireTable(sequenceTable(*kind, sequence));
-        }
-        if (version >= 2) requireTable("UnfinishedRun");
-    } catch (const SQLite::Exception& e) {
-        const int code = e.getErrorCode() & 0xff;
-        if (code == SQLITE_NOTADB) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
-        raise(e);
-    }
-}
-
-void Store::createSchema() {
-    begin();
-    try {
-        // Another connection may have created the schema while we waited for
-        // the write lock.
-        if (db_->execAndGet("PRAGMA application_id").getInt() == Repository::kApplicationId) {
-            db_->exec("COMMIT");
-            return;
-        }
-        for (const RecordKind* kind : descriptor::recordKinds()) {
-            std::string sql = "CREATE TABLE " + quoted(kind->name) + " (id INTEGER PRIMARY KEY";
-            for (const auto& field : kind->fields) sql += ", " + columnDefinition(field);
-            db_->exec(sql + ") STRICT");
-            for (const auto& sequence : kind->sequences) {
-                std::string element = sequence.element ? "element INTEGER NOT NULL REFERENCES " +
-                                                             quoted(sequence.element().name) + "(id)"
-                                      : sequence.valueType == FieldType::Integer ? "value INTEGER NOT NULL"
-                                                                                 : "value TEXT NOT NULL";
-                db_->exec("CREATE TABLE " + quoted(sequenceTable(*kind, sequence)) +
-                          " (owner INTEGER NOT NULL REFERENCES " + quoted(kind->name) +
-                          "(id), position INTEGER NOT NULL, " + element +
-                          ", PRIMARY KEY (owner, position)) STRICT, WITHOUT ROWID");
-            }
-        }
-        db_->exec(kUnfinishedRunTable);
-        db_->exec("PRAGMA application_id = " + std::to_string(Repository::kApplicationId));
-        db_->exec("PRAGMA user_version = " + std::to_string(Repository::kFormatVersion));
-        db_->exec("COMMIT");
-    } catch (const SQLite::Exception& e) {
-        rollback();
-        raise(e);
-    }
-}
-
-Store::KindStatements& Store::statementsFor(const RecordKind& kind) {
-    auto found = statements_.find(&kind);
-    if (found != statements_.end()) return *found->second;
-    auto statements = std::make_unique<KindStatements>();
-    std::string columns;
-    std::string parameters;
-    for (std::size_t i = 0; i < kind.fields.size(); ++i) {
-        columns += (i ? ", " : "") + quoted(kind.fields[i].name);
-        parameters += i ? ", ?" : "?";
-    }
-    const std::string table = quoted(kind.name);
-    statements->insert = std::make_unique<SQLite::Statement>(
-        *db_, kind.fields.empty()
-                  ? "INSERT INTO " + table + " DEFAULT VALUES"
-                  : "INSERT INTO " + table + " (" + columns + ") VALUES (" + parameters + ")");
-    statements->select = std::make_unique<SQLite::Statement>(
-        *db_, "SELECT id" + (columns.empty() ? "" : ", " + columns) + " FROM " + table + " WHERE id = ?");
-    statements->updateReference.resize(kind.fields.size());
-    statements->sequences.resize(kind.sequences.size());
-    return *statements_.emplace(&kind, std::move(statements)).first->second;
-}
-
-Store::SequenceStatements& Store::sequenceStatementsFor(const RecordKind& kind, std::size_t sequence) {
-    SequenceStatements& statements = statementsFor(kind).sequences.at(sequence);
-    if (!statements.insert) {
-        const SequenceInfo& info = kind.sequences[sequence];
-        const std::string table = quoted(sequenceTable(kind, info));
-        const std::string column = info.element ? "element" : "value";
-        statements.insert = std::make_unique<SQLite::Statement>(
-            *db_, "INSERT INTO " + table + " (owner, position, " + column + ") VALUES (?, ?, ?)");
-        statements.count = std::make_unique<SQLite::Statement>(
-            *db_, "SELECT count(*), coalesce(max(position) + 1, 0) FROM " + table + " WHERE owner = ?");
-        statements.at = std::make_unique<SQLite::Statement>(
-            *db_, "SELECT " + column + " FROM " + table + " WHERE owner = ? AND position = ?");
-        statements.maxOwner =
-            std::make_unique<SQLite::Statement>(*db_, "SELECT coalesce(max(owner), 0) FROM " + table);
-    }
-    return statements;
 }
 
 std::int64_t Store::insert(const RecordKind& kind, const std::vector<StoredValue>& values) {
@@ -912,62 +512,6 @@ int Store::formatVersion() {
     } catch (const SQLite::Exception& e) {
         raise(e);
     }
-}
-
-std::vector<std::string> Store::checkIntegrity() {
-    requireOpen();
-    std::vector<std::string> problems;
-    const bool ownView = beginRead();
-    struct EndView {
-        Store& store;
-        bool active;
-        ~EndView() {
-            if (active) store.rollback();
-        }
-    } endView{*this, ownView};
-    try {
-        SQLite::Statement integrity(*db_, "PRAGMA integrity_check");
-        while (integrity.executeStep()) {
-            std::string line = integrity.getColumn(0).getString();
-            if (line != "ok") problems.push_back(line);
-        }
-        // Record tables; the sequence tables have no row ids and are checked
-        // below by owner and position.
-        SQLite::Statement references(*db_, "PRAGMA foreign_key_check");
-        while (references.executeStep()) {
-            if (references.getColumn(1).isNull()) continue;
-            problems.push_back("table '" + references.getColumn(0).getString() + "' row " +
-                               references.getColumn(1).getString() + " refers to a missing row of '" +
-                               references.getColumn(2).getString() + "'");
-        }
-        for (const RecordKind* kind : descriptor::recordKinds()) {
-            for (const auto& sequence : kind->sequences) {
-                const std::string table = sequenceTable(*kind, sequence);
-                auto report = [&](const std::string& sql, const std::string& what) {
-                    SQLite::Statement rows(*db_, sql);
-                    while (rows.executeStep())
-                        problems.push_back(
-                            "table '" + table + "': owner " + rows.getColumn(0).getString() + " " + what +
-                            (rows.getColumnCount() > 1 ? " " + rows.getColumn(1).getString() : ""));
-                };
-                report("SELECT owner FROM " + quoted(table) +
-                           " GROUP BY owner HAVING max(position) + 1 != count(*) OR min(position) != 0",
-                       "has positions other than 0, 1, 2, ...");
-                report("SELECT s.owner, s.position FROM " + quoted(table) + " AS s LEFT JOIN " +
-                           quoted(kind->name) + " AS o ON o.id = s.owner WHERE o.id IS NULL",
-                       "is not a row of '" + std::string(kind->name) + "', at position");
-                if (sequence.element)
-                    report("SELECT s.owner, s.position FROM " + quoted(table) + " AS s LEFT JOIN " +
-                               quoted(sequence.element().name) +
-                               " AS e ON e.id = s.element WHERE e.id IS NULL",
-                           "refers to a missing row of '" + std::string(sequence.element().name) +
-                               "' at position");
-            }
-        }
-    } catch (const SQLite::Exception& e) {
-        problems.push_back(describe(e));
-    }
-    return problems;
 }
 
 } // namespace detail

@@ -352,3 +352,11 @@ TEST(ModelDescription, RefusesToDescribeWhatADescriptionCannotHold) {
             e.diagnostic().message());
     }
 }
+
+// Memory running out is no fault of the model: it is not reported as one.
+TEST(ModelDescription, LetsOutOfMemoryPassThrough) {
+    struct Exhausted : StoredCGModel {
+        std::wstring getName() const override { throw std::bad_alloc(); }
+    };
+    EXPECT_THROW(ModelDescription::toText(Exhausted()), std::bad_alloc);
+}

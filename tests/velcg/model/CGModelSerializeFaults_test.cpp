@@ -254,14 +254,14 @@ TEST(CGModelSerializeFaults, ScriptWritesWaitForABackgroundPass) {
         vel::feature::ScopedValue background(VELFEAT_VelCGDirectEmitSerialize, 1);
         model->serializeModel(dir.path().wstring());
     }
-    ASSERT_NE(0, CGModel::runningBackgroundPasses().load());
+    ASSERT_NE(0, CGModel::runningBackgroundPasses());
     std::thread release([lock] {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         sqlite3_exec(lock, "COMMIT", nullptr, nullptr, nullptr);
     });
     const korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
     client.setProperty(model->makeRef(), "SharedCodeManagerPath", *tuvArray::fromUtf8("/after"));
-    EXPECT_EQ(0, CGModel::runningBackgroundPasses().load()) << "the write went ahead of the pass";
+    EXPECT_EQ(0, CGModel::runningBackgroundPasses()) << "the write went ahead of the pass";
     release.join();
     sqlite3_close(lock);
     model->waitForSerialization();

@@ -150,12 +150,12 @@ TEST(ScriptAccessThreads, ReadsGoAheadBesideASerializationPass) {
             model.model.serializeModel(dir.path().wstring());
             client.getProperty(ref, "Systems");
             client.callMethod(ref, "getName");
-            EXPECT_NE(0, VelCG::CGModel::runningBackgroundPasses().load())
+            EXPECT_NE(0, VelCG::CGModel::runningBackgroundPasses())
                 << "the reads waited for the pass, repetition " << i;
         }
         Script script({ref}, true);
         do script.sweep();
-        while (VelCG::CGModel::runningBackgroundPasses().load() != 0);
+        while (VelCG::CGModel::runningBackgroundPasses() != 0);
         model.model.finishSerialization();
     }
 }
