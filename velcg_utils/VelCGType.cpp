@@ -1,6 +1,7 @@
 #include "velcg/VelCGType.hpp"
 
 #include "CG/Type.hpp"
+#include "Messages.hpp"
 #include "OwnedList.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
@@ -13,7 +14,7 @@ namespace VelCG {
 namespace {
 
 [[noreturn]] void throwInvalidVelType() {
-    vel::diag::throwErrorText("VelCG::Type::InvalidVelType", "No VelType For CGType");
+    vel::diag::throwErrorText(messages::Type::InvalidVelType, "No VelType For CGType");
 }
 
 template <class T>

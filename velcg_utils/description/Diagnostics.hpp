@@ -6,29 +6,36 @@
 #include <string>
 #include <vector>
 
+#include "Messages.hpp"
+
 namespace VelCG::description {
 
-// Keys of the catalogue; the identifier is "VelCG:ModelDescription:<key>".
+// The names of the identifiers before they moved to Messages.hpp; only
+// modelFields() still uses them. Remove with its last use.
 namespace key {
-inline constexpr const char* kMalformedJson = "MalformedJson";
-inline constexpr const char* kNotADescription = "NotADescription";
-inline constexpr const char* kUnsupportedVersion = "UnsupportedVersion";
-inline constexpr const char* kMissingField = "MissingField";
-inline constexpr const char* kWrongType = "WrongType";
-inline constexpr const char* kUnknownField = "UnknownField";
-inline constexpr const char* kDuplicateField = "DuplicateField";
-inline constexpr const char* kDanglingReference = "DanglingReference";
-inline constexpr const char* kCycle = "Cycle";
-inline constexpr const char* kUnknownEnumerator = "UnknownEnumerator";
-inline constexpr const char* kInvalidValue = "InvalidValue";
-inline constexpr const char* kNotAPlainFileName = "NotAPlainFileName";
-inline constexpr const char* kSameFileName = "SameFileName";
-inline constexpr const char* kReadFailed = "ReadFailed";
-inline constexpr const char* kWriteFailed = "WriteFailed";
-inline constexpr const char* kNotDescribable = "NotDescribable";
+inline constexpr const char* kMalformedJson = messages::ModelDescription::MalformedJson;
+inline constexpr const char* kNotADescription = messages::ModelDescription::NotADescription;
+inline constexpr const char* kUnsupportedVersion = messages::ModelDescription::UnsupportedVersion;
+inline constexpr const char* kMissingField = messages::ModelDescription::MissingField;
+inline constexpr const char* kWrongType = messages::ModelDescription::WrongType;
+inline constexpr const char* kUnknownField = messages::ModelDescription::UnknownField;
+inline constexpr const char* kDuplicateField = messages::ModelDescription::DuplicateField;
+inline constexpr const char* kDanglingReference = messages::ModelDescription::DanglingReference;
+inline constexpr const char* kCycle = messages::ModelDescription::Cycle;
+inline constexpr const char* kUnknownEnumerator = messages::ModelDescription::UnknownEnumerator;
+inline constexpr const char* kInvalidValue = messages::ModelDescription::InvalidValue;
+inline constexpr const char* kNotAPlainFileName = messages::ModelDescription::NotAPlainFileName;
+inline constexpr const char* kSameFileName = messages::ModelDescription::SameFileName;
+inline constexpr const char* kReadFailed = messages::ModelDescription::ReadFailed;
+inline constexpr const char* kWriteFailed = messages::ModelDescription::WriteFailed;
+inline constexpr const char* kNotDescribable = messages::ModelDescription::NotDescribable;
 } // namespace key
 
-// Raises "VelCG:ModelDescription:<key>" with the arguments of its template.
-[[noreturn]] void raise(const char* key, std::vector<std::string> arguments);
+// Raises the diagnostic identifier (one of messages::ModelDescription) with
+// the arguments of its template.
+[[noreturn]] void raise(const char* identifier, std::vector<std::string> arguments);
+
+// Whether identifier is one of messages::ModelDescription.
+bool isDescriptionDiagnostic(const std::string& identifier);
 
 } // namespace VelCG::description
