@@ -20,6 +20,7 @@
 #include <thread>
 #include <vector>
 
+#include "Messages.hpp"
 #include "cli/ToolCli.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/io/Stream.hpp"
@@ -163,7 +164,7 @@ double seconds(Clock::duration d) { return std::chrono::duration<double>(d).coun
 std::string depfilePath(const fs::path& path) {
     const std::string text = path.generic_string();
     if (text.find_first_of("\n\r") != std::string::npos)
-        vel::diag::throwErrorText("VelCG:Gen:BadDependency",
+        vel::diag::throwErrorText(VelCG::messages::Gen::BadDependency,
                                   "The template read '" + text + "', whose name a depfile cannot hold.");
     std::string out;
     for (char c : text) {
@@ -197,13 +198,14 @@ void writeDepfile(const Options& options, const fs::path& directory, std::vector
         stream << text;
         stream.flush();
         if (!stream)
-            vel::diag::throwErrorText("VelCG:Gen:CannotWrite", "Cannot write '" + options.depfile + "'.");
+            vel::diag::throwError(VelCG::messages::FileRepScrivBridge::FileWriteFailed,
+                                  {options.depfile, "the stream reported an error"});
     }
     std::error_code ec;
     fs::rename(temporary, options.depfile, ec);
     if (ec)
-        vel::diag::throwErrorText("VelCG:Gen:CannotWrite",
-                                  "Cannot write '" + options.depfile + "': " + ec.message() + ".");
+        vel::diag::throwError(VelCG::messages::FileRepScrivBridge::FileWriteFailed,
+                              {options.depfile, ec.message()});
 }
 
 // Prints what the run changed, or with --check what it would change.

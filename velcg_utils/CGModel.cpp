@@ -11,6 +11,7 @@
 #include <boost/thread/thread.hpp>
 
 #include "OwnedList.hpp"
+#include "coder/Messages.hpp"
 #include "coder/Repository.hpp"
 #include "coder/descriptor/Model.hpp"
 #include "coder/descriptor/RepositoryHelper.hpp"
@@ -64,7 +65,7 @@ void reportBackgroundFailure(const std::exception_ptr& error) noexcept {
             cause = "an exception that is not a std::exception";
         }
         reportDiagnostic(vel::diag::Diagnostic::withText(
-            kSerializationFailedId,
+            messages::Model::SerializationFailed,
             "A background serialization of the model into the code descriptor failed: " + cause));
     } catch (...) {
         // Out of memory while describing the failure: the destructor goes on.
@@ -93,9 +94,9 @@ std::string newRunToken() {
                vel::i18n::toUtf8(coder::descriptor::RepositoryHelper::getModel(repository).getModelName()) +
                "' " + (stored.empty() ? "with no second pass outstanding" : "of run " + stored);
     } catch (const vel::diag::Exception& e) {
-        if (e.identifier() != "coder:descriptor:NoModel") throw;
+        if (e.identifier() != coder::messages::descriptor::NoModel) throw;
     }
-    vel::diag::throwError(kDescriptorOfAnotherRunId,
+    vel::diag::throwError(messages::Model::DescriptorOfAnotherRun,
                           {vel::i18n::toUtf8(model), own.empty() ? "no first pass run" : "run " + own,
                            repository.getPath().u8string(), held});
 }
@@ -214,7 +215,7 @@ void CGModel::addExternalOutputDataInterface(std::unique_ptr<DataInterfaceRecord
 std::size_t CGModel::appendCoderDataGroup(std::unique_ptr<CoderDataGroup> group) {
     if (!group) throwNullArgument("A coder data group");
     if (coderDataGroupIndex_.count(group->name()))
-        vel::diag::throwErrorText(kDuplicateNameId,
+        vel::diag::throwErrorText(messages::Model::DuplicateName,
                                   "The model already has a coder data group named '" + group->name() + "'.");
     const std::size_t position = coderDataGroups_.size();
     // Make room first: once the name is recorded, the append must not fail.

@@ -65,7 +65,7 @@ void ChildCoderGroupMgr::addVariableForChildGroup(vel::i18n::ustring childModel,
                                                   const std::string& varName, int compiledModelBlockIndex) {
     const CoderDataGroup* group = getChildCoderGroup(childModel, groupName);
     if (!group)
-        vel::diag::throwErrorText("VelCG:Model:UnknownChildCoderGroup",
+        vel::diag::throwErrorText(messages::Model::UnknownChildCoderGroup,
                                   "Child model '" + vel::i18n::toUtf8(childModel) +
                                       "' has no coder data group '" + groupName + "'.");
     ChildCoderGroupVarInfo info(group->getRootGroupTypeName(), varName, compiledModelBlockIndex);

@@ -19,19 +19,22 @@ void reportToStandardError(const vel::diag::Diagnostic& diagnostic) {
 } // namespace
 
 void throwIndexOutOfRange(const std::string& what, std::int64_t index, std::size_t size) {
-    vel::diag::throwErrorText(kIndexOutOfRangeId, "Index " + std::to_string(index) + " is out of range for " +
-                                                      what + " (" + std::to_string(size) + " elements).");
+    vel::diag::throwErrorText(messages::Model::IndexOutOfRange, "Index " + std::to_string(index) +
+                                                                    " is out of range for " + what + " (" +
+                                                                    std::to_string(size) + " elements).");
 }
 
 void throwNoModel(const std::string& what) {
-    vel::diag::throwErrorText(kNoModelId, what + " does not belong to a model.");
+    vel::diag::throwErrorText(messages::Model::NoModel, what + " does not belong to a model.");
 }
 
 void throwNullArgument(const std::string& what) {
-    vel::diag::throwErrorText(kNullArgumentId, what + " must not be null.");
+    vel::diag::throwErrorText(messages::Model::NullArgument, what + " must not be null.");
 }
 
-void throwInvalidOwnership(const std::string& text) { vel::diag::throwErrorText(kInvalidOwnershipId, text); }
+void throwInvalidOwnership(const std::string& text) {
+    vel::diag::throwErrorText(messages::Model::InvalidOwnership, text);
+}
 
 DiagnosticReporter setDiagnosticReporter(DiagnosticReporter reporter) {
     std::lock_guard<std::mutex> lock(reporterMutex);

@@ -96,9 +96,9 @@ coder::descriptor::Port Port::serialize(coder::Repository& repository, bool with
         if (!onChain.insert(source).second) {
             const auto position = std::find(chain.begin(), chain.end(), source) - chain.begin();
             vel::diag::throwErrorText(
-                kCyclicSourceId, "The graphical sources of a port form a cycle: after " +
-                                     std::to_string(chain.size()) + " port(s) the chain returns to port " +
-                                     std::to_string(position) + " of it.");
+                messages::Model::CyclicSource,
+                "The graphical sources of a port form a cycle: after " + std::to_string(chain.size()) +
+                    " port(s) the chain returns to port " + std::to_string(position) + " of it.");
         }
         chain.push_back(source);
     }

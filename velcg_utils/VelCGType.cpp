@@ -1,6 +1,7 @@
 #include "velcg/VelCGType.hpp"
 
 #include "CG/Type.hpp"
+#include "Messages.hpp"
 #include "OwnedList.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
@@ -13,7 +14,7 @@ namespace VelCG {
 namespace {
 
 [[noreturn]] void throwInvalidVelType() {
-    vel::diag::throwErrorText("VelCG::Type::InvalidVelType", "No VelType For CGType");
+    vel::diag::throwErrorText(messages::Type::InvalidVelType, "No VelType For CGType");
 }
 
 template <class T>
@@ -70,8 +71,9 @@ const std::string& VelCGType::getContainerTypeName() const {
         if (!current->name_.empty()) return current->name_;
         if (current->constructor_ == "matrix") {
             if (hops > cgTypes.size())
-                vel::diag::throwErrorText(kCyclicTypeId, "The matrix types starting at '" + name_ +
-                                                             "' form a cycle through their base indices.");
+                vel::diag::throwErrorText(
+                    messages::Model::CyclicType,
+                    "The matrix types starting at '" + name_ + "' form a cycle through their base indices.");
             current = elementAt(cgTypes, current->baseIndex_, "the model's code-generation types");
             continue;
         }

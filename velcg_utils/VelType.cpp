@@ -2,6 +2,7 @@
 
 #include <unordered_set>
 
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CGModel.hpp"
 #include "velcg/ModelDiagnostics.hpp"
@@ -28,7 +29,8 @@ bool VelType::isAliasType() const { return getIdAliasedThruTo() != getID(); }
 
 const std::string& VelType::getName() const {
     if (const std::string* kept = name_.get()) return *kept;
-    if (cgTypeIdx_ < 0) vel::diag::throwErrorText("VelCG:Type::InvalidCGType", "VelType has invalid CGType");
+    if (cgTypeIdx_ < 0)
+        vel::diag::throwErrorText(messages::Type::InvalidCGType, "VelType has invalid CGType");
     if (!model_) throwNoModel("VelType '" + getDTName() + "'");
     const auto& types = model_->getVelCGTypes();
     if (static_cast<std::size_t>(cgTypeIdx_) >= types.size())
@@ -44,7 +46,7 @@ const std::string& VelType::getComplexName() const {
         "boolean", "fcn_call", "pointer", "integer", "action", "timer_uint32_pair",
     };
     if (kNeverComplex.count(getDTName()))
-        vel::diag::throwErrorText("VelCG::Type::NoComplex", "VelType cannot be complex");
+        vel::diag::throwErrorText(messages::Type::NoComplex, "VelType cannot be complex");
     // Built from the code-generation name, although the test above uses the
     // data-type name.
     return complexName_.keep("c" + getName());

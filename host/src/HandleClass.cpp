@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "korb/Binders.hpp"
+#include "korb/Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace vel::mi {
@@ -31,13 +32,13 @@ void HandleClass::setSuperclass(std::string qualifiedName) { superclass_ = std::
 void HandleClass::addProperty(std::string name, std::unique_ptr<korb::GetterBinder> getter,
                               std::unique_ptr<korb::SetterBinder> setter) {
     if (findOwnProperty(name) || findOwnMethod(name))
-        diag::throwError("Korb:DuplicateMember", {name, shortName_});
+        diag::throwError(korb::messages::DuplicateMember, {name, shortName_});
     properties_.push_back({std::move(name), std::move(getter), std::move(setter), {}});
 }
 
 void HandleClass::addMethod(std::string name, std::unique_ptr<korb::MethodBinder> binder) {
     if (findOwnProperty(name) || findOwnMethod(name))
-        diag::throwError("Korb:DuplicateMember", {name, shortName_});
+        diag::throwError(korb::messages::DuplicateMember, {name, shortName_});
     methods_.push_back({std::move(name), std::move(binder)});
 }
 
@@ -47,7 +48,7 @@ void HandleClass::setElementClass(const std::string& propertyName, std::string e
             p.elementClass = std::move(elementClass);
             return;
         }
-    diag::throwError("Korb:UnknownProperty", {propertyName, shortName_});
+    diag::throwError(korb::messages::UnknownProperty, {propertyName, shortName_});
 }
 
 } // namespace vel::mi

@@ -5,89 +5,40 @@
 #include <unordered_map>
 #include <utility>
 
+#include "brisk/Messages.hpp"
+#include "coder/Messages.hpp"
+#include "korb/Messages.hpp"
+#include "tuv/Messages.hpp"
+
 namespace vel::diag {
 
 namespace {
-// The host's own message texts. Libraries may add catalogs of their own.
-const std::map<std::string, std::string> kBriskCodeGen = {
-    {"CustomContentPreviousAssociation",
-     "Custom section '{1}' cannot be associated with section '{2}': it is already associated with "
-     "section '{3}'."},
-    {"CustomContentSectionDoesNotExist",
-     "Cannot add content to custom section '{2}' of file '{1}': the section has not been declared."},
-    {"CustomContentSectionAlreadyRetrieved",
-     "The content of custom section '{1}' was already retrieved and cannot be retrieved again in "
-     "{2}. Each custom section can be placed only once; mark '{3}' as in use or remove the second "
-     "placement."},
-    {"CustomContentInvalidBuiltin",
-     "Custom section '{1}' cannot be declared: '{2}' is not the name of a built-in file section."},
+// The host's own message texts, from the message lists of its catalogues.
+// Libraries may add catalogs of their own.
+struct Entry {
+    const char* identifier;
+    const char* text;
 };
 
-const std::map<std::string, std::string> kKorb = {
-    {"InvalidHandle", "Invalid or deleted object."},
-    {"UnknownClass", "No class '{1}' is registered with the object system."},
-    {"UnknownProperty", "No property '{1}' for class '{2}'."},
-    {"UnknownMethod", "No method '{1}' for class '{2}'."},
-    {"ReadOnlyProperty", "Property '{1}' of class '{2}' is read-only."},
-    {"ObjectLocked", "Cannot set property '{1}': the object of class '{2}' is locked."},
-    {"InvalidPropertyValue", "Invalid value for property '{1}' of class '{2}': {3}"},
-    {"InvalidArgument", "Argument {1} is invalid: {2}"},
-    {"InvalidMethodArgument", "Invalid argument {3} for method '{1}' of class '{2}': {4}"},
-    {"TypeMismatch", "Expected a value of type '{1}', but got {2}."},
-    {"WrongNumberOfArguments", "Expected {1} argument(s), but got {2}."},
-    {"WrongClass", "An object of class '{1}' cannot be used as '{2}'."},
-    {"NotAHandle", "A native object of type '{1}' is not a handle object and cannot be given to scripts."},
-    {"DuplicatePackage", "A package named '{1}' is already registered."},
-    {"DuplicateClass", "A class named '{1}' is already registered."},
-    {"DuplicateMember", "Class '{2}' already has a member named '{1}'."},
-    {"UnknownSuperclass", "Class '{1}' names the superclass '{2}', which is not registered."},
-    {"NotRegistering", "Class '{1}' can only be registered while its package is being added."},
+#define VEL_BRISK_ENTRY(key, text) {brisk::messages::key, text},
+#define VEL_KORB_ENTRY(key, text) {korb::messages::key, text},
+#define VEL_TUV_ENTRY(key, text) {tuv::messages::key, text},
+#define VEL_CODER_REPOSITORY_ENTRY(key, text) {coder::messages::Repository::key, text},
+#define VEL_CODER_DESCRIPTOR_ENTRY(key, text) {coder::messages::descriptor::key, text},
+// clang-format off
+constexpr Entry kHostEntries[] = {
+    VEL_BRISK_CODEGEN_MESSAGES(VEL_BRISK_ENTRY)
+    VEL_KORB_MESSAGES(VEL_KORB_ENTRY)
+    VEL_TUV_MESSAGES(VEL_TUV_ENTRY)
+    VEL_CODER_REPOSITORY_MESSAGES(VEL_CODER_REPOSITORY_ENTRY)
+    VEL_CODER_DESCRIPTOR_MESSAGES(VEL_CODER_DESCRIPTOR_ENTRY)
 };
-
-const std::map<std::string, std::string> kTuv = {
-    {"WrongClass", "Expected a {1} array, but the array is of class {2}."},
-    {"NotScalar", "Expected a scalar, but the array is {1}-by-{2}."},
-    {"IndexOutOfRange", "Index {1} is out of range for an array of {2} element(s)."},
-};
-
-const std::map<std::string, std::string> kCoderRepository = {
-    {"CannotOpen", "Cannot open the code descriptor '{1}': {2}"},
-    {"NotAStore", "'{1}' is not a code descriptor store; it was left unchanged."},
-    {"NewerFormat",
-     "The code descriptor '{1}' has format version {2}, newer than version {3} that this program reads; it "
-     "was left unchanged."},
-    {"Corrupt", "The code descriptor '{1}' is damaged: {2}"},
-    {"ReadOnly", "Cannot write the code descriptor '{1}': {2}"},
-    {"LeftMidWrite",
-     "The code descriptor '{1}' was left by a writer that stopped in the middle of a transaction, which "
-     "must be rolled back before the file can be read, and here it cannot be: {2}. Nothing committed is "
-     "lost: run 'velcg-descriptor check {1}' as a user that may write the file and its directory, or open "
-     "the file once for writing."},
-    {"RolledBack",
-     "The code descriptor '{1}' was left by a writer that stopped; its unfinished transaction was rolled "
-     "back."},
-    {"Busy", "The code descriptor '{1}' is locked by another writer: {2}"},
-    {"Full", "The code descriptor '{1}' cannot grow: {2}. The transaction was rolled back."},
-    {"Failed", "The code descriptor '{1}' failed: {2}"},
-    {"TransactionActive", "A transaction is already open on the code descriptor '{1}'."},
-    {"NoTransaction",
-     "No transaction is open on the code descriptor '{1}'; records are written only inside one."},
-};
-
-const std::map<std::string, std::string> kCoderDescriptor = {
-    {"Closed", "The code descriptor '{1}' was closed; its descriptor objects can no longer be used."},
-    {"NullObject", "The descriptor object was released or never created."},
-    {"NoModel", "The code descriptor '{1}' holds no model."},
-    {"MissingRecord", "The code descriptor '{1}' has no {2} record {3}."},
-    {"WrongType", "The code descriptor '{1}' holds a value of the wrong type in {2}.{3}."},
-    {"WrongKind", "Expected a {1} record, but got {2}."},
-    {"WrongRepository", "{1}.{2} can only hold records of its own code descriptor."},
-    {"IndexOutOfRange", "Position {1} is out of range for {3}, which has {2} element(s)."},
-    {"OutOfRange", "The value {3} does not fit {1}.{2}."},
-    {"TooDeep", "The records nest more than {1} levels deep."},
-    {"BrokenSequence",
-     "The code descriptor '{1}' is damaged: the positions of {2}.{3} of record {4} are not 0, 1, 2, ..."},
-};
+// clang-format on
+#undef VEL_BRISK_ENTRY
+#undef VEL_KORB_ENTRY
+#undef VEL_TUV_ENTRY
+#undef VEL_CODER_REPOSITORY_ENTRY
+#undef VEL_CODER_DESCRIPTOR_ENTRY
 
 std::pair<std::string, std::string> splitIdentifier(const std::string& id) {
     auto pos = id.rfind(':');
@@ -102,11 +53,10 @@ struct MessageCatalog::Impl {
 };
 
 MessageCatalog::MessageCatalog() : impl_(std::make_unique<Impl>()) {
-    impl_->catalogs["Brisk:codeGen"] = kBriskCodeGen;
-    impl_->catalogs["Korb"] = kKorb;
-    impl_->catalogs["tuv"] = kTuv;
-    impl_->catalogs["coder:Repository"] = kCoderRepository;
-    impl_->catalogs["coder:descriptor"] = kCoderDescriptor;
+    for (const Entry& entry : kHostEntries) {
+        auto [catalog, key] = splitIdentifier(entry.identifier);
+        impl_->catalogs[catalog][key] = entry.text;
+    }
 }
 
 MessageCatalog::~MessageCatalog() = default;

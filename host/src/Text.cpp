@@ -3,6 +3,7 @@
 #include <boost/locale/encoding_utf.hpp>
 
 #include "vel/diag/Diagnostic.hpp"
+#include "vel/i18n/Messages.hpp"
 
 namespace vel::i18n {
 
@@ -13,7 +14,8 @@ std::basic_string<To> convert(std::basic_string_view<From> in, const char* what)
         return boost::locale::conv::utf_to_utf<To>(in.data(), in.data() + in.size(),
                                                    boost::locale::conv::stop);
     } catch (const boost::locale::conv::conversion_error&) {
-        diag::throwErrorText("i18n:InvalidText", std::string("The text is not valid ") + what + ".");
+        diag::throwErrorText(vel::i18n::messages::InvalidText,
+                             std::string("The text is not valid ") + what + ".");
     }
 }
 } // namespace

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <type_traits>
 
+#include "tuv/Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/i18n/Text.hpp"
 
@@ -108,13 +109,13 @@ bool tuvArray::isNumeric() const {
 
 template <class T>
 const T& tuvArray::storage(tuvClass c) const {
-    if (class_ != c) vel::diag::throwError("tuv:WrongClass", {tuvClassName(c), className()});
+    if (class_ != c) vel::diag::throwError(tuv::messages::WrongClass, {tuvClassName(c), className()});
     return std::get<T>(data_);
 }
 
 template <class T>
 tuvElements<T> tuvArray::elements(tuvClass c) const {
-    if (class_ != c) vel::diag::throwError("tuv:WrongClass", {tuvClassName(c), className()});
+    if (class_ != c) vel::diag::throwError(tuv::messages::WrongClass, {tuvClassName(c), className()});
     if (const auto* v = std::get_if<std::vector<T>>(&data_)) return {v->data(), v->size()};
     const T* inline_ = nullptr;
     if constexpr (std::is_same_v<T, std::uint8_t>)
@@ -131,7 +132,8 @@ tuvElements<T> tuvArray::elements(tuvClass c) const {
 }
 
 void tuvArray::requireScalar() const {
-    if (!isScalar()) vel::diag::throwError("tuv:NotScalar", {std::to_string(rows_), std::to_string(cols_)});
+    if (!isScalar())
+        vel::diag::throwError(tuv::messages::NotScalar, {std::to_string(rows_), std::to_string(cols_)});
 }
 
 bool tuvArray::logicalValue() const {
@@ -162,7 +164,8 @@ double tuvArray::doubleValue() const {
 
 double tuvArray::numericAt(std::size_t i) const {
     if (i >= numel())
-        vel::diag::throwError("tuv:IndexOutOfRange", {std::to_string(i + 1), std::to_string(numel())});
+        vel::diag::throwError(tuv::messages::IndexOutOfRange,
+                              {std::to_string(i + 1), std::to_string(numel())});
     switch (class_) {
         case tuvClass::Logical:
             return elements<std::uint8_t>(class_)[i];
@@ -175,13 +178,13 @@ double tuvArray::numericAt(std::size_t i) const {
         case tuvClass::Double:
             return elements<double>(class_)[i];
         default:
-            vel::diag::throwError("tuv:WrongClass", {"numeric", className()});
+            vel::diag::throwError(tuv::messages::WrongClass, {"numeric", className()});
     }
 }
 
 double tuvArray::numericValue() const {
     if (!isNumeric() && class_ != tuvClass::Logical)
-        vel::diag::throwError("tuv:WrongClass", {"numeric", className()});
+        vel::diag::throwError(tuv::messages::WrongClass, {"numeric", className()});
     requireScalar();
     return numericAt(0);
 }
@@ -199,7 +202,8 @@ tuvElements<double> tuvArray::doubleData() const { return elements<double>(tuvCl
 const tuvArrayPtr& tuvArray::getCell(std::size_t i) const {
     const auto& cells = storage<std::vector<tuvArrayPtr>>(tuvClass::Cell);
     if (i >= cells.size())
-        vel::diag::throwError("tuv:IndexOutOfRange", {std::to_string(i + 1), std::to_string(cells.size())});
+        vel::diag::throwError(tuv::messages::IndexOutOfRange,
+                              {std::to_string(i + 1), std::to_string(cells.size())});
     return cells[i];
 }
 
@@ -207,7 +211,8 @@ void tuvArray::setCell(std::size_t i, tuvArrayPtr value) {
     storage<std::vector<tuvArrayPtr>>(tuvClass::Cell); // class check
     auto& cells = std::get<std::vector<tuvArrayPtr>>(data_);
     if (i >= cells.size())
-        vel::diag::throwError("tuv:IndexOutOfRange", {std::to_string(i + 1), std::to_string(cells.size())});
+        vel::diag::throwError(tuv::messages::IndexOutOfRange,
+                              {std::to_string(i + 1), std::to_string(cells.size())});
     cells[i] = value ? std::move(value) : empty();
 }
 

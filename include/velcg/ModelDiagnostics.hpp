@@ -18,15 +18,22 @@ class Diagnostic;
 
 namespace VelCG {
 
-inline constexpr const char* kIndexOutOfRangeId = "VelCG:Model:IndexOutOfRange";
-inline constexpr const char* kNoModelId = "VelCG:Model:NoModel";
-inline constexpr const char* kNullArgumentId = "VelCG:Model:NullArgument";
-inline constexpr const char* kInvalidOwnershipId = "VelCG:Model:InvalidOwnership";
-inline constexpr const char* kDuplicateNameId = "VelCG:Model:DuplicateName";
-inline constexpr const char* kCyclicTypeId = "VelCG:Model:CyclicType";
-inline constexpr const char* kCyclicSourceId = "VelCG:Model:CyclicSource";
-inline constexpr const char* kSerializationFailedId = "VelCG:Model:SerializationFailed";
-inline constexpr const char* kDescriptorOfAnotherRunId = "VelCG:Model:DescriptorOfAnotherRun";
+// The identifiers of the model classes' diagnostics, catalogue
+// "VelCG:Model". They are public: callers match on them. Apart from
+// DescriptorOfAnotherRun, whose template is in the library's catalogue, each
+// is raised with a text of its own that names the element.
+namespace messages::Model {
+inline constexpr char IndexOutOfRange[] = "VelCG:Model:IndexOutOfRange";
+inline constexpr char NoModel[] = "VelCG:Model:NoModel";
+inline constexpr char NullArgument[] = "VelCG:Model:NullArgument";
+inline constexpr char InvalidOwnership[] = "VelCG:Model:InvalidOwnership";
+inline constexpr char DuplicateName[] = "VelCG:Model:DuplicateName";
+inline constexpr char CyclicType[] = "VelCG:Model:CyclicType";
+inline constexpr char CyclicSource[] = "VelCG:Model:CyclicSource";
+inline constexpr char SerializationFailed[] = "VelCG:Model:SerializationFailed";
+inline constexpr char DescriptorOfAnotherRun[] = "VelCG:Model:DescriptorOfAnotherRun";
+inline constexpr char UnknownChildCoderGroup[] = "VelCG:Model:UnknownChildCoderGroup";
+} // namespace messages::Model
 
 // "Index 5 is out of range for <what> (3 elements)."
 [[noreturn]] VELCG_API void throwIndexOutOfRange(const std::string& what, std::int64_t index,

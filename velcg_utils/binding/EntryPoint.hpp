@@ -6,17 +6,16 @@
 #include <exception>
 #include <string>
 
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/ModelDiagnostics.hpp"
 
 namespace VelCG::binding {
 
-inline constexpr const char* kEntryPointFailedId = "VelCG:Module:EntryPointFailed";
-
-// Reports "<entryPoint> failed: <cause>" as kEntryPointFailedId.
+// Reports "<entryPoint> failed: <cause>" as messages::Module::EntryPointFailed.
 inline void reportEntryPointFailure(const char* entryPoint, const char* cause) noexcept {
     try {
-        reportDiagnostic(vel::diag::Diagnostic::withText(kEntryPointFailedId,
+        reportDiagnostic(vel::diag::Diagnostic::withText(messages::Module::EntryPointFailed,
                                                          std::string(entryPoint) + " failed: " + cause));
     } catch (...) {
         // Out of memory while describing the failure: nothing more to do.
@@ -26,7 +25,7 @@ inline void reportEntryPointFailure(const char* entryPoint, const char* cause) n
 // Runs step unless a run has already succeeded (done), and sets done only
 // once step returns, so that the host may call a failed entry point again.
 // A failure never leaves: a diagnostic is reported through reportDiagnostic
-// as it is, any other exception as kEntryPointFailedId naming entryPoint.
+// as it is, any other exception as messages::Module::EntryPointFailed naming entryPoint.
 // REQUIRES: the host calls the entry points one at a time.
 template <class Step>
 void runEntryPointOnce(bool& done, const char* entryPoint, Step&& step) noexcept {

@@ -4,6 +4,7 @@
 
 #include "BackgroundSerialization.hpp"
 #include "ClassBindings.hpp"
+#include "Messages.hpp"
 #include "korb/ClassInfo.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/i18n/Text.hpp"
@@ -119,12 +120,12 @@ std::unique_ptr<ClassInfo> velCGTypeClass() {
         c.property("Members", getter(&VelCGType::getMembers)).holds("VelCG.CGTypeMember");
         // Scripts may write the property, without effect; the write is
         // reported so that it is not lost unnoticed.
-        c.property(
-            "EmbeddedType", getter(&VelCGType::getEmbeddedTypeAsTuvArray),
-            setterFn<VelCGType, tuvArray>([](VelCGType& type, const tuvArray& value) {
-                type.setEmbeddedTypeFromTuvArray(value);
-                vel::diag::warn("VelCG:Binding:IgnoredWrite", {"VelCGType", type.getName(), "EmbeddedType"});
-            }));
+        c.property("EmbeddedType", getter(&VelCGType::getEmbeddedTypeAsTuvArray),
+                   setterFn<VelCGType, tuvArray>([](VelCGType& type, const tuvArray& value) {
+                       type.setEmbeddedTypeFromTuvArray(value);
+                       vel::diag::warn(messages::Binding::IgnoredWrite,
+                                       {"VelCGType", type.getName(), "EmbeddedType"});
+                   }));
         c.method("getContainerTypeName", method(&VelCGType::getContainerTypeName));
     });
 }

@@ -74,11 +74,12 @@ DescriptionReader::DescriptionReader(JsonValue document, std::string sourceName,
 
 DescriptionReader::~DescriptionReader() = default;
 
-void DescriptionReader::fail(const char* key, const Place& place, std::vector<std::string> more) const {
+void DescriptionReader::fail(const char* identifier, const Place& place,
+                             std::vector<std::string> more) const {
     std::vector<std::string> arguments{sourceName_, place.pointer()};
     arguments.insert(arguments.end(), std::make_move_iterator(more.begin()),
                      std::make_move_iterator(more.end()));
-    raise(key, std::move(arguments));
+    raise(identifier, std::move(arguments));
 }
 
 void DescriptionReader::invalid(const Place& place, const std::string& reason) const {
@@ -86,11 +87,11 @@ void DescriptionReader::invalid(const Place& place, const std::string& reason) c
     // may already have.
     std::string text = reason;
     if (!text.empty() && text.back() == '.') text.pop_back();
-    fail(key::kInvalidValue, place, {text});
+    fail(messages::ModelDescription::InvalidValue, place, {text});
 }
 
 void DescriptionReader::wrongType(JsonValue value, const Place& place, const char* expected) const {
-    fail(key::kWrongType, place, {expected, jsonTypeName(value)});
+    fail(messages::ModelDescription::WrongType, place, {expected, jsonTypeName(value)});
 }
 
 void DescriptionReader::unknownEnumerator(const Place& place, const std::string& name,
@@ -98,13 +99,14 @@ void DescriptionReader::unknownEnumerator(const Place& place, const std::string&
     std::string list;
     for (std::size_t i = 0; i < names.size(); ++i)
         list += (i == 0 ? "\"" : i + 1 == names.size() ? " or \"" : ", \"") + std::string(names[i]) + "\"";
-    fail(key::kUnknownEnumerator, place, {name, list});
+    fail(messages::ModelDescription::UnknownEnumerator, place, {name, list});
 }
 
 void DescriptionReader::unknownField(const Place& place, std::string_view key,
                                      const std::vector<std::string>& known) const {
     const std::string name(key);
-    fail(key::kUnknownField, place / key, {name, names_detail::didYouMean(name, known, '"')});
+    fail(messages::ModelDescription::UnknownField, place / key,
+         {name, names_detail::didYouMean(name, known, '"')});
 }
 
 void DescriptionReader::checkKnown(JsonValue value, const Place& place,
@@ -115,7 +117,7 @@ void DescriptionReader::checkKnown(JsonValue value, const Place& place,
         if (std::find(known.begin(), known.end(), key) == known.end()) unknownField(place, key, known);
         // Every key is known, so an object repeating one has few keys.
         for (auto earlier = fields.begin(); earlier != it; ++earlier)
-            if (earlier.key() == key) fail(key::kDuplicateField, place / key);
+            if (earlier.key() == key) fail(messages::ModelDescription::DuplicateField, place / key);
     }
 }
 
@@ -128,7 +130,7 @@ bool DescriptionReader::find(JsonValue object, std::string_view key, JsonValue& 
 
 JsonValue DescriptionReader::required(JsonValue object, const Place& place, const char* key) const {
     JsonValue value;
-    if (!find(object, key, value)) fail(key::kMissingField, place / key);
+    if (!find(object, key, value)) fail(messages::ModelDescription::MissingField, place / key);
     return value;
 }
 
@@ -251,7 +253,8 @@ void DescriptionReader::checkIndex(std::int64_t index, const Place& place, const
                                    std::size_t size, bool noneAllowed) const {
     if (noneAllowed && index == -1) return;
     if (index < 0 || static_cast<std::uint64_t>(index) >= size)
-        fail(key::kDanglingReference, place, {"index " + std::to_string(index), list, std::to_string(size)});
+        fail(messages::ModelDescription::DanglingReference, place,
+             {"index " + std::to_string(index), list, std::to_string(size)});
 }
 
 int DescriptionReader::index(JsonValue value, const Place& place, ListKind list, bool noneAllowed) const {

@@ -52,9 +52,10 @@ public:
     StoredCGModel& model() { return model_; }
     CGModelFactory& factory() { return *factory_; }
 
-    // Raises "VelCG:ModelDescription:<key>" with the source name, the place
-    // and the further arguments of the key's template.
-    [[noreturn]] void fail(const char* key, const Place& place, std::vector<std::string> more = {}) const;
+    // Raises identifier (one of messages::ModelDescription) with the source
+    // name, the place and the further arguments of its template.
+    [[noreturn]] void fail(const char* identifier, const Place& place,
+                           std::vector<std::string> more = {}) const;
     // InvalidValue with a reason.
     [[noreturn]] void invalid(const Place& place, const std::string& reason) const;
     // UnknownField for key of the object at place, suggesting the known

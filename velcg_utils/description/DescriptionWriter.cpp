@@ -32,7 +32,7 @@ DescriptionWriter::DescriptionWriter(const CGModel& model) {
 }
 
 void DescriptionWriter::fail(const Place& place, const std::string& reason) const {
-    raise(key::kNotDescribable, {place.pointer(), reason});
+    raise(messages::ModelDescription::NotDescribable, {place.pointer(), reason});
 }
 
 Json DescriptionWriter::text(const std::string& value, const Place& place) const {

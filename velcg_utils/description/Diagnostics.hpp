@@ -6,29 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "Messages.hpp"
+
 namespace VelCG::description {
 
-// Keys of the catalogue; the identifier is "VelCG:ModelDescription:<key>".
-namespace key {
-inline constexpr const char* kMalformedJson = "MalformedJson";
-inline constexpr const char* kNotADescription = "NotADescription";
-inline constexpr const char* kUnsupportedVersion = "UnsupportedVersion";
-inline constexpr const char* kMissingField = "MissingField";
-inline constexpr const char* kWrongType = "WrongType";
-inline constexpr const char* kUnknownField = "UnknownField";
-inline constexpr const char* kDuplicateField = "DuplicateField";
-inline constexpr const char* kDanglingReference = "DanglingReference";
-inline constexpr const char* kCycle = "Cycle";
-inline constexpr const char* kUnknownEnumerator = "UnknownEnumerator";
-inline constexpr const char* kInvalidValue = "InvalidValue";
-inline constexpr const char* kNotAPlainFileName = "NotAPlainFileName";
-inline constexpr const char* kSameFileName = "SameFileName";
-inline constexpr const char* kReadFailed = "ReadFailed";
-inline constexpr const char* kWriteFailed = "WriteFailed";
-inline constexpr const char* kNotDescribable = "NotDescribable";
-} // namespace key
+// Raises the diagnostic identifier (one of messages::ModelDescription) with
+// the arguments of its template.
+[[noreturn]] void raise(const char* identifier, std::vector<std::string> arguments);
 
-// Raises "VelCG:ModelDescription:<key>" with the arguments of its template.
-[[noreturn]] void raise(const char* key, std::vector<std::string> arguments);
+// Whether identifier is one of messages::ModelDescription.
+bool isDescriptionDiagnostic(const std::string& identifier);
 
 } // namespace VelCG::description

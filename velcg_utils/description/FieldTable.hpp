@@ -169,7 +169,7 @@ public:
             std::size_t f = find(name, next);
             if (f == kNone) f = findAlsoKnown(name, alsoKnown);
             if (f == kNone) reader.unknownField(place, name, knownNames(alsoKnown));
-            if (seen[f]) reader.fail(key::kDuplicateField, place / name);
+            if (seen[f]) reader.fail(messages::ModelDescription::DuplicateField, place / name);
             seen[f] = true;
             fieldOfKey[keys++] = static_cast<std::uint8_t>(f);
             if (f >= fields_.size()) continue;

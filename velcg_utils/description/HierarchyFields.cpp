@@ -416,7 +416,7 @@ void finishHierarchy(DescriptionReader& reader, BlockHierarchyMap& map, const Pl
         for (std::size_t i = 0; i < list.size(); ++i) {
             reader.checkIndex(list[i], listPlace / i, "/hierarchy/subsystems", count);
             if (isAncestorOrSelf(list[i], static_cast<int>(s)))
-                reader.fail(key::kCycle, listPlace / i,
+                reader.fail(messages::ModelDescription::Cycle, listPlace / i,
                             {"subsystem " + std::to_string(list[i]) + " would be a child of subsystem " +
                              std::to_string(s) + ", its own descendant"});
         }
@@ -431,7 +431,7 @@ void finishHierarchy(DescriptionReader& reader, BlockHierarchyMap& map, const Pl
         for (int c : children[s]) {
             if (static_cast<std::size_t>(c) > s) continue;
             if (isAncestorOrSelf(c, static_cast<int>(s)))
-                reader.fail(key::kCycle, subsystemPlace / "blocks",
+                reader.fail(messages::ModelDescription::Cycle, subsystemPlace / "blocks",
                             {"its subsystem blocks make subsystem " + std::to_string(c) +
                              " a child of subsystem " + std::to_string(s) + ", its own descendant"});
             reader.invalid(subsystemPlace / "blocks",
@@ -641,7 +641,7 @@ void checkGraphicalSources(DescriptionReader& reader, const CGModel& model) {
             if (source != kNone && marks[source] == kInWalk) {
                 const std::string sourcePointer = pointerOf(source);
                 const Place sourcePlace(sourcePointer);
-                reader.fail(key::kCycle, sourcePlace / "graphicalSource",
+                reader.fail(messages::ModelDescription::Cycle, sourcePlace / "graphicalSource",
                             {"following the graphical sources from this port leads back to it through " +
                              pointerOf(n)});
             }

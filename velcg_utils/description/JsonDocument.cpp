@@ -96,7 +96,8 @@ std::string reasonOf(const std::string& what) {
     const std::size_t lineStart = stop == 0 ? std::string_view::npos : text.rfind('\n', stop - 1);
     const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(stop), '\n');
     const std::size_t column = lineStart == std::string_view::npos ? stop + 1 : stop - lineStart;
-    raise(key::kMalformedJson, {sourceName, std::to_string(line), std::to_string(column), reason});
+    raise(messages::ModelDescription::MalformedJson,
+          {sourceName, std::to_string(line), std::to_string(column), reason});
 }
 
 // Text simdjson refused, read by nlohmann-json, whose grammar the messages
@@ -125,7 +126,7 @@ PaddedText throughReference(std::string_view text, const std::string& sourceName
     }
     DuplicateKeyFinder finder;
     Json::sax_parse(text.begin(), text.end(), &finder);
-    if (finder.found()) raise(key::kDuplicateField, {sourceName, finder.duplicate()});
+    if (finder.found()) raise(messages::ModelDescription::DuplicateField, {sourceName, finder.duplicate()});
     return PaddedText(document.dump());
 }
 
@@ -157,12 +158,13 @@ JsonDocument JsonDocument::parse(PaddedText text, const std::string& sourceName)
     JsonDocument result;
     auto error = parseInto(*result.document_, text);
     if (error == simdjson::MEMALLOC || error == simdjson::CAPACITY)
-        raise(key::kReadFailed, {sourceName, simdjson::error_message(error)});
+        raise(messages::ModelDescription::ReadFailed, {sourceName, simdjson::error_message(error)});
     if (error) {
         PaddedText canonical = throughReference(text, sourceName);
         text = PaddedText();
         error = parseInto(*result.document_, canonical);
-        if (error) raise(key::kReadFailed, {sourceName, simdjson::error_message(error)});
+        if (error)
+            raise(messages::ModelDescription::ReadFailed, {sourceName, simdjson::error_message(error)});
     }
     return result;
 }

@@ -38,7 +38,7 @@ constexpr const char* kSchemaKey = "$schema";
 // The place named when a failure cannot be tied to one.
 constexpr const char* kWholeDocument = "(the whole document)";
 
-bool isOurs(const vel::diag::Exception& e) { return e.identifier().rfind("VelCG:ModelDescription:", 0) == 0; }
+bool isOurs(const vel::diag::Exception& e) { return isDescriptionDiagnostic(e.identifier()); }
 
 std::string systemError() { return errno ? std::strerror(errno) : "unknown error"; }
 
@@ -58,12 +58,12 @@ void checkFileNames(const DescriptionReader& reader, const std::vector<ModelFile
         const Place entry = list / i;
         const Place place = entry / "name";
         if (const auto problem = plainFileNameProblem(name))
-            reader.fail(key::kNotAPlainFileName, place, {quotedName(name), *problem});
+            reader.fail(messages::ModelDescription::NotAPlainFileName, place, {quotedName(name), *problem});
         const auto [first, added] = byKey.emplace(fileNameFoldKey(name), i);
         if (!added) {
             const Place firstEntry = list / first->second;
             reader.fail(
-                key::kSameFileName, place,
+                messages::ModelDescription::SameFileName, place,
                 {quotedName(name), quotedName(files[first->second].name), (firstEntry / "name").pointer()});
         }
     }
@@ -73,13 +73,14 @@ void checkFileNames(const DescriptionReader& reader, const std::vector<ModelFile
 // model owns as soon as they exist, so that a failure frees all of it.
 ModelDescription read(JsonValue document, const std::string& sourceName) {
     if (document.type() != simdjson::dom::element_type::OBJECT)
-        raise(key::kNotADescription, {sourceName, "the document is not a JSON object"});
+        raise(messages::ModelDescription::NotADescription, {sourceName, "the document is not a JSON object"});
     JsonValue format;
     if (!DescriptionReader::find(document, kFormatKey, format))
-        raise(key::kNotADescription, {sourceName, "it has no \"format\""});
+        raise(messages::ModelDescription::NotADescription, {sourceName, "it has no \"format\""});
     if (format.type() != simdjson::dom::element_type::STRING ||
         format.get_string().value_unsafe() != ModelDescription::kFormatName)
-        raise(key::kNotADescription, {sourceName, "its \"format\" is " + toJson(format).dump()});
+        raise(messages::ModelDescription::NotADescription,
+              {sourceName, "its \"format\" is " + toJson(format).dump()});
 
     auto model = std::make_unique<StoredCGModel>();
     DescriptionReader reader(document, sourceName, *model);
@@ -87,7 +88,7 @@ ModelDescription read(JsonValue document, const std::string& sourceName) {
     const Place versionPlace = root / kVersionKey;
     const std::int64_t version = reader.int64(reader.required(document, root, kVersionKey), versionPlace);
     if (version != ModelDescription::kFormatVersion)
-        reader.fail(key::kUnsupportedVersion, versionPlace,
+        reader.fail(messages::ModelDescription::UnsupportedVersion, versionPlace,
                     {std::to_string(version), std::to_string(ModelDescription::kFormatVersion)});
 
     JsonValue value;
@@ -116,7 +117,7 @@ ModelDescription read(JsonValue document, const std::string& sourceName) {
         // The only part of the document no field table reads, and so checks
         // for keys named twice.
         if (auto repeated = firstRepeatedKey(value, root / kTemplateDataKey))
-            raise(key::kDuplicateField, {sourceName, *repeated});
+            raise(messages::ModelDescription::DuplicateField, {sourceName, *repeated});
         result.templateData = toJson(value).dump();
     }
     result.model = std::move(model);
@@ -134,18 +135,19 @@ ModelDescription readText(PaddedText text, const std::string& sourceName) {
             // A key named twice is reported wherever it stands, before
             // anything reading found (which may follow from it).
             if (auto repeated = firstRepeatedKey(document.root(), Place()))
-                raise(key::kDuplicateField, {sourceName, *repeated});
+                raise(messages::ModelDescription::DuplicateField, {sourceName, *repeated});
             throw;
         }
     } catch (const vel::diag::Exception& e) {
         if (isOurs(e)) throw;
         // The library refused something the checks let through.
-        raise(key::kInvalidValue, {sourceName, kWholeDocument, e.diagnostic().message()});
+        raise(messages::ModelDescription::InvalidValue,
+              {sourceName, kWholeDocument, e.diagnostic().message()});
     } catch (const std::bad_alloc&) {
         // Memory ran out: nothing is wrong with the document.
         throw;
     } catch (const std::exception& e) {
-        raise(key::kInvalidValue, {sourceName, kWholeDocument, e.what()});
+        raise(messages::ModelDescription::InvalidValue, {sourceName, kWholeDocument, e.what()});
     }
 }
 
@@ -156,7 +158,7 @@ PaddedText readFile(const std::string& path) {
     };
     errno = 0;
     const std::unique_ptr<std::FILE, Close> file(std::fopen(path.c_str(), "rb"));
-    if (!file) raise(key::kReadFailed, {path, systemError()});
+    if (!file) raise(messages::ModelDescription::ReadFailed, {path, systemError()});
     // A regular file is read into a buffer of its size, unless its size
     // changes meanwhile; anything else in pieces.
     std::error_code error;
@@ -171,7 +173,7 @@ PaddedText readFile(const std::string& path) {
     std::string text;
     char piece[1 << 16];
     for (std::size_t n; (n = std::fread(piece, 1, sizeof piece, file.get())) > 0;) text.append(piece, n);
-    if (std::ferror(file.get())) raise(key::kReadFailed, {path, systemError()});
+    if (std::ferror(file.get())) raise(messages::ModelDescription::ReadFailed, {path, systemError()});
     return PaddedText(text);
 }
 
@@ -179,7 +181,8 @@ PaddedText readFile(const std::string& path) {
 
 ModelDescription ModelDescription::load(const std::string& path) {
     std::error_code error;
-    if (std::filesystem::is_directory(path, error)) raise(key::kReadFailed, {path, "it is a directory"});
+    if (std::filesystem::is_directory(path, error))
+        raise(messages::ModelDescription::ReadFailed, {path, "it is a directory"});
     return readText(readFile(path), path);
 }
 
@@ -211,12 +214,12 @@ std::string ModelDescription::toText(const CGModel& model, const std::vector<Mod
         return printJson(document);
     } catch (const vel::diag::Exception& e) {
         if (isOurs(e)) throw;
-        raise(key::kNotDescribable, {kWholeDocument, e.diagnostic().message()});
+        raise(messages::ModelDescription::NotDescribable, {kWholeDocument, e.diagnostic().message()});
     } catch (const std::bad_alloc&) {
         // Memory ran out: nothing is wrong with the model.
         throw;
     } catch (const std::exception& e) {
-        raise(key::kNotDescribable, {kWholeDocument, e.what()});
+        raise(messages::ModelDescription::NotDescribable, {kWholeDocument, e.what()});
     }
 }
 
@@ -228,18 +231,18 @@ void ModelDescription::save(const CGModel& model, const std::vector<ModelFileDes
     const std::string temporary = path + ".partial";
     errno = 0;
     std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    if (!out) raise(key::kWriteFailed, {path, systemError()});
+    if (!out) raise(messages::ModelDescription::WriteFailed, {path, systemError()});
     out.write(text.data(), static_cast<std::streamsize>(text.size()));
     out.close();
     if (!out) {
         const std::string reason = systemError();
         std::remove(temporary.c_str());
-        raise(key::kWriteFailed, {path, reason});
+        raise(messages::ModelDescription::WriteFailed, {path, reason});
     }
     if (std::rename(temporary.c_str(), path.c_str()) != 0) {
         const std::string reason = systemError();
         std::remove(temporary.c_str());
-        raise(key::kWriteFailed, {path, reason});
+        raise(messages::ModelDescription::WriteFailed, {path, reason});
     }
 }
 

@@ -527,7 +527,7 @@ const FieldTable<ChildTarget, const ChildSource>& childEntryFields() {
                     if (!target.groups.count(variable.group)) {
                         const std::string pointer = p.pointer();
                         const std::string entry = pointer.substr(0, pointer.rfind("/variables"));
-                        r.fail(key::kDanglingReference, p / "group",
+                        r.fail(messages::ModelDescription::DanglingReference, p / "group",
                                {"the name \"" + variable.group + "\"", entry + "/groups",
                                 std::to_string(target.groups.size())});
                     }
@@ -984,7 +984,7 @@ void checkModelReferences(DescriptionReader& reader, const CGModel& model) {
                 const Place root;
                 const Place list = root / "varGroups";
                 const Place group = list / walk.back();
-                reader.fail(key::kCycle, group / "parentVarGroupIndex",
+                reader.fail(messages::ModelDescription::Cycle, group / "parentVarGroupIndex",
                             {"variable groups that are each other's parents: " + chain + std::to_string(k)});
             }
             state[k] = 1;

@@ -135,7 +135,7 @@ CG::Type::Ptr readIRType(DescriptionReader& reader, JsonValue value, const Place
     } catch (const vel::diag::Exception& e) {
         // The type system refuses some parts (a duplicate field name, a
         // float of 16 bits); ours pass through unchanged.
-        if (e.identifier().rfind("VelCG:ModelDescription:", 0) == 0) throw;
+        if (isDescriptionDiagnostic(e.identifier())) throw;
         reader.invalid(place, e.diagnostic().message());
     }
 }
@@ -299,7 +299,7 @@ void checkTypeChains(DescriptionReader& reader, const CGModel& model) {
                 for (std::size_t k = std::find(walk.begin(), walk.end(), next) - walk.begin();
                      k < walk.size(); ++k)
                     chain += std::to_string(walk[k]) + " -> ";
-                reader.fail(key::kCycle, Place(pointerOf(current)),
+                reader.fail(messages::ModelDescription::Cycle, Place(pointerOf(current)),
                             {"matrix types built from each other: " + chain + std::to_string(next)});
             }
             walk.push_back(next);

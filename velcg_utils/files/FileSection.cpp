@@ -9,6 +9,7 @@
 #include <boost/make_shared.hpp>
 
 #include "FilesDetail.hpp"
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/StringFileSectionFragment.hpp"
 
@@ -16,11 +17,11 @@ namespace VelCG {
 
 namespace files_detail {
 void writeBytes(std::FILE* stream, const char* data, std::size_t size) {
-    if (!stream) vel::diag::throwError("VelCG:FileSection:NullStream", {});
+    if (!stream) vel::diag::throwError(messages::FileSection::NullStream, {});
     if (size == 0) return;
     errno = 0;
     if (std::fwrite(data, 1, size, stream) != size)
-        vel::diag::throwError("VelCG:FileSection:WriteFailed", {std::to_string(size), systemErrorText()});
+        vel::diag::throwError(messages::FileSection::WriteFailed, {std::to_string(size), systemErrorText()});
 }
 
 void writeBytes(std::FILE* stream, const std::string& text) { writeBytes(stream, text.data(), text.size()); }
@@ -100,18 +101,18 @@ void FileSection::addContent(const std::string& text) {
     addContent_cstr(text.c_str());
     const std::size_t kept = std::strlen(text.c_str());
     if (kept < text.size())
-        vel::diag::warn("VelCG:FileSection:TextAfterNul",
+        vel::diag::warn(messages::FileSection::TextAfterNul,
                         {std::to_string(text.size() - kept), std::to_string(text.size())});
 }
 
 void FileSection::addFragment(FragmentPtr fragment) {
-    if (!fragment) vel::diag::throwError("VelCG:FileSection:NullFragment", {});
+    if (!fragment) vel::diag::throwError(messages::FileSection::NullFragment, {});
     if (contentCache_) contentCache_->clear();
     fragments_.push_back(std::move(fragment));
 }
 
 void FileSection::writeToFile(std::FILE* stream) const {
-    if (!stream) vel::diag::throwError("VelCG:FileSection:NullStream", {});
+    if (!stream) vel::diag::throwError(messages::FileSection::NullStream, {});
     files_detail::BlockWriter out(stream);
     for (const FragmentPtr& f : fragments_) {
         // A plain string fragment writes exactly its text, so its bytes can
@@ -139,7 +140,7 @@ std::uint32_t FileSection::getNumberOfSectionFragments() const {
 
 const std::string& FileSection::getSectionFragment(std::uint32_t i) const {
     if (i >= fragments_.size())
-        vel::diag::throwError("VelCG:FileSection:InvalidFragmentIndex",
+        vel::diag::throwError(messages::FileSection::InvalidFragmentIndex,
                               {std::to_string(i), std::to_string(fragments_.size())});
     return fragments_[i]->getContent();
 }

@@ -1,12 +1,13 @@
 #include "velcg/FunctionsSection.hpp"
 
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace VelCG {
 
 namespace {
 [[noreturn]] void invalidIndex(const char* what, std::int64_t index, std::size_t count) {
-    vel::diag::throwError("VelCG:FunctionsSection:InvalidFunctionIndex",
+    vel::diag::throwError(messages::FunctionsSection::InvalidFunctionIndex,
                           {what, std::to_string(index), std::to_string(count)});
 }
 } // namespace

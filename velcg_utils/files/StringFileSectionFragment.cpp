@@ -1,6 +1,7 @@
 #include "velcg/StringFileSectionFragment.hpp"
 
 #include "FilesDetail.hpp"
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace VelCG {
@@ -9,7 +10,7 @@ FileSectionFragment::~FileSectionFragment() = default;
 
 namespace {
 std::string textOrRaise(const char* text) {
-    if (!text) vel::diag::throwError("VelCG:FileSection:NullContent", {});
+    if (!text) vel::diag::throwError(messages::FileSection::NullContent, {});
     return text;
 }
 } // namespace

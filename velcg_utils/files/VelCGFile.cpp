@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "FilesDetail.hpp"
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/i18n/Text.hpp"
 #include "velcg/FileSection.hpp"
@@ -16,7 +17,7 @@ namespace VelCG {
 namespace {
 std::unique_ptr<VelCGFileContent> buildContent(const std::string& name,
                                                std::unique_ptr<VelCGFileContentBuilder> builder) {
-    if (!builder) vel::diag::throwError("VelCG:VelCGFile:NullBuilder", {name});
+    if (!builder) vel::diag::throwError(messages::VelCGFile::NullBuilder, {name});
     std::unique_ptr<VelCGFileContent> content = VelCGFileContentCreator::createFileContent(*builder);
     // A builder that allocated no table leaves the file without sections.
     return content ? std::move(content) : std::make_unique<VelCGFileContent>();
@@ -73,7 +74,7 @@ void VelCGFile::reportWrittenFile() {
     // Once the file has been written, what did not reach it never will.
     if (!writingStarted_ || writingReported_) return;
     writingReported_ = true;
-    if (!wroteText_ && !notEmpty_) vel::diag::warn("VelCG:VelCGFile:WrittenEmpty", {nameAscii_});
+    if (!wroteText_ && !notEmpty_) vel::diag::warn(messages::VelCGFile::WrittenEmpty, {nameAscii_});
     customContents_.warnUnwrittenContent([this](VelCGFileSectionKind kind) { return hasSection(kind); });
 }
 
@@ -127,7 +128,8 @@ void VelCGFile::writeSectionToFile(VelCGFileSectionKind kind, std::FILE* stream)
     writingStarted_ = true;
     if (!hasSection(kind)) return;
     if (!stream)
-        vel::diag::throwError("VelCG:VelCGFile:NullStream", {nameAscii_, getScrivSectionNameFromEnum(kind)});
+        vel::diag::throwError(messages::VelCGFile::NullStream,
+                              {nameAscii_, getScrivSectionNameFromEnum(kind)});
     FileSection& section = getFileSection(kind);
     customContents_.appendMissingTokens(section, kind);
     wroteText_ = wroteText_ || writesText(section);

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "FileKindSections.hpp"
+#include "Messages.hpp"
 #include "NearNames.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/TemplateReference.hpp"
@@ -56,7 +57,7 @@ void VelCGFileContent::EmptyFileSection::warnDropped(std::size_t bytes) const {
     if (bytes == 0) return;
     std::vector<std::string> arguments = context();
     arguments.insert(arguments.begin(), std::to_string(bytes));
-    vel::diag::warn("VelCG:VelCGFileContent:MissingSection", std::move(arguments));
+    vel::diag::warn(messages::VelCGFileContent::MissingSection, std::move(arguments));
 }
 
 void VelCGFileContent::EmptyFileSection::addContent_cstr(const char* text) {
@@ -127,10 +128,10 @@ void VelCGFileContent::clearContents() {
 
 void VelCGFileContent::setSection(VelCGFileSectionKind kind, std::unique_ptr<FileSection> section) {
     if (!isSlot(kind))
-        vel::diag::throwError("VelCG:VelCGFileContent:InvalidSlot",
+        vel::diag::throwError(messages::VelCGFileContent::InvalidSlot,
                               {std::to_string(static_cast<int>(kind)), "no such slot"});
     if (!section)
-        vel::diag::throwError("VelCG:VelCGFileContent:InvalidSlot",
+        vel::diag::throwError(messages::VelCGFileContent::InvalidSlot,
                               {std::to_string(static_cast<int>(kind)), "the section is null"});
     if (sections_[kind]) sections_[kind]->endScriptAccess();
     sections_[kind] = std::move(section);

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/feature/Feature.hpp"
 #include "vel/i18n/Text.hpp"
@@ -35,7 +36,7 @@ std::size_t blockCount(const CGModel& model) {
 Generation::Generation(ModelDescription description, Settings settings)
     : settings_(std::move(settings)), description_(std::move(description)) {
     if (!description_.model)
-        vel::diag::throwErrorText("VelCG:Generation:NoModel", "The description holds no model.");
+        vel::diag::throwErrorText(messages::Generation::NoModel, "The description holds no model.");
     // A mistyped switch is refused before anything is written.
     VELFEAT_VelCGDirectEmitSerialize.checkOverride();
     output_ = std::make_unique<OutputDirectory>(settings_.outputDirectory, settings_.wait, settings_.onWait,
@@ -56,7 +57,7 @@ const fs::path& Generation::stagingDirectory() const { return output_->staging()
 
 void Generation::complete() {
     if (stage_ != Stage::Running)
-        vel::diag::throwErrorText("VelCG:Generation:Completed", "The generation has completed already.");
+        vel::diag::throwErrorText(messages::Generation::Completed, "The generation has completed already.");
     stage_ = Stage::Completed;
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();
@@ -71,7 +72,7 @@ void Generation::complete() {
 
 Generation::Result Generation::commit() {
     if (stage_ != Stage::Completed)
-        vel::diag::throwErrorText("VelCG:Generation:NotCompleted",
+        vel::diag::throwErrorText(messages::Generation::NotCompleted,
                                   stage_ == Stage::Running ? "The generation has not completed yet."
                                                            : "The generation has been committed already.");
     stage_ = Stage::Committed;

@@ -7,6 +7,7 @@
 #include <set>
 #include <system_error>
 
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/sys/DirectoryLock.hpp"
 #include "velcg/PlainFileName.hpp"
@@ -21,12 +22,13 @@ constexpr const char* kCommitName = ".velcg-gen-commit";
 constexpr const char* kManifestHeader = "velcg-gen manifest 1";
 constexpr const char* kCommitHeader = "velcg-gen commit 1";
 
-[[noreturn]] void fail(const std::string& identifier, const std::string& text) {
-    vel::diag::throwErrorText("VelCG:Generation:" + identifier, text);
+[[noreturn]] void fail(const char* identifier, const std::string& text) {
+    vel::diag::throwErrorText(identifier, text);
 }
 
 [[noreturn]] void failOn(const fs::path& path, const std::string& what, const std::error_code& ec) {
-    fail("CannotWrite", "Cannot " + what + " '" + path.string() + "': " + ec.message() + ".");
+    fail(messages::Generation::CannotWrite,
+         "Cannot " + what + " '" + path.string() + "': " + ec.message() + ".");
 }
 
 bool sameBytes(const fs::path& a, const fs::path& b) {
@@ -55,15 +57,16 @@ std::vector<std::string> readList(const fs::path& file, const char* header, bool
     std::string line;
     std::vector<std::string> names;
     if (!std::getline(in, line) || line != header)
-        fail("BadManifest",
+        fail(messages::Generation::BadManifest,
              "'" + file.string() + "' is not a list written by velcg-gen; remove it to start afresh.");
     for (int number = 2; std::getline(in, line); ++number) {
         const std::string name = manifest && !line.empty() ? line.substr(0, line.size() - 1) : line;
         if (!OutputDirectory::isPlainRelativePath(name) &&
             !(manifest && name == OutputDirectory::kManifestName))
-            fail("BadManifest", "'" + file.string() + "', line " + std::to_string(number) + ": '" + line +
-                                    "' is not a file inside the output directory; remove the file to start "
-                                    "afresh.");
+            fail(messages::Generation::BadManifest,
+                 "'" + file.string() + "', line " + std::to_string(number) + ": '" + line +
+                     "' is not a file inside the output directory; remove the file to start "
+                     "afresh.");
         names.push_back(line);
     }
     return names;
@@ -113,7 +116,7 @@ OutputDirectory::OutputDirectory(const fs::path& directory, bool wait, const std
     if (recover) {
         fs::create_directories(directory_, ec);
         if (ec || !fs::is_directory(directory_))
-            fail("CannotCreateDirectory",
+            fail(messages::Generation::CannotCreateDirectory,
                  "Cannot create the output directory '" + directory_.string() +
                      "': " + (ec ? ec.message() : std::string("a file of that name is in the way")) + ".");
     }
@@ -121,7 +124,7 @@ OutputDirectory::OutputDirectory(const fs::path& directory, bool wait, const std
         lock_ = std::make_unique<vel::sys::DirectoryLock>(directory_, vel::sys::DirectoryLock::Wait::No);
         if (!lock_->locked()) {
             if (!wait)
-                fail("Busy",
+                fail(messages::Generation::Busy,
                      "Another run is generating into '" + directory_.string() +
                          "'; try again once it has ended, or let this run wait for it (velcg-gen without "
                          "--no-wait).");
@@ -172,12 +175,14 @@ std::vector<std::string> OutputDirectory::stagedFiles() const {
         const std::string name = it->path().lexically_relative(staging_).generic_string();
         if (name == kManifestName || name == kCommitName) continue;
         if (it->is_symlink(ec) || (!it->is_regular_file(ec) && !it->is_directory(ec)))
-            fail("NotAFile", "'" + name +
-                                 "' was left in the output directory by the template, but it is not a "
-                                 "regular file; write files only.");
+            fail(messages::Generation::NotAFile,
+                 "'" + name +
+                     "' was left in the output directory by the template, but it is not a "
+                     "regular file; write files only.");
         if (it->is_regular_file(ec)) {
             if (!isPlainRelativePath(name))
-                fail("BadFileName", "'" + name + "' is not a name velcg-gen can generate.");
+                fail(messages::Generation::BadFileName,
+                     "'" + name + "' is not a name velcg-gen can generate.");
             files.push_back(name);
         }
     }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "Messages.hpp"
+#include "brisk/Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/CustomSection.hpp"
 
@@ -42,7 +44,7 @@ void CustomContents::addCustomSection(const std::string& name, VelCGFileSectionK
         VelCGFileSectionKind previous = found->second->getBuiltinSection();
         if (previous == builtin) return; // the same declaration again
         vel::diag::throwError(
-            "Brisk:codeGen:CustomContentPreviousAssociation",
+            brisk::messages::CustomContentPreviousAssociation,
             {name, getScrivSectionNameFromEnum(builtin), getScrivSectionNameFromEnum(previous)});
     }
     SectionPtr section(new CustomSection(name, builtin));
@@ -62,15 +64,15 @@ void CustomContents::addContentToSection(const std::string& name, const std::str
     addContentToSection(name, content.c_str());
     const std::size_t kept = std::strlen(content.c_str());
     if (kept < content.size())
-        vel::diag::warn("VelCG:CustomContents:TextAfterNul",
+        vel::diag::warn(messages::CustomContents::TextAfterNul,
                         {fileName_, name, std::to_string(content.size() - kept)});
 }
 
 void CustomContents::addContentToSection(const std::string& name, const char* content) {
     auto found = sectionsByName_.find(name);
     if (found == sectionsByName_.end())
-        vel::diag::throwError("Brisk:codeGen:CustomContentSectionDoesNotExist", {fileName_, name});
-    if (!content) vel::diag::throwError("VelCG:CustomContents:NullContent", {fileName_, name});
+        vel::diag::throwError(brisk::messages::CustomContentSectionDoesNotExist, {fileName_, name});
+    if (!content) vel::diag::throwError(messages::CustomContents::NullContent, {fileName_, name});
     found->second->addContent_cstr(content);
 }
 
@@ -80,7 +82,7 @@ const std::string& CustomContents::getCustomSectionContent(const std::string& na
     if (found == sectionsByName_.end()) return emptyContent_;
     CustomSection& section = *found->second;
     if (section.isRetrieved())
-        vel::diag::throwError("Brisk:codeGen:CustomContentSectionAlreadyRetrieved", {name, context, name});
+        vel::diag::throwError(brisk::messages::CustomContentSectionAlreadyRetrieved, {name, context, name});
     section.setIsRetrieved();
     return section.getContent();
 }
@@ -110,13 +112,13 @@ void CustomContents::warnUnwrittenContent(
             if (size == 0) continue;
             const std::string bytes = std::to_string(size);
             if (sectionTokenInUse(section))
-                vel::diag::warn("VelCG:CustomContents:PlacedNotRetrieved",
+                vel::diag::warn(messages::CustomContents::PlacedNotRetrieved,
                                 {fileName_, section->getName(), bytes});
             else if (!fileHasSection(kind))
-                vel::diag::warn("VelCG:CustomContents:NoBuiltinSection",
+                vel::diag::warn(messages::CustomContents::NoBuiltinSection,
                                 {fileName_, section->getName(), kindName(kind), bytes});
             else
-                vel::diag::warn("VelCG:CustomContents:NotWritten",
+                vel::diag::warn(messages::CustomContents::NotWritten,
                                 {fileName_, section->getName(), kindName(kind), bytes});
         }
     }

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "Messages.hpp"
 #include "NearNames.hpp"
+#include "brisk/Messages.hpp"
 #include "files/FilesDetail.hpp"
 #include "scriv/BridgeAttributes.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -65,21 +67,18 @@ std::string unquotedList(const std::vector<std::string>& names) {
 // a name of another type, a read-only one, a section, or an unknown name
 // with the names it may have meant.
 [[noreturn]] void refuseAttribute(const std::string& name, Use use) {
-    const char* const id = "VelCG:FileRepScrivBridge:";
+    namespace ids = messages::FileRepScrivBridge;
     const ValueType wanted = typeOf(use);
     const AttributeRow* row = findRow(name);
-    if (isSet(use) && isSectionName(name))
-        vel::diag::throwError(std::string(id) + "SectionNotSettable", {name});
+    if (isSet(use) && isSectionName(name)) vel::diag::throwError(ids::SectionNotSettable, {name});
     if (isSet(use) && row && row->setAs == ValueType::None)
-        vel::diag::throwError(std::string(id) + "ReadOnlyAttribute", {name, readerOf(row->readAs)});
+        vel::diag::throwError(ids::ReadOnlyAttribute, {name, readerOf(row->readAs)});
     if (isSet(use) && row)
-        vel::diag::throwError(std::string(id) + "WrongValueType",
-                              {name, valueOf(row->setAs), valueOf(wanted)});
+        vel::diag::throwError(ids::WrongValueType, {name, valueOf(row->setAs), valueOf(wanted)});
     const ValueType actual = row ? row->readAs : isSectionName(name) ? ValueType::String : ValueType::None;
     if (actual != ValueType::None)
-        vel::diag::throwError(
-            std::string(id) + "WrongAttributeType",
-            {name, reference::valueTypeName(actual), reference::valueTypeName(wanted), readerOf(actual)});
+        vel::diag::throwError(ids::WrongAttributeType, {name, reference::valueTypeName(actual),
+                                                        reference::valueTypeName(wanted), readerOf(actual)});
     std::vector<std::string> candidates;
     for (const AttributeRow& r : scriv_detail::attributeRows())
         if ((isSet(use) ? r.setAs : r.readAs) == wanted) candidates.push_back(r.name);
@@ -94,25 +93,25 @@ std::string unquotedList(const std::vector<std::string>& names) {
                        : wanted == ValueType::Boolean ? "boolean"
                                                       : "string list";
     vel::diag::throwError(
-        std::string(id) + "UnknownAttribute",
+        ids::UnknownAttribute,
         {name, kind, names_detail::didYouMean(name, candidates, '\''), unquotedList(listed)});
 }
 
 [[noreturn]] void unknownSection(const std::string& name) {
-    vel::diag::throwError("VelCG:FileRepScrivBridge:UnknownSection",
+    vel::diag::throwError(messages::FileRepScrivBridge::UnknownSection,
                           {name, names_detail::didYouMean(name, sectionNamesInFileOrder(), '\''),
                            unquotedList(sectionNamesInFileOrder())});
 }
 
 void requireNonNull(const void* p, const char* what) {
-    if (!p) vel::diag::throwError("VelCG:FileRepScrivBridge:NullArgument", {what});
+    if (!p) vel::diag::throwError(messages::FileRepScrivBridge::NullArgument, {what});
 }
 
 // The file at fileIndex of the repository's live list: a bridge call must not
 // cost more as the repository grows.
 VelCGFile& fileAt(const std::vector<VelCGFile*>& files, std::int32_t fileIndex) {
     if (fileIndex < 0 || static_cast<std::size_t>(fileIndex) >= files.size())
-        vel::diag::throwError("VelCG:FileRepScrivBridge:InvalidFileIndex",
+        vel::diag::throwError(messages::FileRepScrivBridge::InvalidFileIndex,
                               {std::to_string(fileIndex), std::to_string(files.size())});
     return *files[static_cast<std::size_t>(fileIndex)];
 }
@@ -272,10 +271,10 @@ void FileRepScrivBridge::addCustomSection(std::int32_t fileIndex, const std::str
         // have been come as a warning of their own.
         std::vector<std::string> builtins = sectionNamesInFileOrder();
         builtins.push_back("Types");
-        vel::diag::warn("VelCG:FileRepScrivBridge:InvalidBuiltinSection",
+        vel::diag::warn(messages::FileRepScrivBridge::InvalidBuiltinSection,
                         {builtinSectionName, names_detail::didYouMean(builtinSectionName, builtins, '\''),
                          unquotedList(builtins)});
-        vel::diag::throwError("Brisk:codeGen:CustomContentInvalidBuiltin",
+        vel::diag::throwError(brisk::messages::CustomContentInvalidBuiltin,
                               {customSectionName, builtinSectionName});
     }
     it->second(file, customSectionName.c_str());
@@ -296,7 +295,7 @@ void FileRepScrivBridge::writeSection(std::int32_t fileIndex, const std::string&
     // reached the file while the file and section can still be named.
     errno = 0;
     if (std::fflush(stream) != 0 || std::ferror(stream))
-        vel::diag::throwError("VelCG:FileRepScrivBridge:WriteFailed",
+        vel::diag::throwError(messages::FileRepScrivBridge::WriteFailed,
                               {file.getNameAscii(), sectionName, files_detail::systemErrorText()});
 }
 

@@ -8,6 +8,7 @@
 #include <random>
 #include <system_error>
 
+#include "Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/FileRepScrivBridge.hpp"
 #include "velcg/PlainFileName.hpp"
@@ -23,7 +24,7 @@ namespace {
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 [[noreturn]] void writeFailed(const fs::path& path, const std::string& reason) {
-    vel::diag::throwError("VelCG:FileRepScrivBridge:FileWriteFailed", {path.u8string(), reason});
+    vel::diag::throwError(messages::FileRepScrivBridge::FileWriteFailed, {path.u8string(), reason});
 }
 
 // Whether the two files hold the same bytes; a missing file equals nothing.
@@ -60,7 +61,7 @@ const std::vector<std::string>& sectionNamesInFileOrder() {
 bool writeWholeFile(FileRepScrivBridge& bridge, std::int32_t fileIndex, const fs::path& directory) {
     const std::string name = bridge.getFileFromIndex(fileIndex).getNameAscii();
     if (const auto problem = plainFileNameProblem(name))
-        vel::diag::throwError("VelCG:FileRepScrivBridge:NotAPlainFileName", {name, *problem});
+        vel::diag::throwError(messages::FileRepScrivBridge::NotAPlainFileName, {name, *problem});
     const fs::path target = directory / fs::u8path(name);
     fs::path temporary = target;
     temporary += ".velcg-" + std::to_string(std::random_device()()) + ".tmp";

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "Store.hpp"
+#include "coder/Messages.hpp"
 #include "coder/Repository.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
@@ -30,14 +31,15 @@ void Creator::setBoolean(std::size_t field, bool value) { values_.at(field) = st
 void Creator::setInteger(std::size_t field, std::int64_t value) {
     const FieldInfo& info = kind_.fields.at(field);
     if (value < info.min || value > info.max)
-        vel::diag::throwError("coder:descriptor:OutOfRange", {kind_.name, info.name, std::to_string(value)});
+        vel::diag::throwError(coder::messages::descriptor::OutOfRange,
+                              {kind_.name, info.name, std::to_string(value)});
     values_[field] = value;
 }
 
 void Creator::setReal(std::size_t field, double value) {
     // SQLite would store NaN as NULL, which reads back as no value at all.
     if (std::isnan(value))
-        vel::diag::throwError("coder:descriptor:OutOfRange",
+        vel::diag::throwError(coder::messages::descriptor::OutOfRange,
                               {kind_.name, kind_.fields.at(field).name, "NaN"});
     values_.at(field) = value;
 }

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "coder/Messages.hpp"
 #include "coder/ReadTransaction.hpp"
 #include "coder/Repository.hpp"
 #include "coder/descriptor/Model.hpp"
@@ -48,7 +49,7 @@ public:
             if (ancestor == object) return sink_.cycle(kind);
         }
         if (path_.size() >= kMaxDepth)
-            vel::diag::throwError("coder:descriptor:TooDeep", {std::to_string(kMaxDepth)});
+            vel::diag::throwError(coder::messages::descriptor::TooDeep, {std::to_string(kMaxDepth)});
         path_.push_back(object);
         sink_.beginRecord(kind);
         const std::vector<FieldValue> fields = object.getFields();
@@ -226,7 +227,7 @@ private:
 };
 
 void walk(const Object& record, Sink& sink) {
-    if (record.isNull()) vel::diag::throwError("coder:descriptor:NullObject", {});
+    if (record.isNull()) vel::diag::throwError(coder::messages::descriptor::NullObject, {});
     Walker(sink).record(record);
 }
 

@@ -1,23 +1,24 @@
 #include "coder/descriptor/Object.hpp"
 
 #include "Store.hpp"
+#include "coder/Messages.hpp"
 #include "coder/descriptor/Sequence.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace coder::descriptor {
 
 coder::detail::Store& Object::checkedStore() const {
-    if (isNull()) vel::diag::throwError("coder:descriptor:NullObject", {});
+    if (isNull()) vel::diag::throwError(coder::messages::descriptor::NullObject, {});
     store_->requireOpen();
     return *store_;
 }
 
 void Object::raiseWrongKind(const Object& object, const RecordKind& expected) {
-    vel::diag::throwError("coder:descriptor:WrongKind", {expected.name, object.getKind()->name});
+    vel::diag::throwError(coder::messages::descriptor::WrongKind, {expected.name, object.getKind()->name});
 }
 
 std::int64_t Object::getId() const {
-    if (isNull()) vel::diag::throwError("coder:descriptor:NullObject", {});
+    if (isNull()) vel::diag::throwError(coder::messages::descriptor::NullObject, {});
     return id_;
 }
 
@@ -26,7 +27,7 @@ std::vector<FieldValue> Object::getFields() const { return checkedStore().readRo
 FieldValue Object::getField(std::size_t field) const {
     auto row = checkedStore().readRow(*kind_, id_);
     if (field >= row.size())
-        vel::diag::throwError("coder:descriptor:IndexOutOfRange",
+        vel::diag::throwError(coder::messages::descriptor::IndexOutOfRange,
                               {std::to_string(field), std::to_string(row.size()), kind_->name});
     return std::move(row[field]);
 }
@@ -60,9 +61,9 @@ Object Object::reference(std::size_t field) const {
 void Object::setReference(std::size_t field, const Object& target) {
     auto& store = checkedStore();
     const FieldInfo& info = kind_->fields.at(field);
-    if (target.isNull()) vel::diag::throwError("coder:descriptor:NullObject", {});
+    if (target.isNull()) vel::diag::throwError(coder::messages::descriptor::NullObject, {});
     if (target.store_ != store_)
-        vel::diag::throwError("coder:descriptor:WrongRepository", {kind_->name, info.name});
+        vel::diag::throwError(coder::messages::descriptor::WrongRepository, {kind_->name, info.name});
     if (target.kind_ != &info.target()) raiseWrongKind(target, info.target());
     store.setReference(*kind_, field, id_, target.id_);
 }
@@ -70,7 +71,7 @@ void Object::setReference(std::size_t field, const Object& target) {
 detail::SequenceRef Object::sequence(std::size_t index) const {
     checkedStore();
     if (index >= kind_->sequences.size())
-        vel::diag::throwError("coder:descriptor:IndexOutOfRange",
+        vel::diag::throwError(coder::messages::descriptor::IndexOutOfRange,
                               {std::to_string(index), std::to_string(kind_->sequences.size()), kind_->name});
     return detail::SequenceRef{store_, kind_, id_, index};
 }

@@ -1,6 +1,7 @@
 #include "coder/Savepoint.hpp"
 
 #include "Store.hpp"
+#include "coder/Messages.hpp"
 #include "coder/Repository.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
@@ -14,7 +15,7 @@ Savepoint::~Savepoint() {
 }
 
 void Savepoint::release() {
-    if (released_) vel::diag::throwError("coder:Repository:NoTransaction", {store_->pathText()});
+    if (released_) vel::diag::throwError(coder::messages::Repository::NoTransaction, {store_->pathText()});
     released_ = true;
     store_->releaseSavepoint(transaction_);
 }

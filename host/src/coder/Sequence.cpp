@@ -1,6 +1,7 @@
 #include "coder/descriptor/Sequence.hpp"
 
 #include "Store.hpp"
+#include "coder/Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace coder::descriptor {
@@ -11,7 +12,8 @@ void checkValue(const FieldValue& value, const SequenceInfo& sequence) {
     const bool fits = sequence.valueType == FieldType::Integer ? std::holds_alternative<std::int64_t>(value)
                                                                : std::holds_alternative<ustring>(value);
     if (!fits)
-        vel::diag::throwError("coder:descriptor:WrongKind", {sequence.name, "a value of another type"});
+        vel::diag::throwError(coder::messages::descriptor::WrongKind,
+                              {sequence.name, "a value of another type"});
 }
 } // namespace
 
@@ -31,9 +33,9 @@ Object SequenceRef::objectAt(std::size_t position) const {
 void SequenceRef::appendObject(const Object& element) const {
     store->requireOpen();
     const SequenceInfo& info = owner->sequences[index];
-    if (element.isNull()) vel::diag::throwError("coder:descriptor:NullObject", {});
+    if (element.isNull()) vel::diag::throwError(coder::messages::descriptor::NullObject, {});
     if (element.store_ != store)
-        vel::diag::throwError("coder:descriptor:WrongRepository", {owner->name, info.name});
+        vel::diag::throwError(coder::messages::descriptor::WrongRepository, {owner->name, info.name});
     if (!info.element || element.kind_ != &info.element()) Object::raiseWrongKind(element, info.element());
     store->append(*owner, index, ownerId, FieldValue(element));
 }

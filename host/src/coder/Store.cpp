@@ -12,6 +12,7 @@
 
 #include "StoreSql.hpp"
 #include "StoreStatements.hpp"
+#include "coder/Messages.hpp"
 #include "coder/Repository.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
@@ -57,13 +58,14 @@ Store::Store(const std::filesystem::path& path, const RepositoryOptions& options
     if (pathText_.find('\0') != std::string::npos) {
         std::string shown;
         for (char c : pathText_) shown += c ? std::string(1, c) : "\\0";
-        vel::diag::throwError("coder:Repository:CannotOpen", {shown, "the path holds a NUL character"});
+        vel::diag::throwError(coder::messages::Repository::CannotOpen,
+                              {shown, "the path holds a NUL character"});
     }
     int flags = readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     try {
         db_ = std::make_unique<SQLite::Database>(pathText_, flags, options.busyTimeoutMs);
     } catch (const SQLite::Exception& e) {
-        vel::diag::throwError("coder:Repository:CannotOpen", {pathText_, describe(e)});
+        vel::diag::throwError(coder::messages::Repository::CannotOpen, {pathText_, describe(e)});
     }
     // SQLite opens a file it may not write for reading only, silently.
     writeProtected_ = !readOnly_ && sqlite3_db_readonly(db_->getHandle(), "main") == 1;
@@ -81,19 +83,19 @@ void Store::close() noexcept {
 }
 
 void Store::requireOpen() const {
-    if (!db_) vel::diag::throwError("coder:descriptor:Closed", {pathText_});
+    if (!db_) vel::diag::throwError(coder::messages::descriptor::Closed, {pathText_});
 }
 
 void Store::requireTransaction() const {
     requireOpen();
-    if (!inTransaction()) vel::diag::throwError("coder:Repository:NoTransaction", {pathText_});
+    if (!inTransaction()) vel::diag::throwError(coder::messages::Repository::NoTransaction, {pathText_});
 }
 
 bool Store::inTransaction() const { return db_ && sqlite3_get_autocommit(db_->getHandle()) == 0; }
 
 void Store::raise(const SQLite::Exception& error) const {
     const int code = error.getErrorCode() & 0xff;
-    const char* key = "Failed";
+    const char* key = coder::messages::Repository::Failed;
     std::string reason = describe(error);
     const int systemError = db_ ? lastSystemError(db_->getHandle()) : 0;
 #if !defined(_WIN32)
@@ -103,46 +105,47 @@ void Store::raise(const SQLite::Exception& error) const {
     switch (code) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
-            key = "Busy";
+            key = coder::messages::Repository::Busy;
             break;
         case SQLITE_FULL:
-            key = "Full";
+            key = coder::messages::Repository::Full;
             break;
         case SQLITE_IOERR:
             // The disk is full, or the file reached the process's size limit.
-            if (systemError == ENOSPC || systemError == EFBIG) key = "Full";
+            if (systemError == ENOSPC || systemError == EFBIG) key = coder::messages::Repository::Full;
             break;
         case SQLITE_READONLY:
-            key = "ReadOnly";
+            key = coder::messages::Repository::ReadOnly;
             if (error.getExtendedErrorCode() == SQLITE_READONLY_DIRECTORY)
                 reason += " (the directory does not let the journal be created)";
             // A writer stopped after this connection was opened.
             if (error.getExtendedErrorCode() == SQLITE_READONLY_ROLLBACK ||
                 error.getExtendedErrorCode() == SQLITE_READONLY_RECOVERY) {
-                key = "LeftMidWrite";
+                key = coder::messages::Repository::LeftMidWrite;
                 reason =
                     readOnly_ ? "the repository is open for reading only" : rollbackFailure(error, pathText_);
             }
             break;
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
-            key = "Corrupt";
+            key = coder::messages::Repository::Corrupt;
             break;
         case SQLITE_CANTOPEN:
-            key = "CannotOpen";
+            key = coder::messages::Repository::CannotOpen;
             break;
         default:
             break;
     }
-    vel::diag::throwError(std::string("coder:Repository:") + key, {pathText_, reason});
+    vel::diag::throwError(key, {pathText_, reason});
 }
 
 void Store::begin() {
     requireOpen();
-    if (inTransaction()) vel::diag::throwError("coder:Repository:TransactionActive", {pathText_});
-    if (readOnly_) vel::diag::throwError("coder:Repository:ReadOnly", {pathText_, "opened for reading only"});
+    if (inTransaction()) vel::diag::throwError(coder::messages::Repository::TransactionActive, {pathText_});
+    if (readOnly_)
+        vel::diag::throwError(coder::messages::Repository::ReadOnly, {pathText_, "opened for reading only"});
     if (writeProtected_)
-        vel::diag::throwError("coder:Repository:ReadOnly",
+        vel::diag::throwError(coder::messages::Repository::ReadOnly,
                               {pathText_, "the file cannot be opened for writing"});
     forgetPositions();
     newTransactionState();
@@ -235,7 +238,7 @@ FieldValue Store::readColumn(SQLite::Statement& statement, int column, const Rec
                              const FieldInfo& field) {
     SQLite::Column value = statement.getColumn(column);
     auto wrongType = [&]() {
-        vel::diag::throwError("coder:descriptor:WrongType", {pathText_, kind.name, field.name});
+        vel::diag::throwError(coder::messages::descriptor::WrongType, {pathText_, kind.name, field.name});
     };
     if (value.isNull()) {
         if (!field.optional) wrongType();
@@ -276,7 +279,7 @@ std::vector<FieldValue> Store::readRow(const RecordKind& kind, std::int64_t id) 
         ResetGuard guard{statement};
         statement.bind(1, static_cast<int64_t>(id));
         if (!statement.executeStep())
-            vel::diag::throwError("coder:descriptor:MissingRecord",
+            vel::diag::throwError(coder::messages::descriptor::MissingRecord,
                                   {pathText_, kind.name, std::to_string(id)});
         std::vector<FieldValue> row;
         row.reserve(kind.fields.size());
@@ -306,7 +309,7 @@ void Store::setReference(const RecordKind& kind, std::size_t field, std::int64_t
         slot->bind(1, static_cast<int64_t>(target));
         slot->bind(2, static_cast<int64_t>(id));
         if (slot->exec() == 0)
-            vel::diag::throwError("coder:descriptor:MissingRecord",
+            vel::diag::throwError(coder::messages::descriptor::MissingRecord,
                                   {pathText_, kind.name, std::to_string(id)});
     } catch (const SQLite::Exception& e) {
         raise(e);
@@ -369,7 +372,7 @@ std::size_t Store::sequenceSize(const RecordKind& kind, std::size_t sequence, st
         // Positions are 0..count-1; anything else is a damaged store.
         if (statement.getColumn(1).getInt64() != count)
             vel::diag::throwError(
-                "coder:descriptor:BrokenSequence",
+                coder::messages::descriptor::BrokenSequence,
                 {pathText_, kind.name, kind.sequences[sequence].name, std::to_string(owner)});
         return static_cast<std::size_t>(count);
     } catch (const SQLite::Exception& e) {
@@ -388,7 +391,7 @@ FieldValue Store::sequenceElement(const RecordKind& kind, std::size_t sequence, 
         statement.bind(2, static_cast<int64_t>(position));
         if (!statement.executeStep()) {
             const std::size_t size = sequenceSize(kind, sequence, owner);
-            vel::diag::throwError("coder:descriptor:IndexOutOfRange",
+            vel::diag::throwError(coder::messages::descriptor::IndexOutOfRange,
                                   {std::to_string(position), std::to_string(size), info.name});
         }
         FieldInfo element{info.name, info.element ? FieldType::Reference : info.valueType,

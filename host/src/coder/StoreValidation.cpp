@@ -14,6 +14,7 @@
 
 #include "Store.hpp"
 #include "StoreSql.hpp"
+#include "coder/Messages.hpp"
 #include "coder/Repository.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
@@ -56,22 +57,22 @@ void Store::firstRead(const RepositoryOptions& options) {
         const std::string failure = rollbackFailure(e, pathText_);
         if (failure.empty()) return;
         if (!readOnly_ || e.getExtendedErrorCode() != SQLITE_READONLY_ROLLBACK)
-            vel::diag::throwError("coder:Repository:LeftMidWrite", {pathText_, failure});
+            vel::diag::throwError(coder::messages::Repository::LeftMidWrite, {pathText_, failure});
     }
     try {
         SQLite::Database writer(pathText_, SQLITE_OPEN_READWRITE, options.busyTimeoutMs);
         if (sqlite3_db_readonly(writer.getHandle(), "main") == 1)
-            vel::diag::throwError("coder:Repository:LeftMidWrite",
+            vel::diag::throwError(coder::messages::Repository::LeftMidWrite,
                                   {pathText_, "this process may not write the file"});
         writer.execAndGet("PRAGMA schema_version");
     } catch (const SQLite::Exception& e) {
         // The journal goes last: a failure leaves it, and the file, to be
         // rolled back again.
         const std::string failure = rollbackFailure(e, pathText_);
-        vel::diag::throwError("coder:Repository:LeftMidWrite",
+        vel::diag::throwError(coder::messages::Repository::LeftMidWrite,
                               {pathText_, failure.empty() ? describe(e) : failure});
     }
-    vel::diag::warn("coder:Repository:RolledBack", {pathText_});
+    vel::diag::warn(coder::messages::Repository::RolledBack, {pathText_});
 }
 
 void Store::validateOrCreate(const RepositoryOptions& options) {
@@ -98,23 +99,24 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
         const auto size = std::filesystem::file_size(std::filesystem::u8path(pathText_), ec);
         if (!ec && static_cast<std::int64_t>(size) < pages * pageSize)
             vel::diag::throwError(
-                "coder:Repository:Corrupt",
+                coder::messages::Repository::Corrupt,
                 {pathText_, "the file is " + std::to_string(size) + " bytes long, but holds " +
                                 std::to_string(pages) + " pages of " + std::to_string(pageSize) + " bytes"});
         const int objects = db_->execAndGet("SELECT count(*) FROM sqlite_schema").getInt();
         if (applicationId == 0 && version == 0 && objects == 0) {
-            if (readOnly_) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
+            if (readOnly_) vel::diag::throwError(coder::messages::Repository::NotAStore, {pathText_});
             rollback();
             createSchema();
             return;
         }
         if (applicationId != Repository::kApplicationId)
-            vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
+            vel::diag::throwError(coder::messages::Repository::NotAStore, {pathText_});
         if (version > Repository::kFormatVersion)
             vel::diag::throwError(
-                "coder:Repository:NewerFormat",
+                coder::messages::Repository::NewerFormat,
                 {pathText_, std::to_string(version), std::to_string(Repository::kFormatVersion)});
-        if (version < 1) vel::diag::throwError("coder:Repository:Corrupt", {pathText_, "no format version"});
+        if (version < 1)
+            vel::diag::throwError(coder::messages::Repository::Corrupt, {pathText_, "no format version"});
 
         SQLite::Statement exists(*db_, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?");
         auto requireTable = [&](const std::string& table) {
@@ -122,7 +124,7 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
             const bool found = exists.executeStep();
             exists.reset();
             if (!found)
-                vel::diag::throwError("coder:Repository:Corrupt",
+                vel::diag::throwError(coder::messages::Repository::Corrupt,
                                       {pathText_, "table '" + table + "' is missing"});
         };
         for (const RecordKind* kind : descriptor::recordKinds()) {
@@ -132,7 +134,7 @@ void Store::validateOrCreate(const RepositoryOptions& options) {
         if (version >= 2) requireTable("UnfinishedRun");
     } catch (const SQLite::Exception& e) {
         const int code = e.getErrorCode() & 0xff;
-        if (code == SQLITE_NOTADB) vel::diag::throwError("coder:Repository:NotAStore", {pathText_});
+        if (code == SQLITE_NOTADB) vel::diag::throwError(coder::messages::Repository::NotAStore, {pathText_});
         raise(e);
     }
 }

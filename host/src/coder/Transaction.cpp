@@ -1,5 +1,6 @@
 #include "coder/Transaction.hpp"
 
+#include "coder/Messages.hpp"
 #include "coder/Repository.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
@@ -13,7 +14,7 @@ Transaction::~Transaction() {
 
 void Transaction::commit() {
     if (committed_)
-        vel::diag::throwError("coder:Repository:NoTransaction", {repository_.getPath().u8string()});
+        vel::diag::throwError(coder::messages::Repository::NoTransaction, {repository_.getPath().u8string()});
     repository_.commitTransaction();
     committed_ = true;
 }

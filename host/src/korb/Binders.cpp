@@ -1,5 +1,6 @@
 #include "korb/Binders.hpp"
 
+#include "korb/Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
 namespace korb {
@@ -15,10 +16,10 @@ tuvArrayPtr MethodBinder::call(vel::mi::Handle& object, const std::vector<tuvArr
     if (args.size() != arity()) detail::wrongArgumentCount(arity(), args.size());
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (!args[i])
-            vel::diag::throwError(
-                "Korb:InvalidArgument",
-                {std::to_string(i + 1),
-                 vel::diag::Diagnostic::fromCatalog("Korb:TypeMismatch", {kAny, "a null array"}).message()});
+            vel::diag::throwError(messages::InvalidArgument,
+                                  {std::to_string(i + 1), vel::diag::Diagnostic::fromCatalog(
+                                                              messages::TypeMismatch, {kAny, "a null array"})
+                                                              .message()});
     }
     return invoke(object, args);
 }
@@ -26,11 +27,12 @@ tuvArrayPtr MethodBinder::call(vel::mi::Handle& object, const std::vector<tuvArr
 namespace detail {
 
 void wrongClass(const vel::mi::Handle& object, const char* nativeType) {
-    vel::diag::throwError("Korb:WrongClass", {object.getFullyQualifiedKorbTypeName(), nativeType});
+    vel::diag::throwError(messages::WrongClass, {object.getFullyQualifiedKorbTypeName(), nativeType});
 }
 
 void wrongArgumentCount(std::size_t expected, std::size_t given) {
-    vel::diag::throwError("Korb:WrongNumberOfArguments", {std::to_string(expected), std::to_string(given)});
+    vel::diag::throwError(messages::WrongNumberOfArguments,
+                          {std::to_string(expected), std::to_string(given)});
 }
 
 void invalidArgument(std::size_t position) {
@@ -38,7 +40,7 @@ void invalidArgument(std::size_t position) {
         throw;
     } catch (const vel::diag::Exception& e) {
         if (!isConversionFailure(e.identifier())) throw;
-        vel::diag::throwError("Korb:InvalidArgument",
+        vel::diag::throwError(messages::InvalidArgument,
                               {std::to_string(position + 1), e.diagnostic().message()});
     }
 }

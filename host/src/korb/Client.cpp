@@ -6,6 +6,7 @@
 
 #include "ClassEntry.hpp"
 #include "korb/Binders.hpp"
+#include "korb/Messages.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/mi/Handle.hpp"
@@ -14,7 +15,7 @@
 namespace korb {
 
 namespace {
-[[noreturn]] void invalidHandle() { vel::diag::throwError("Korb:InvalidHandle", {}); }
+[[noreturn]] void invalidHandle() { vel::diag::throwError(messages::InvalidHandle, {}); }
 
 // The object of an open access, which keeps it from being freed meanwhile.
 inline vel::mi::Handle& live(const vel::mi::Access& access) {
@@ -37,11 +38,11 @@ std::vector<const vel::mi::HandleClass*> chainOf(const ObjectSystem& system,
 }
 
 [[noreturn]] void unknownProperty(const std::string& name, const vel::mi::HandleClass& cls) {
-    vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
+    vel::diag::throwError(messages::UnknownProperty, {name, cls.getQualifiedName()});
 }
 
 [[noreturn]] void unknownClass(const char* name) {
-    vel::diag::throwError("Korb:UnknownClass", {name ? name : ""});
+    vel::diag::throwError(messages::UnknownClass, {name ? name : ""});
 }
 
 // The member along the class chain of the object, the most derived first.
@@ -56,7 +57,7 @@ const vel::mi::HandleClass::Method& requireMethod(const Client& client, const ve
                                                   const std::string& name) {
     const auto& cls = client.classOf(object);
     if (const auto* m = client.findMethod(cls, name)) return *m;
-    vel::diag::throwError("Korb:UnknownMethod", {name, cls.getQualifiedName()});
+    vel::diag::throwError(messages::UnknownMethod, {name, cls.getQualifiedName()});
 }
 
 // Members along the chain, superclass members first, each name once at the
@@ -235,15 +236,15 @@ void Client::setProperty(const vel::mi::HandleRef& ref, const std::string& name,
     vel::mi::Handle& object = live(access);
     const auto& prop = requireProperty(*this, object, name);
     const std::string& cls = classOf(object).getQualifiedName();
-    if (prop.isReadOnly()) vel::diag::throwError("Korb:ReadOnlyProperty", {name, cls});
-    if (object.isLocked()) vel::diag::throwError("Korb:ObjectLocked", {name, cls});
+    if (prop.isReadOnly()) vel::diag::throwError(messages::ReadOnlyProperty, {name, cls});
+    if (object.isLocked()) vel::diag::throwError(messages::ObjectLocked, {name, cls});
     enter(object, false);
     object.preSetPropFcn(name.c_str());
     try {
         prop.setter->set(object, value);
     } catch (const vel::diag::Exception& e) {
         if (!detail::isConversionFailure(e.identifier())) throw;
-        vel::diag::throwError("Korb:InvalidPropertyValue", {name, cls, e.diagnostic().message()});
+        vel::diag::throwError(messages::InvalidPropertyValue, {name, cls, e.diagnostic().message()});
     }
     object.postSetPropFcn(name.c_str());
 }
@@ -259,15 +260,14 @@ tuvArrayPtr Client::callMethod(const vel::mi::HandleRef& ref, const std::string&
     } catch (const vel::diag::Exception& e) {
         // The binder raises "Korb:InvalidArgument" before the native method
         // runs; the caller also needs to know which method of which class.
-        if (e.identifier() != "Korb:InvalidArgument" || e.arguments().size() != 2) throw;
-        vel::diag::throwError("Korb:InvalidMethodArgument",
+        if (e.identifier() != messages::InvalidArgument || e.arguments().size() != 2) throw;
+        vel::diag::throwError(messages::InvalidMethodArgument,
                               {name, classOf(object).getQualifiedName(), e.arguments()[0], e.arguments()[1]});
     }
 }
 
 vel::mi::HandleRef Client::refFromArray(const tuvArray& object) {
-    if (object.classId() != tuvClass::Object || !object.isScalar())
-        vel::diag::throwError("Korb:InvalidHandle", {});
+    if (object.classId() != tuvClass::Object || !object.isScalar()) invalidHandle();
     return object.handles().front();
 }
 

@@ -2,20 +2,22 @@
 
 #include <cmath>
 
+#include "korb/Messages.hpp"
 #include "vel/diag/Diagnostic.hpp"
+#include "vel/i18n/Messages.hpp"
 
 namespace korb::detail {
 
 bool isConversionFailure(const std::string& identifier) {
-    return identifier == "Korb:TypeMismatch" || identifier == "Korb:InvalidHandle" ||
-           identifier == "i18n:InvalidText";
+    return identifier == messages::TypeMismatch || identifier == messages::InvalidHandle ||
+           identifier == vel::i18n::messages::InvalidText;
 }
 
 void typeMismatch(const char* expected, const tuvArray& given) {
-    vel::diag::throwError("Korb:TypeMismatch", {expected, given.describe()});
+    vel::diag::throwError(messages::TypeMismatch, {expected, given.describe()});
 }
 
-void notAHandle(const char* nativeType) { vel::diag::throwError("Korb:NotAHandle", {nativeType}); }
+void notAHandle(const char* nativeType) { vel::diag::throwError(messages::NotAHandle, {nativeType}); }
 
 bool toBool(const tuvArray& a) {
     if (!a.isScalar()) typeMismatch(kLogicalScalar, a);
@@ -116,7 +118,7 @@ std::vector<vel::mi::Handle*> toHandles(const tuvArray& a) {
     out.reserve(a.numel());
     for (const auto& ref : a.handles()) {
         vel::mi::Handle* h = ref.get();
-        if (!h) vel::diag::throwError("Korb:InvalidHandle", {});
+        if (!h) vel::diag::throwError(messages::InvalidHandle, {});
         out.push_back(h);
     }
     return out;

@@ -8,6 +8,7 @@
 #include "ClassEntry.hpp"
 #include "korb/ClassInfo.hpp"
 #include "korb/Client.hpp"
+#include "korb/Messages.hpp"
 #include "korb/PackageInfo.hpp"
 #include "vel/diag/Diagnostic.hpp"
 
@@ -62,7 +63,7 @@ Client& ObjectSystem::getPublicClient() { return *impl_->client; }
 void ObjectSystem::addPackage(std::unique_ptr<PackageInfo> package) {
     std::lock_guard lock(impl_->mutex);
     std::string name = package->getName();
-    if (impl_->packages.count(name)) vel::diag::throwError("Korb:DuplicatePackage", {name});
+    if (impl_->packages.count(name)) vel::diag::throwError(messages::DuplicatePackage, {name});
     impl_->registering = name;
     try {
         package->registerClasses(*this);
@@ -80,14 +81,14 @@ void ObjectSystem::addPackage(std::unique_ptr<PackageInfo> package) {
 
 void ObjectSystem::registerClass(std::unique_ptr<vel::mi::HandleClass> cls) {
     std::lock_guard lock(impl_->mutex);
-    if (impl_->registering.empty()) vel::diag::throwError("Korb:NotRegistering", {cls->getShortName()});
+    if (impl_->registering.empty()) vel::diag::throwError(messages::NotRegistering, {cls->getShortName()});
     std::string qualified = impl_->registering + "." + cls->getShortName();
-    if (impl_->classes.count(qualified)) vel::diag::throwError("Korb:DuplicateClass", {qualified});
+    if (impl_->classes.count(qualified)) vel::diag::throwError(messages::DuplicateClass, {qualified});
     cls->qualifiedName_ = qualified;
     cls->registerMembers();
     const std::string& super = cls->getSuperclassName();
     if (!super.empty() && !impl_->classes.count(super))
-        vel::diag::throwError("Korb:UnknownSuperclass", {qualified, super});
+        vel::diag::throwError(messages::UnknownSuperclass, {qualified, super});
     impl_->classOrder[impl_->registering].push_back(qualified);
     const vel::mi::HandleClass* added = cls.get();
     impl_->classes.emplace(qualified, std::move(cls));

@@ -174,14 +174,14 @@ TEST(BlockHierarchyMap, FinalizeRefusesMissingChildrenBeforeLinkingAny) {
     GraphicalSubsystem* a = map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
     root->addGraphicalBlock(block(L"A", {false, false, true}));
     a->addGraphicalBlock(block(L"B", {false, false, true})); // names a third subsystem the map lacks
-    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { map.finalize(); }));
+    EXPECT_EQ(messages::Model::IndexOutOfRange, diagnosticOf([&] { map.finalize(); }));
     EXPECT_TRUE(root->getChildSubsystems().empty()) << "the root is not linked when a later subsystem fails";
     map.addGraphicalSubsystem(std::make_unique<GraphicalSubsystem>());
     map.finalize();
     EXPECT_EQ((std::vector<GraphicalSubsystem*>{a}), root->getChildSubsystems());
     GraphicalSubsystem loose;
     loose.addGraphicalBlock(block(L"A", {false, false, true}));
-    EXPECT_EQ(kNoModelId, diagnosticOf([&] { loose.finalize(1); }));
+    EXPECT_EQ(messages::Model::NoModel, diagnosticOf([&] { loose.finalize(1); }));
 }
 
 TEST(BlockHierarchyMap, BlockLookupAndReducedBlocks) {
@@ -215,10 +215,10 @@ TEST(BlockHierarchyMap, AFailingReductionQueryCachesNothing) {
 
 TEST(BlockHierarchyMap, SetSubsystemsReplacesButRefusesCurrentOnes) {
     Hierarchy h;
-    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { h.map.setSubsystems({h.a}); }));
+    EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { h.map.setSubsystems({h.a}); }));
     EXPECT_EQ(4u, h.map.getSubsystems().size());
     auto* fresh = new StoredGraphicalSubsystem(L"new", GraphicalSubsystemType::Root);
-    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { h.map.setSubsystems({fresh, fresh}); }));
+    EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { h.map.setSubsystems({fresh, fresh}); }));
     h.map.setSubsystems({fresh});
     EXPECT_EQ((std::vector<GraphicalSubsystem*>{fresh}), h.map.getSubsystems());
     EXPECT_EQ(&h.map, fresh->getBlockHierarchyMap());

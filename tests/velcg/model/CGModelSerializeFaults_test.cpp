@@ -232,7 +232,7 @@ TEST(CGModelSerializeFaults, TwoGenerationsIntoOneDirectoryNeverMix) {
         for (int i = 0; i < 2; ++i) {
             const bool stored = name == (i == 0 ? "a" : "b");
             EXPECT_TRUE(failures[i] == "no diagnostic" ||
-                        (!stored && failures[i].rfind(kDescriptorOfAnotherRunId, 0) == 0))
+                        (!stored && failures[i].rfind(messages::Model::DescriptorOfAnotherRun, 0) == 0))
                 << "round " << round << ", model " << i << ": " << failures[i];
         }
     }

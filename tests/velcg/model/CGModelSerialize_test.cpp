@@ -213,7 +213,7 @@ TEST(CGModelSerialize, BackgroundFailureIsRaisedAtSerializeModelAfterScrivOrRepo
         EXPECT_TRUE(reported.empty());
     }
     ASSERT_EQ(1u, reported.size());
-    EXPECT_EQ(0u, reported[0].find(std::string(kSerializationFailedId) + " "));
+    EXPECT_EQ(0u, reported[0].find(std::string(messages::Model::SerializationFailed) + " "));
     EXPECT_NE(std::string::npos, reported[0].find("coder:Repository:CannotOpen"));
 }
 
@@ -233,7 +233,8 @@ TEST(CGModelSerialize, SynchronousFailureReachesTheCallerAndKeepsTheLastCommit) 
     port->setCGModel(&model);
     port->setGrSrcPortIdx(1, 99, 0);
     addBlock(model, broken);
-    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { model.serializeModel(dir.path().wstring()); }));
+    EXPECT_EQ(messages::Model::IndexOutOfRange,
+              diagnosticOf([&] { model.serializeModel(dir.path().wstring()); }));
     EXPECT_EQ(committed, dumpOf(storeIn(dir)));
 }
 

@@ -67,8 +67,8 @@ TEST(CGModel, AddTakesOwnershipAndSetsBackPointers) {
     m.addVarGroup(std::make_unique<VarGroup>());
     EXPECT_EQ(2u, m.getVarGroups().size());
 
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { m.addSystem(nullptr); }));
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { m.addVelCGType(nullptr); }));
+    EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { m.addSystem(nullptr); }));
+    EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { m.addVelCGType(nullptr); }));
 }
 
 TEST(CGModel, IndexLookupsReturnNullPastTheEndExceptCoderGroups) {
@@ -133,9 +133,9 @@ TEST(CGModel, CoderDataGroupsArePlacedByNameAndPosition) {
     EXPECT_EQ(m.getCoderDataGroup(std::size_t{0}), m.getCoderDataGroup("Fast"));
     EXPECT_THROW(m.getCoderDataGroup(std::size_t{2}), std::out_of_range);
 
-    EXPECT_EQ(kDuplicateNameId,
+    EXPECT_EQ(messages::Model::DuplicateName,
               diagnosticOf([&] { m.appendCoderDataGroup(std::make_unique<ChildCoderDataGroup>("Fast")); }));
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { m.appendCoderDataGroup(nullptr); }));
+    EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { m.appendCoderDataGroup(nullptr); }));
     EXPECT_EQ(2u, m.getNumCoderDataGroups());
 
     // The hook of the base class appends nothing.
@@ -170,11 +170,13 @@ TEST(CGModel, SetModelParametersReplacesAndOwnsButRefusesCurrentOnes) {
         m.addModelParameter(countedParameter());
         ASSERT_EQ(2, CountedParameter::live);
         ModelParameter* kept = m.getModelParameters()[0];
-        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { m.setModelParameters({kept}); }));
+        EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { m.setModelParameters({kept}); }));
         EXPECT_EQ(2u, m.getModelParameters().size()) << "a refused list changes nothing";
 
         ModelParameter* fresh = countedParameter().release();
-        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { m.setModelParameters({fresh, fresh}); }));
+        EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] {
+                      m.setModelParameters({fresh, fresh});
+                  }));
         m.setModelParameters({fresh});
         EXPECT_EQ(1, CountedParameter::live) << "the previous parameters are deleted";
         EXPECT_EQ(fresh, m.getModelParameter(0));

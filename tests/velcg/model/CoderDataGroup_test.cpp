@@ -102,8 +102,8 @@ TEST(CoderDataGroup, RootGroupTypeNameIsTheLastMatchOfTheRootSystem) {
     group(1, 5, 9);
     ModelGroup bad("X", &m);
     bad.setGroupIndex(5);
-    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { bad.getRootGroupTypeName(); }));
-    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { bad.getRootGroupTypeName(); }));
+    EXPECT_EQ(messages::Model::IndexOutOfRange, diagnosticOf([&] { bad.getRootGroupTypeName(); }));
+    EXPECT_EQ(messages::Model::IndexOutOfRange, diagnosticOf([&] { bad.getRootGroupTypeName(); }));
 }
 
 // Every field of a group, one per line.

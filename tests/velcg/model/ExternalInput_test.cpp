@@ -35,7 +35,7 @@ TEST(ExternalInput, RecordIdentifierComesFromTheGroupTypeMember) {
     for (auto [groupIndex, memberIndex] : {std::pair{0, 1}, {0, -1}, {1, 0}, {-2, 0}}) {
         input->setVarGroupIndex(groupIndex);
         input->setVarGroupMemberIndex(memberIndex);
-        EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { input->getRecordIdentifier(); }))
+        EXPECT_EQ(messages::Model::IndexOutOfRange, diagnosticOf([&] { input->getRecordIdentifier(); }))
             << groupIndex << "/" << memberIndex;
     }
 }

@@ -66,7 +66,7 @@ TEST(GraphicalBlock, ForwardsTheOtherQueriesAndOwnsItsImplementation) {
         EXPECT_FALSE(destroyed);
     }
     EXPECT_TRUE(destroyed);
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([] { GraphicalBlock b(nullptr); }));
+    EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([] { GraphicalBlock b(nullptr); }));
 }
 
 TEST(GraphicalBlock, VirtualityStrings) {
@@ -145,7 +145,8 @@ TEST(GraphicalBlock, AFailedSerializeLeavesNothingInTheCallersTransaction) {
             coder::Transaction transaction(repository);
             good.serialize(repository);
             if (withBroken) {
-                EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { broken.serialize(repository); }));
+                EXPECT_EQ(messages::Model::IndexOutOfRange,
+                          diagnosticOf([&] { broken.serialize(repository); }));
             }
             good.serialize(repository);
             transaction.commit();
@@ -174,7 +175,8 @@ TEST(Port, GraphicalSourceResolvesThroughTheHierarchyMap) {
         Port q;
         q.setCGModel(&s.model);
         q.setGrSrcPortIdx(sub, blk, 0);
-        EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { q.getGraphicalSource(); })) << sub << "," << blk;
+        EXPECT_EQ(messages::Model::IndexOutOfRange, diagnosticOf([&] { q.getGraphicalSource(); }))
+            << sub << "," << blk;
     }
     Port negativePort;
     negativePort.setCGModel(&s.model);
@@ -196,7 +198,7 @@ TEST(Port, BaseSettersDoNothingAndRegionsAreOwned) {
     EXPECT_TRUE(p.getRegions().empty());
     p.addRegion(std::make_unique<Region>());
     EXPECT_EQ(1u, p.getRegions().size());
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { p.addRegion(nullptr); }));
+    EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { p.addRegion(nullptr); }));
 }
 
 // The defaults scripts read are listed in VelCGPackage_test.cpp.
@@ -230,7 +232,7 @@ TEST(State, SetDimensionValueChecksTheIndex) {
     State s({2, 3});
     s.setDimensionValue(1, 4);
     EXPECT_EQ((std::vector<int>{2, 4}), s.getDimensions());
-    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { s.setDimensionValue(2, 1); }));
+    EXPECT_EQ(messages::Model::IndexOutOfRange, diagnosticOf([&] { s.setDimensionValue(2, 1); }));
     EXPECT_EQ((std::vector<int>{2, 4}), s.getDimensions());
 }
 

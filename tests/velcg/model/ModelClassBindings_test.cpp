@@ -63,11 +63,14 @@ TEST_F(ModelClassBindings, ScriptsGiveASystemOnlyCallSitesItsOwnModelOwns) {
         {"an own block beside a block of another model",
          own.system,
          {own.block, other.block},
-         kInvalidOwnershipId},
-        {"an async-queue block of another model", own.system, {other.queue}, kInvalidOwnershipId},
-        {"a leaf of another model", own.system, {other.leaves[0]}, kInvalidOwnershipId},
-        {"a block of no model", own.system, {&loose}, kInvalidOwnershipId},
-        {"a block, for a system of no model", &alone, {own.block}, kNoModelId},
+         messages::Model::InvalidOwnership},
+        {"an async-queue block of another model",
+         own.system,
+         {other.queue},
+         messages::Model::InvalidOwnership},
+        {"a leaf of another model", own.system, {other.leaves[0]}, messages::Model::InvalidOwnership},
+        {"a block of no model", own.system, {&loose}, messages::Model::InvalidOwnership},
+        {"a block, for a system of no model", &alone, {own.block}, messages::Model::NoModel},
         {"no block, for a system of no model", &alone, {}, "no diagnostic"},
     };
     for (const auto& r : rows) {
@@ -88,7 +91,7 @@ TEST_F(ModelClassBindings, CallSitesSetByAScriptNeverOutliveTheirBlocks) {
     EveryKindModel own;
     auto other = std::make_unique<EveryKindModel>();
     const auto foreign = tuvArray::objects({other->block->makeRef()});
-    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] {
+    EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] {
                   client.setProperty(own.system->makeRef(), "GraphicalCallsites", *foreign);
               }));
     other.reset();
@@ -112,7 +115,7 @@ TEST_F(ModelClassBindings, ScriptsOnlyReorderTheLeafElements) {
 
     client.setProperty(m.system->makeRef(), "GraphicalCallsites", *leaves({m.leaves[0]}));
     for (const auto& refused : {leaves({&foreign}), leaves({m.leaves[1]}), leaves({m.leaves[0], &foreign})}) {
-        EXPECT_EQ(kInvalidOwnershipId,
+        EXPECT_EQ(messages::Model::InvalidOwnership,
                   diagnosticOf([&] { client.setProperty(m.queue->makeRef(), "leafElements", *refused); }))
             << render(*refused);
         EXPECT_EQ((std::vector<ToAsyncQueueBlock*>{m.leaves[1], m.leaves[0]}), m.queue->getLeafElements())
@@ -143,12 +146,12 @@ TEST_F(ModelClassBindings, IndicesPastTheirTablesAreDiagnostics) {
         const char* member;
         const char* id;
     } rows[] = {
-        {"member position past the end", memberPast, "getRecordIdentifier", kIndexOutOfRangeId},
-        {"variable group past the end", m.input, "getRecordIdentifier", kIndexOutOfRangeId},
-        {"type index past the end", m.velType, "getName", kIndexOutOfRangeId},
+        {"member position past the end", memberPast, "getRecordIdentifier", messages::Model::IndexOutOfRange},
+        {"variable group past the end", m.input, "getRecordIdentifier", messages::Model::IndexOutOfRange},
+        {"type index past the end", m.velType, "getName", messages::Model::IndexOutOfRange},
         {"negative type index", &unbound, "getName", "VelCG:Type::InvalidCGType"},
-        {"source subsystem past the end", m.inPort, "GraphicalSource", kIndexOutOfRangeId},
-        {"matrix type of itself", matrix, "getContainerTypeName", kCyclicTypeId},
+        {"source subsystem past the end", m.inPort, "GraphicalSource", messages::Model::IndexOutOfRange},
+        {"matrix type of itself", matrix, "getContainerTypeName", messages::Model::CyclicType},
     };
     for (const auto& r : rows) {
         const bool property = client.classOf(*r.object).findOwnProperty(r.member);

@@ -50,7 +50,7 @@ TEST(Port, GraphicalSourcesFormingACycleAreRefused) {
     coder::Repository repository(dir / "ports.strata");
     coder::Transaction transaction(repository);
     for (const Port* port : blocks.outputs)
-        EXPECT_EQ(kCyclicSourceId, diagnosticOf([&] { port->serialize(repository, true); }))
+        EXPECT_EQ(messages::Model::CyclicSource, diagnosticOf([&] { port->serialize(repository, true); }))
             << vel::i18n::toUtf8(port->getSignalLabel());
 }
 

@@ -176,10 +176,10 @@ TEST(StoredGraphicalBlock, ListsStartEmptyAndTheBlockDeletesTheirElementsInListO
         EXPECT_TRUE(same(b.getDWorks(), dworks));
         EXPECT_EQ(2, b.getNumDataOutputPorts());
 
-        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addControlInputPort(nullptr); }));
-        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDataInputPort(nullptr); }));
-        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addParameter(nullptr); }));
-        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { b.addDWork(nullptr); }));
+        EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { b.addControlInputPort(nullptr); }));
+        EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { b.addDataInputPort(nullptr); }));
+        EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { b.addParameter(nullptr); }));
+        EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { b.addDWork(nullptr); }));
         EXPECT_EQ(2u, b.getControlInputPorts().size()) << "a refused element leaves the list";
         EXPECT_TRUE(log.empty());
     }

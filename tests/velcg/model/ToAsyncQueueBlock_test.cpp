@@ -40,14 +40,14 @@ TEST(ToAsyncQueueBlock, SetLeafElementsDeletesDroppedLeavesAndRefusesBadLists) {
         ToAsyncQueueBlock* b = record(L"b");
         bus.addLeafElement(a);
         bus.addLeafElement(b);
-        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.addLeafElement(a); }));
-        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.addLeafElement(&bus); }));
-        EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { bus.addLeafElement(nullptr); }));
-        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.setLeafElements({b, b}); }));
-        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { bus.setLeafElements({&bus}); }));
+        EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { bus.addLeafElement(a); }));
+        EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { bus.addLeafElement(&bus); }));
+        EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { bus.addLeafElement(nullptr); }));
+        EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { bus.setLeafElements({b, b}); }));
+        EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { bus.setLeafElements({&bus}); }));
         // The bus holds a: made a leaf of a, it would own itself.
-        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { a->addLeafElement(&bus); }));
-        EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { a->setLeafElements({&bus}); }));
+        EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { a->addLeafElement(&bus); }));
+        EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { a->setLeafElements({&bus}); }));
         EXPECT_EQ(3, CountedBlock::live) << "refused lists change nothing";
 
         ToAsyncQueueBlock* c = record(L"c");

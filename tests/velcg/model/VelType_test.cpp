@@ -92,11 +92,11 @@ TEST(VelType, NameErrorsAreDiagnosticsAndCacheNothing) {
     EXPECT_EQ("cint32_t", upper.getComplexName());
 
     VelType orphan;
-    EXPECT_EQ(kNoModelId, diagnosticOf([&] { orphan.getName(); }));
+    EXPECT_EQ(messages::Model::NoModel, diagnosticOf([&] { orphan.getName(); }));
     VelType past;
     past.setCGModel(&t.model);
     past.setCGTypeIdx(9);
-    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { past.getName(); }));
+    EXPECT_EQ(messages::Model::IndexOutOfRange, diagnosticOf([&] { past.getName(); }));
 }
 
 TEST(VelCGType, ContainerTypeNameResolvesThroughConstructors) {
@@ -123,20 +123,20 @@ TEST(VelCGType, ContainerTypeNameResolvesThroughConstructors) {
     EXPECT_EQ(invalid, diagnosticOf([&] { t.type(4).getContainerTypeName(); }));
     t.type(4).setConstructor("matrix");
     t.type(4).setBaseIndex(7);
-    EXPECT_EQ(kIndexOutOfRangeId, diagnosticOf([&] { t.type(4).getContainerTypeName(); }));
+    EXPECT_EQ(messages::Model::IndexOutOfRange, diagnosticOf([&] { t.type(4).getContainerTypeName(); }));
     t.type(4).setBaseIndex(4);
-    EXPECT_EQ(kCyclicTypeId, diagnosticOf([&] { t.type(4).getContainerTypeName(); }));
+    EXPECT_EQ(messages::Model::CyclicType, diagnosticOf([&] { t.type(4).getContainerTypeName(); }));
 }
 
 TEST(VelCGType, MembersAreOwnedAndSetMembersRefusesCurrentOnes) {
     VelCGType t("S");
     t.addMember(std::make_unique<CGTypeMember>("a", 0));
     CGTypeMember* current = t.getMembers()[0];
-    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { t.setMembers({current}); }));
+    EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { t.setMembers({current}); }));
     EXPECT_EQ(current, t.getMembers()[0]) << "a refused list changes nothing";
     auto* b = new CGTypeMember("b", 1);
-    EXPECT_EQ(kInvalidOwnershipId, diagnosticOf([&] { t.setMembers({b, b}); }));
-    EXPECT_EQ(kNullArgumentId, diagnosticOf([&] { t.setMembers({b, nullptr}); }));
+    EXPECT_EQ(messages::Model::InvalidOwnership, diagnosticOf([&] { t.setMembers({b, b}); }));
+    EXPECT_EQ(messages::Model::NullArgument, diagnosticOf([&] { t.setMembers({b, nullptr}); }));
     t.setMembers({b}); // deletes "a"; ASan reports a leak or double free otherwise
     ASSERT_EQ(1u, t.getMembers().size());
     EXPECT_EQ("b", t.getMembers()[0]->getName());
