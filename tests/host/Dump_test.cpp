@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+#include "ExpectedFile.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 
@@ -71,95 +72,7 @@ TEST(Dump, AStoredModelReadsBackAfterReopeningWithEveryValueShape) {
         transaction.commit();
     }
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
-    EXPECT_EQ(R"(Model
-  ModelName: "d\"e\\moé"
-  KordelVersion: "4.2"
-  SharedCodeManagerPath: ""
-  BlockHierarchyMap: (none)
-  FPCInfo: IOMap
-    InportIndices: [0, -1]
-    OutportIndicies: []
-  Systems: [1]
-    [0] System
-      Identifier: ""
-      Name: ""
-      GraphicalCallSites: [1]
-        [0] GraphicalBlock
-          GraphicalName: ""
-          Name: "Gain"
-          SID: ""
-          Type: ""
-          Description: "line one\nline \"two\""
-          ReferencedModelName: ""
-          IsProtectedModelBlock: true
-          Virtual: ""
-          NumFcnCallOutputPorts: 2
-          ParentSystemSID: (absent)
-          DataInputPorts: [1]
-            [0] Port
-              GraphicalName: ""
-              SignalLabel: ""
-              Connected: false
-              TestPoint: false
-              GraphicalSource: Port
-                GraphicalName: ""
-                SignalLabel: ""
-                Connected: true
-                TestPoint: false
-                GraphicalSource: (none)
-                DataInterfaces: []
-              DataInterfaces: []
-          DataOutputPorts: []
-          ControlInputPorts: []
-          ContinuousStates: []
-          Derivatives: []
-          DWorks: []
-          DiscreteStates: []
-          BlockParameters: []
-  ExternalInputs: []
-  TAQBlocks: [1]
-    [0] ToAsyncQueueBlock
-      IsFixedPoint: true
-      IsEnum: false
-      DataTypeId: -3
-      DataTypeSize: 0
-      FxpNumericType: 0
-      FxpSignedness: 4294967295
-      FxpWordLength: 0
-      FxpFractionLength: 0
-      FxpSlopeAdjFactor: 1.25
-      FxpFixedExponent: 0
-      FxpBias: -0.5
-      EnumClassName: ""
-      EnumClassification: ""
-      IsComplex: false
-      IsDiscrete: false
-      IsVirtualBus: false
-      IsNVBus: false
-      IsVarDims: false
-      BlockPath: ""
-      BlockSID: ""
-      PortNumber: 0
-      SignalName: "bus"
-      ActSrcBlockPath: ""
-      ActSrcBlockSID: ""
-      ActSrcPortNumber: 0
-      ActSrcDWorkName: ""
-      ActSrcStartElement: 0
-      SignalSourceUUID: ""
-      SignalSourceUUIDasInteger: -9223372036854775808
-      UniqueId: 0
-      Tid: 0
-      NVBusOffset: 9223372036854775807
-      IsLiveStreaming: false
-      IsDeferredStreaming: false
-      LeafElements: []
-      EnumLabels: ["Off", "On"]
-      EnumValues: []
-      Dimensions: []
-  CoderGroups: []
-)",
-              dumpText(repository));
+    EXPECT_MATCHES_FILE(dumpText(repository), __FILE__, "Dump_every_value_shape.txt");
     EXPECT_TRUE(repository.checkIntegrity().empty());
 }
 

@@ -7,9 +7,8 @@
 #include <optional>
 #include <string>
 
-#include <sqlite3.h>
-
 #include "DiagnosticTesting.hpp"
+#include "StoreRows.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
@@ -122,8 +121,6 @@ TEST(Object, DamagedValuesAreReportedWhenRead) {
             root.getGraphicalBlocks().append(GraphicalBlockCreator(repository).createGraphicalBlock());
         transaction.commit();
     }
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
     // STRICT tables refuse wrong types; a table rebuilt without STRICT does not.
     const char* damage =
         "PRAGMA writable_schema = OFF;"
@@ -135,8 +132,7 @@ TEST(Object, DamagedValuesAreReportedWhenRead) {
         "UPDATE GraphicalBlock SET IsProtectedModelBlock = 7 WHERE id = 3;"
         "DELETE FROM GraphicalSystem_GraphicalBlocks WHERE position = 1;"
         "DELETE FROM BlockHierarchyMap;";
-    ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, damage, nullptr, nullptr, nullptr));
-    sqlite3_close(db);
+    testing_support::execSql(path, damage);
 
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
     // A record without fields is still found missing.

@@ -8,6 +8,7 @@
 
 #include <sqlite3.h>
 
+#include "StoreRows.hpp"
 #include "TempDir.hpp"
 #include "ToolProcess.hpp"
 #include "coder/descriptor/Descriptors.hpp"
@@ -18,6 +19,7 @@ namespace {
 using coder::Repository;
 using coder::Transaction;
 using namespace coder::descriptor;
+using testing_support::execSql;
 using testing_support::fileBytes;
 using testing_support::TempDir;
 using testing_support::ToolRun;
@@ -27,18 +29,6 @@ std::string replaceAll(std::string text, const std::string& from, const std::str
     for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
         text.replace(at, from.size(), to);
     return text;
-}
-
-// Runs SQL on a file directly, past the store.
-void execSql(const std::filesystem::path& path, const std::string& sql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr));
-    char* error = nullptr;
-    const int rc = sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &error);
-    const std::string message = error ? error : "";
-    sqlite3_free(error);
-    sqlite3_close(db);
-    ASSERT_EQ(SQLITE_OK, rc) << message;
 }
 
 // A small model with every kind of JSON value: texts with a quote, control
@@ -102,147 +92,6 @@ void writeSmallModel(Repository& repository) {
     transaction.commit();
 }
 
-const char* const kExpectedJson = R"expected({
-  "kind": "Model",
-  "ModelName": "demo",
-  "KordelVersion": "1.0",
-  "SharedCodeManagerPath": "",
-  "BlockHierarchyMap": {
-    "kind": "BlockHierarchyMap",
-    "GraphicalSystems": [
-      {
-        "kind": "GraphicalSystem",
-        "Name": "demo",
-        "GraphicalName": "",
-        "SubsystemType": null,
-        "MaskType": "",
-        "GraphicalBlocks": [
-          {
-            "kind": "GraphicalBlock",
-            "GraphicalName": "Gain \"K\" µ𝄞",
-            "Name": "Gain",
-            "SID": "",
-            "Type": "",
-            "Description": "line\tone\nline two\\",
-            "ReferencedModelName": "",
-            "IsProtectedModelBlock": false,
-            "Virtual": "",
-            "NumFcnCallOutputPorts": -1,
-            "ParentSystemSID": "demo:0",
-            "DataInputPorts": [
-              {
-                "kind": "Port",
-                "GraphicalName": "In1",
-                "SignalLabel": "",
-                "Connected": true,
-                "TestPoint": false,
-                "GraphicalSource": {
-                  "kind": "Port",
-                  "GraphicalName": "Out1",
-                  "SignalLabel": "",
-                  "Connected": true,
-                  "TestPoint": false,
-                  "GraphicalSource": null,
-                  "DataInterfaces": []
-                },
-                "DataInterfaces": [
-                  {
-                    "kind": "DataInterface",
-                    "Identifier": "demo_signals.u",
-                    "Implementation": "",
-                    "Owner": "",
-                    "TypeName": "",
-                    "GraphicalName": ""
-                  },
-                  {
-                    "kind": "DataInterface",
-                    "Identifier": "demo_signals.v",
-                    "Implementation": "",
-                    "Owner": "",
-                    "TypeName": "",
-                    "GraphicalName": ""
-                  }
-                ]
-              }
-            ],
-            "DataOutputPorts": [],
-            "ControlInputPorts": [
-              {
-                "kind": "Port",
-                "GraphicalName": "",
-                "SignalLabel": "",
-                "Connected": false,
-                "TestPoint": false,
-                "GraphicalSource": {
-                  "kind": "Port",
-                  "cycle": true
-                },
-                "DataInterfaces": []
-              }
-            ],
-            "ContinuousStates": [],
-            "Derivatives": [],
-            "DWorks": [],
-            "DiscreteStates": [],
-            "BlockParameters": []
-          }
-        ]
-      }
-    ]
-  },
-  "FPCInfo": null,
-  "Systems": [],
-  "ExternalInputs": [],
-  "TAQBlocks": [
-    {
-      "kind": "ToAsyncQueueBlock",
-      "IsFixedPoint": false,
-      "IsEnum": true,
-      "DataTypeId": 0,
-      "DataTypeSize": 0,
-      "FxpNumericType": 0,
-      "FxpSignedness": 4294967295,
-      "FxpWordLength": 0,
-      "FxpFractionLength": 0,
-      "FxpSlopeAdjFactor": 0.25,
-      "FxpFixedExponent": 0,
-      "FxpBias": "-Infinity",
-      "EnumClassName": "",
-      "EnumClassification": "",
-      "IsComplex": false,
-      "IsDiscrete": false,
-      "IsVirtualBus": false,
-      "IsNVBus": false,
-      "IsVarDims": false,
-      "BlockPath": "",
-      "BlockSID": "",
-      "PortNumber": 0,
-      "SignalName": "",
-      "ActSrcBlockPath": "",
-      "ActSrcBlockSID": "",
-      "ActSrcPortNumber": 0,
-      "ActSrcDWorkName": "",
-      "ActSrcStartElement": 0,
-      "SignalSourceUUID": "",
-      "SignalSourceUUIDasInteger": -9223372036854775808,
-      "UniqueId": 0,
-      "Tid": 0,
-      "NVBusOffset": 0,
-      "IsLiveStreaming": false,
-      "IsDeferredStreaming": false,
-      "LeafElements": [],
-      "EnumLabels": [
-        "Off"
-      ],
-      "EnumValues": [
-        -1
-      ],
-      "Dimensions": []
-    }
-  ],
-  "CoderGroups": []
-}
-)expected";
 
 const std::string kUsage =
     "usage: velcg-descriptor dump [--json] FILE\n"
@@ -265,6 +114,9 @@ protected:
 
     TempDir dir_;
     const std::filesystem::path store_ = dir_ / "codedescriptor.strata";
+    // The JSON dump of writeSmallModel's model.
+    const std::string expectedJson_ =
+        fileBytes(std::filesystem::path(__FILE__).replace_filename("DescriptorTool_demo.json"));
 };
 
 // The commands print their whole result, also after the model was written
@@ -283,8 +135,8 @@ TEST_F(DescriptorTool, CommandsPrintTheirWholeResult) {
     ASSERT_EQ(0u, expectedText.rfind("Model\n  ModelName: \"demo\"\n", 0));
     const Case cases[] = {
         {{"dump", "{F}"}, expectedText},
-        {{"dump", "--json", "{F}"}, kExpectedJson},
-        {{"dump", "{F}", "--json"}, kExpectedJson},
+        {{"dump", "--json", "{F}"}, expectedJson_},
+        {{"dump", "{F}", "--json"}, expectedJson_},
         {{"check", "{F}"}, "{F}: ok\n"},
     };
     for (int writes : {1, 2}) {
@@ -449,7 +301,7 @@ TEST_F(DescriptorTool, AStoreLeftMidWriteIsRefusedOrRolledBack) {
                          "unfinished transaction was rolled back. [coder:Repository:RolledBack]\n",
                          "{F}", store.string()),
               result.err);
-    EXPECT_EQ(kExpectedJson, result.out);
+    EXPECT_EQ(expectedJson_, result.out);
     EXPECT_EQ(committed, fileBytes(store));
 }
 
