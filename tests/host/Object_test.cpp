@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "DescriptorModels.hpp"
 #include "DiagnosticTesting.hpp"
 #include "StoreRows.hpp"
 #include "TempDir.hpp"
@@ -109,18 +110,7 @@ TEST(Creator, ValuesThatCannotBeStoredWriteNothing) {
 TEST(Object, DamagedValuesAreReportedWhenRead) {
     TempDir dir;
     const auto path = dir / "s.strata";
-    {
-        Repository repository(path);
-        Transaction transaction(repository);
-        Model model = ModelCreator(repository).createModel();
-        BlockHierarchyMap map = BlockHierarchyMapCreator(repository).createBlockHierarchyMap();
-        model.setBlockHierarchyMap(map);
-        GraphicalSystem root = GraphicalSystemCreator(repository).createGraphicalSystem();
-        map.getGraphicalSystems().append(root);
-        for (int i = 0; i < 3; ++i)
-            root.getGraphicalBlocks().append(GraphicalBlockCreator(repository).createGraphicalBlock());
-        transaction.commit();
-    }
+    testing_support::storeModel(path, u"damaged", 3);
     // STRICT tables refuse wrong types; a table rebuilt without STRICT does not.
     const char* damage =
         "PRAGMA writable_schema = OFF;"

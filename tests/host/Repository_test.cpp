@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "ChildProcess.hpp"
+#include "DescriptorModels.hpp"
 #include "DiagnosticTesting.hpp"
 #include "StoreRows.hpp"
 #include "TempDir.hpp"
@@ -24,37 +25,7 @@ using coder::Repository;
 using coder::RepositoryOptions;
 using coder::Transaction;
 using namespace coder::descriptor;
-using testing_support::diagnosticOf;
-using testing_support::execSql;
-using testing_support::diagnosticWithArgumentsOf;
-using testing_support::fileBytes;
-using testing_support::runInChild;
-using testing_support::TempDir;
-using testing_support::writeBytes;
-
-// Stores a model named `name` with one subsystem of `blocks` blocks.
-void writeModel(Repository& repository, const std::u16string& name, int blocks = 1) {
-    ModelCreator model(repository);
-    model.setModelName(name);
-    Model m = model.createModel();
-    BlockHierarchyMap map = BlockHierarchyMapCreator(repository).createBlockHierarchyMap();
-    m.setBlockHierarchyMap(map);
-    GraphicalSystem root = GraphicalSystemCreator(repository).createGraphicalSystem();
-    map.getGraphicalSystems().append(root);
-    GraphicalBlockCreator block(repository);
-    for (int i = 0; i < blocks; ++i) {
-        block.setName(u"b" + vel::i18n::toUString(std::to_string(i)));
-        root.getGraphicalBlocks().append(block.createGraphicalBlock());
-    }
-}
-
-// Opens the file, stores a model in one committed transaction and closes it.
-void storeModel(const std::filesystem::path& path, const std::u16string& name, int blocks = 1) {
-    Repository repository(path);
-    Transaction transaction(repository);
-    writeModel(repository, name, blocks);
-    transaction.commit();
-}
+using namespace testing_support;
 
 std::u16string storedModelName(const std::filesystem::path& path) {
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
