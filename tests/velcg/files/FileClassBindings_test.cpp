@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "DiagnosticTesting.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/mi/HandleClass.hpp"
@@ -15,8 +16,7 @@ using namespace VelCG;
 namespace {
 
 // The file classes' members show in VelCGPackage_test.cpp; a kind by
-// enumerator name or number is the kind's own section (FileSection_test.cpp),
-// a number with a fraction is refused (test_objects.py).
+// enumerator name or number is the kind's own section (FileSection_test.cpp).
 TEST(FileClassBindings, EveryNamedAccessorAnswersTheSectionOfItsKind) {
     PlexoInitialize_velcg();
     korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
@@ -52,6 +52,10 @@ TEST(FileClassBindings, EveryNamedAccessorAnswersTheSectionOfItsKind) {
         found += std::to_string(count) + ";";
     }
     EXPECT_EQ("10;14;3;", found);
+    // A kind given as a number is a whole one: anything else is refused, not truncated.
+    EXPECT_EQ("Korb:InvalidMethodArgument", testing_support::diagnosticOf([&] {
+                  client.callMethod(module.makeRef(), "hasSection", {tuvArray::float64(1.5)});
+              }));
 }
 
 } // namespace

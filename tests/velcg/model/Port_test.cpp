@@ -127,4 +127,13 @@ TEST(Region, DimensionsAndCopiesStayTheirOwn) {
     EXPECT_EQ((std::vector<int>{7}), assigned.getDimensions()) << "assigning a region to itself keeps it";
 }
 
+TEST(Port, SignalLabelReadsAsLastSet) {
+    Port p;
+    EXPECT_EQ(L"", p.getSignalLabel());
+    for (const wchar_t* label : {L"speed", L"", L"\u4e2d", L"", L""}) {
+        p.setSignalLabel(label);
+        EXPECT_EQ(label, p.getSignalLabel());
+    }
+}
+
 } // namespace
