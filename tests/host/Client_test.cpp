@@ -24,6 +24,15 @@ public:
     virtual ~Plain() = default;
 };
 
+// An object of any class, named with a literal, whose address the object
+// system keeps.
+class Guarded : public vel::mi::Handle {
+public:
+    explicit Guarded(const char* type) : type_(type) {}
+    const char* getFullyQualifiedKorbTypeName() const override { return type_; }
+    const char* type_;
+};
+
 // A small class hierarchy with scalar, text, object and non-handle members;
 // the conversions themselves are checked with the host traits.
 class Widget : public vel::mi::Handle {
@@ -77,48 +86,40 @@ public:
     const char* getFullyQualifiedKorbTypeName() const override { return "KorbTest.Gizmo"; }
 };
 
-// Claims a registered class without being of its native type.
-class Impostor : public vel::mi::Handle {
-public:
-    const char* getFullyQualifiedKorbTypeName() const override { return "KorbTest.Widget"; }
-};
-
-class TestPackage : public korb::PackageInfo {
-public:
-    const char* getName() const override { return "KorbTest"; }
-    void registerClasses(korb::ObjectSystem& system) override {
-        using namespace korb;
-        system.registerClass(ClassInfo::make("Widget", "A widget", [](ClassInfo& c) {
-            c.superclass(kHeterogeneous);
-            c.property("Enabled", getter(&Widget::getEnabled), setter(&Widget::setEnabled));
-            c.property("Count", getter(&Widget::getCount), setter(&Widget::setCount));
-            c.property("Label", getter(&Widget::getLabel), setter(&Widget::setLabel));
-            c.property("Children", getter(&Widget::getChildren), setter(&Widget::setChildren))
-                .holds("KorbTest.Widget");
-            c.property("Peer", getter(&Widget::getPeer)).holds("KorbTest.Widget");
-            c.property("Plain", getter(&Widget::getPlain));
-            c.method("greet", method(&Widget::greet));
-            c.method("bump", method(&Widget::bump));
-            c.method("fail", method(&Widget::fail));
-        }));
-        system.registerClass(ClassInfo::make("Gadget", "A gadget", [](ClassInfo& c) {
-            c.superclass("KorbTest.Widget");
-            c.property("Kind", getter(&Gadget::getKind));
-            c.property("Label", getterFn<Gadget>([](const Gadget& g) { return "G:" + g.getLabel(); }));
-        }));
-        system.registerClass(ClassInfo::make("Gizmo", "A gizmo", [](ClassInfo& c) {
-            c.superclass("KorbTest.Gadget");
-            c.property("Count", getterFn<Gizmo>([](const Gizmo& g) { return std::to_string(g.getCount()); }));
-            c.method("bump", methodFn<Gizmo, Widget*, int>([](Gizmo& g, int) { return g.peer_; }));
-        }));
-    }
-};
+void registerTestClasses(korb::ObjectSystem& system) {
+    using namespace korb;
+    system.registerClass(ClassInfo::make("Widget", "A widget", [](ClassInfo& c) {
+        c.superclass(kHeterogeneous);
+        c.property("Enabled", getter(&Widget::getEnabled), setter(&Widget::setEnabled));
+        c.property("Count", getter(&Widget::getCount), setter(&Widget::setCount));
+        c.property("Label", getter(&Widget::getLabel), setter(&Widget::setLabel));
+        c.property("Children", getter(&Widget::getChildren), setter(&Widget::setChildren))
+            .holds("KorbTest.Widget");
+        c.property("Peer", getter(&Widget::getPeer)).holds("KorbTest.Widget");
+        c.property("Plain", getter(&Widget::getPlain));
+        c.method("greet", method(&Widget::greet));
+        c.method("bump", method(&Widget::bump));
+        c.method("fail", method(&Widget::fail));
+    }));
+    system.registerClass(ClassInfo::make("Gadget", "A gadget", [](ClassInfo& c) {
+        c.superclass("KorbTest.Widget");
+        c.property("Kind", getter(&Gadget::getKind));
+        c.property("Label", getterFn<Gadget>([](const Gadget& g) { return "G:" + g.getLabel(); }));
+    }));
+    system.registerClass(ClassInfo::make("Gizmo", "A gizmo", [](ClassInfo& c) {
+        c.superclass("KorbTest.Gadget");
+        c.property("Count", getterFn<Gizmo>([](const Gizmo& g) { return std::to_string(g.getCount()); }));
+        c.method("bump", methodFn<Gizmo, Widget*, int>([](Gizmo& g, int) { return g.peer_; }));
+    }));
+}
 
 class ClientTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         auto& sys = korb::ObjectSystem::instance();
-        if (!sys.findPackage("KorbTest")) sys.addPackage(std::make_unique<TestPackage>());
+        if (!sys.findPackage("KorbTest"))
+            sys.addPackage(
+                std::make_unique<testing_support::FunctionPackage>("KorbTest", registerTestClasses));
     }
     korb::Client& client = korb::ObjectSystem::instance().getPublicClient();
 };
@@ -158,7 +159,7 @@ TEST_F(ClientTest, WritesRoundTripAndCallHooksInOrder) {
 // native objects and diagnostics of the native code itself.
 TEST_F(ClientTest, RefusalsNameWhatWasAskedAndNativeDiagnosticsPassUnchanged) {
     Widget w, locked;
-    Impostor impostor;
+    Guarded impostor("KorbTest.Widget"); // claims a class without being of its native type
     locked.lock();
     locked.lock();
     locked.unlock();
@@ -308,13 +309,6 @@ std::string& guardLog() {
     return log;
 }
 std::atomic<int> guardBusy{0};
-
-class Guarded : public vel::mi::Handle {
-public:
-    explicit Guarded(const char* type) : type_(type) {}
-    const char* getFullyQualifiedKorbTypeName() const override { return type_; }
-    const char* type_;
-};
 
 TEST_F(ClientTest, AccessGuardsRunBeforeEveryReadWriteAndCallTheMostDerivedWinning) {
     using namespace korb;

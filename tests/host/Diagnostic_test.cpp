@@ -7,23 +7,6 @@ namespace {
 using vel::diag::Diagnostic;
 using vel::diag::MessageCatalog;
 
-TEST(Diagnostic, ThrownCatalogMessagesKeepIdentifierAndArguments) {
-    try {
-        vel::diag::throwError("Brisk:codeGen:CustomContentSectionAlreadyRetrieved",
-                              {"Decls", "model.c", "Decls"});
-        FAIL() << "no exception";
-    } catch (const std::exception& e) {
-        auto* d = dynamic_cast<const vel::diag::Exception*>(&e);
-        ASSERT_NE(nullptr, d);
-        EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved", d->identifier());
-        EXPECT_EQ((std::vector<std::string>{"Decls", "model.c", "Decls"}), d->arguments());
-        std::string what = e.what();
-        EXPECT_EQ(0u, what.find("Brisk:codeGen:CustomContentSectionAlreadyRetrieved: "));
-        EXPECT_NE(std::string::npos, what.find("'Decls'"));
-        EXPECT_NE(std::string::npos, what.find("model.c"));
-    }
-}
-
 TEST(Diagnostic, ATextDiagnosticCarriesTheTextAndNoArguments) {
     Diagnostic t = Diagnostic::withText("VelCG:Type::InvalidCGType", "VelType has invalid CGType");
     EXPECT_EQ("VelType has invalid CGType", t.message());

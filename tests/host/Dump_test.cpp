@@ -1,9 +1,9 @@
 #include "coder/descriptor/Dump.hpp"
 
-#include <cstdint>
 #include <gtest/gtest.h>
-#include <limits>
 
+#include "DescriptorModels.hpp"
+#include "ExpectedFile.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 
@@ -15,152 +15,20 @@ using coder::Transaction;
 using namespace coder::descriptor;
 using testing_support::TempDir;
 
-// Writes a model with text, logical, integer (to the 64-bit limits) and real
-// fields, set and unset references, nested records and sequences of records
-// and of scalars, empty and not. That every field of every record kind is
-// stored is checked with the models serialized in the model tests.
-void writeModel(Repository& repository) {
-    ModelCreator modelCreator(repository);
-    modelCreator.setModelName(u"d\"e\\mo\u00e9");
-    modelCreator.setKordelVersion(u"4.2");
-    Model model = modelCreator.createModel();
-
-    IOMap io = IOMapCreator(repository).createIOMap();
-    io.getInportIndices().append(IntegerArrayElement(0));
-    io.getInportIndices().append(IntegerArrayElement(-1));
-    model.setFPCInfo(io);
-
-    GraphicalBlockCreator blockCreator(repository);
-    blockCreator.setName(u"Gain");
-    blockCreator.setDescription(u"line one\nline \"two\"");
-    blockCreator.setIsProtectedModelBlock(true);
-    blockCreator.setNumFcnCallOutputPorts(2);
-    GraphicalBlock block = blockCreator.createGraphicalBlock();
-    PortCreator portCreator(repository);
-    portCreator.setConnected(true);
-    Port source = portCreator.createPort();
-    Port input = PortCreator(repository).createPort();
-    input.setGraphicalSource(source);
-    block.getDataInputPorts().append(input);
-    System system = SystemCreator(repository).createSystem();
-    system.getGraphicalCallSites().append(block);
-    model.getSystems().append(system);
-
-    ToAsyncQueueBlockCreator queueCreator(repository);
-    queueCreator.setIsFixedPoint(true);
-    queueCreator.setDataTypeId(-3);
-    queueCreator.setFxpSignedness(std::numeric_limits<std::uint32_t>::max());
-    queueCreator.setFxpSlopeAdjFactor(1.25);
-    queueCreator.setFxpBias(-0.5);
-    queueCreator.setSignalName(u"bus");
-    queueCreator.setSignalSourceUUIDasInteger(std::numeric_limits<std::int64_t>::min());
-    queueCreator.setNVBusOffset(std::numeric_limits<std::int64_t>::max());
-    ToAsyncQueueBlock queue = queueCreator.createToAsyncQueueBlock();
-    queue.getEnumLabels().append(StringListElement(u"Off"));
-    queue.getEnumLabels().append(StringListElement(u"On"));
-    model.getTAQBlocks().append(queue);
-}
-
+// Both dumps of a model with every kind of value, stored and read again.
+// That every field of every record kind is stored shows in the models the
+// model tests serialize.
 TEST(Dump, AStoredModelReadsBackAfterReopeningWithEveryValueShape) {
     TempDir dir;
     const auto path = dir / "codedescriptor.strata";
     {
         Repository repository(path);
-        Transaction transaction(repository);
-        writeModel(repository);
-        transaction.commit();
+        testing_support::writeValueShapesModel(repository);
     }
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
-    EXPECT_EQ(R"(Model
-  ModelName: "d\"e\\moé"
-  KordelVersion: "4.2"
-  SharedCodeManagerPath: ""
-  BlockHierarchyMap: (none)
-  FPCInfo: IOMap
-    InportIndices: [0, -1]
-    OutportIndicies: []
-  Systems: [1]
-    [0] System
-      Identifier: ""
-      Name: ""
-      GraphicalCallSites: [1]
-        [0] GraphicalBlock
-          GraphicalName: ""
-          Name: "Gain"
-          SID: ""
-          Type: ""
-          Description: "line one\nline \"two\""
-          ReferencedModelName: ""
-          IsProtectedModelBlock: true
-          Virtual: ""
-          NumFcnCallOutputPorts: 2
-          ParentSystemSID: (absent)
-          DataInputPorts: [1]
-            [0] Port
-              GraphicalName: ""
-              SignalLabel: ""
-              Connected: false
-              TestPoint: false
-              GraphicalSource: Port
-                GraphicalName: ""
-                SignalLabel: ""
-                Connected: true
-                TestPoint: false
-                GraphicalSource: (none)
-                DataInterfaces: []
-              DataInterfaces: []
-          DataOutputPorts: []
-          ControlInputPorts: []
-          ContinuousStates: []
-          Derivatives: []
-          DWorks: []
-          DiscreteStates: []
-          BlockParameters: []
-  ExternalInputs: []
-  TAQBlocks: [1]
-    [0] ToAsyncQueueBlock
-      IsFixedPoint: true
-      IsEnum: false
-      DataTypeId: -3
-      DataTypeSize: 0
-      FxpNumericType: 0
-      FxpSignedness: 4294967295
-      FxpWordLength: 0
-      FxpFractionLength: 0
-      FxpSlopeAdjFactor: 1.25
-      FxpFixedExponent: 0
-      FxpBias: -0.5
-      EnumClassName: ""
-      EnumClassification: ""
-      IsComplex: false
-      IsDiscrete: false
-      IsVirtualBus: false
-      IsNVBus: false
-      IsVarDims: false
-      BlockPath: ""
-      BlockSID: ""
-      PortNumber: 0
-      SignalName: "bus"
-      ActSrcBlockPath: ""
-      ActSrcBlockSID: ""
-      ActSrcPortNumber: 0
-      ActSrcDWorkName: ""
-      ActSrcStartElement: 0
-      SignalSourceUUID: ""
-      SignalSourceUUIDasInteger: -9223372036854775808
-      UniqueId: 0
-      Tid: 0
-      NVBusOffset: 9223372036854775807
-      IsLiveStreaming: false
-      IsDeferredStreaming: false
-      LeafElements: []
-      EnumLabels: ["Off", "On"]
-      EnumValues: []
-      Dimensions: []
-  CoderGroups: []
-)",
-              dumpText(repository));
     EXPECT_TRUE(repository.checkIntegrity().empty());
+    EXPECT_MATCHES_FILE(dumpText(repository), __FILE__, "../support/value_shapes.dump.txt");
+    EXPECT_MATCHES_FILE(dumpJson(repository), __FILE__, "../support/value_shapes.dump.json");
 }
 
 TEST(Dump, ARecordThatRefersToItsAncestorIsMarked) {

@@ -7,9 +7,9 @@
 #include <optional>
 #include <string>
 
-#include <sqlite3.h>
-
+#include "DescriptorModels.hpp"
 #include "DiagnosticTesting.hpp"
+#include "StoreRows.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
@@ -110,20 +110,7 @@ TEST(Creator, ValuesThatCannotBeStoredWriteNothing) {
 TEST(Object, DamagedValuesAreReportedWhenRead) {
     TempDir dir;
     const auto path = dir / "s.strata";
-    {
-        Repository repository(path);
-        Transaction transaction(repository);
-        Model model = ModelCreator(repository).createModel();
-        BlockHierarchyMap map = BlockHierarchyMapCreator(repository).createBlockHierarchyMap();
-        model.setBlockHierarchyMap(map);
-        GraphicalSystem root = GraphicalSystemCreator(repository).createGraphicalSystem();
-        map.getGraphicalSystems().append(root);
-        for (int i = 0; i < 3; ++i)
-            root.getGraphicalBlocks().append(GraphicalBlockCreator(repository).createGraphicalBlock());
-        transaction.commit();
-    }
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
+    testing_support::storeModel(path, u"damaged", 3);
     // STRICT tables refuse wrong types; a table rebuilt without STRICT does not.
     const char* damage =
         "PRAGMA writable_schema = OFF;"
@@ -135,8 +122,7 @@ TEST(Object, DamagedValuesAreReportedWhenRead) {
         "UPDATE GraphicalBlock SET IsProtectedModelBlock = 7 WHERE id = 3;"
         "DELETE FROM GraphicalSystem_GraphicalBlocks WHERE position = 1;"
         "DELETE FROM BlockHierarchyMap;";
-    ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, damage, nullptr, nullptr, nullptr));
-    sqlite3_close(db);
+    testing_support::execSql(path, damage);
 
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
     // A record without fields is still found missing.

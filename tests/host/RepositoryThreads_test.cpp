@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "DescriptorModels.hpp"
 #include "StartLatch.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
@@ -32,13 +33,8 @@ TEST(RepositoryThreads, WritersOnOneFileTakeTurns) {
                 start.arriveAndWait();
                 for (int pass = 0; pass < kPasses; ++pass) {
                     coder::Transaction transaction(repository);
-                    ModelCreator model(repository);
-                    model.setModelName(u"writer" + vel::i18n::toUString(std::to_string(w)));
-                    Model m = model.createModel();
-                    m.getSystems().append(SystemCreator(repository).createSystem());
-                    for (int b = 0; b < kBlocks; ++b)
-                        m.getSystems().at(0).getGraphicalCallSites().append(
-                            GraphicalBlockCreator(repository).createGraphicalBlock());
+                    testing_support::writeModel(repository,
+                                                u"writer" + vel::i18n::toUString(std::to_string(w)), kBlocks);
                     transaction.commit();
                 }
             } catch (...) {
@@ -52,8 +48,9 @@ TEST(RepositoryThreads, WritersOnOneFileTakeTurns) {
     coder::Repository repository(path, {coder::RepositoryOptions::Access::ReadOnly});
     EXPECT_TRUE(repository.checkIntegrity().empty());
     Model model = RepositoryHelper::getModel(repository);
-    EXPECT_EQ(1u, model.getSystems().size());
-    EXPECT_EQ(static_cast<std::size_t>(kBlocks), model.getSystems().at(0).getGraphicalCallSites().size());
+    const auto systems = model.getBlockHierarchyMap().getGraphicalSystems();
+    ASSERT_EQ(1u, systems.size());
+    EXPECT_EQ(static_cast<std::size_t>(kBlocks), systems.at(0).getGraphicalBlocks().size());
 }
 
 } // namespace

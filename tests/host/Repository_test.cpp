@@ -11,10 +11,10 @@
 #include <unistd.h>
 #include <vector>
 
-#include <sqlite3.h>
-
 #include "ChildProcess.hpp"
+#include "DescriptorModels.hpp"
 #include "DiagnosticTesting.hpp"
+#include "StoreRows.hpp"
 #include "TempDir.hpp"
 #include "coder/descriptor/Descriptors.hpp"
 #include "coder/descriptor/Dump.hpp"
@@ -25,52 +25,11 @@ using coder::Repository;
 using coder::RepositoryOptions;
 using coder::Transaction;
 using namespace coder::descriptor;
-using testing_support::diagnosticOf;
-using testing_support::diagnosticWithArgumentsOf;
-using testing_support::fileBytes;
-using testing_support::runInChild;
-using testing_support::TempDir;
-using testing_support::writeBytes;
-
-// Stores a model named `name` with one subsystem of `blocks` blocks.
-void writeModel(Repository& repository, const std::u16string& name, int blocks = 1) {
-    ModelCreator model(repository);
-    model.setModelName(name);
-    Model m = model.createModel();
-    BlockHierarchyMap map = BlockHierarchyMapCreator(repository).createBlockHierarchyMap();
-    m.setBlockHierarchyMap(map);
-    GraphicalSystem root = GraphicalSystemCreator(repository).createGraphicalSystem();
-    map.getGraphicalSystems().append(root);
-    GraphicalBlockCreator block(repository);
-    for (int i = 0; i < blocks; ++i) {
-        block.setName(u"b" + vel::i18n::toUString(std::to_string(i)));
-        root.getGraphicalBlocks().append(block.createGraphicalBlock());
-    }
-}
-
-// Opens the file, stores a model in one committed transaction and closes it.
-void storeModel(const std::filesystem::path& path, const std::u16string& name, int blocks = 1) {
-    Repository repository(path);
-    Transaction transaction(repository);
-    writeModel(repository, name, blocks);
-    transaction.commit();
-}
+using namespace testing_support;
 
 std::u16string storedModelName(const std::filesystem::path& path) {
     Repository repository(path, {RepositoryOptions::Access::ReadOnly});
     return RepositoryHelper::getModel(repository).getModelName();
-}
-
-// Runs SQL on a file directly, bypassing the store.
-void execSql(const std::filesystem::path& path, const std::string& sql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
-    char* error = nullptr;
-    const int rc = sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &error);
-    const std::string message = error ? error : "";
-    sqlite3_free(error);
-    sqlite3_close(db);
-    ASSERT_EQ(SQLITE_OK, rc) << message;
 }
 
 TEST(Repository, CommittedWorkIsVisibleToALaterReaderAndUncommittedWorkIsNot) {
@@ -110,16 +69,9 @@ TEST(Repository, ANewModelReplacesTheStoredOne) {
     EXPECT_EQ(std::string::npos, dump.find("\"one\""));
 
     // Rebuilding gives the same file content, not duplicates.
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr));
-    sqlite3_stmt* count = nullptr;
-    sqlite3_prepare_v2(db, "SELECT (SELECT count(*) FROM Model), (SELECT count(*) FROM GraphicalBlock)", -1,
-                       &count, nullptr);
-    ASSERT_EQ(SQLITE_ROW, sqlite3_step(count));
-    EXPECT_EQ(1, sqlite3_column_int(count, 0));
-    EXPECT_EQ(3, sqlite3_column_int(count, 1));
-    sqlite3_finalize(count);
-    sqlite3_close(db);
+    const std::string rows = testing_support::rowCounts(path);
+    EXPECT_NE(std::string::npos, rows.find("\nModel 1\n")) << rows;
+    EXPECT_NE(std::string::npos, rows.find("\nGraphicalBlock 3\n")) << rows;
 }
 
 TEST(Repository, TransactionMisuseIsADiagnostic) {

@@ -100,17 +100,16 @@ struct BasicEveryKindModel {
         model.setName(L"every_kind");
         model.setKordelVersion(L"9.1");
 
-        auto sys = std::make_unique<System>();
-        system = sys.get();
+        system = new System();
+        model.addSystem(std::unique_ptr<System>(system));
         system->setIdentifier("every_kind_step");
         system->setStartFcn("start");
         system->setOutputFcn("output");
         system->setUpdateFcn("update");
         system->setOutputUpdateFcn("step");
-        model.addSystem(std::move(sys));
 
-        auto type = std::make_unique<VelCGType>("int32_t");
-        cgType = type.get();
+        cgType = new VelCGType("int32_t");
+        model.addVelCGType(std::unique_ptr<VelCGType>(cgType));
         cgType->setVelTypeIndex(0);
         cgType->setDimensions({2, 3});
         cgType->setSymbolicDimensions({"N", "M"});
@@ -120,10 +119,9 @@ struct BasicEveryKindModel {
         cgType->setEmbeddedTypeFromCGType(*CG::Type::integer("int32_t", 32, true));
         cgType->addMember(std::make_unique<CGTypeMember>("u1", 0, 4));
         member = cgType->getMembers()[0];
-        model.addVelCGType(std::move(type));
 
-        auto vg = std::make_unique<VarGroup>();
-        group = vg.get();
+        group = new VarGroup();
+        model.addVarGroup(std::unique_ptr<VarGroup>(group));
         group->setName("model_State");
         group->setCategory(VarGroupEnum::DWork);
         group->setLocalName("localState");
@@ -134,20 +132,17 @@ struct BasicEveryKindModel {
         group->setElements({"a", "b"});
         group->addSubStructName("S");
         group->addSubStructIndex(1);
-        model.addVarGroup(std::move(vg));
 
-        auto vt = std::make_unique<VelType>("int32");
-        velType = vt.get();
+        velType = new VelType("int32");
+        model.addVelType(std::unique_ptr<VelType>(velType));
         velType->setID(7);
-        model.addVelType(std::move(vt));
 
-        auto in = std::make_unique<ExternalInput>();
-        input = in.get();
+        input = new ExternalInput();
+        model.addExternalInput(std::unique_ptr<ExternalInput>(input));
         input->setCGTypeIndex(0);
         input->setStorageClass(2, "Auto");
         input->setIdentifier("In1");
         input->setPadding(4);
-        model.addExternalInput(std::move(in));
         auto byMember = std::make_unique<ExternalInput>();
         byMember->setVarGroupIndex(0);
         byMember->setVarGroupMemberIndex(0);

@@ -43,20 +43,4 @@ inline std::string render(const tuvArray& a) {
     }
 }
 
-// Every property of the object as a script reads it, one "Name=value" line
-// each in lookup order; a property whose getter raises renders as
-// "Name!identifier".
-// REQUIRES: the object's class is registered with the client's object system.
-inline std::string renderProperties(korb::Client& client, vel::mi::Handle& object) {
-    std::string out;
-    for (const std::string& name : client.getPropertyNames(object)) {
-        try {
-            out += name + "=" + render(*client.getProperty(object.makeRef(), name)) + "\n";
-        } catch (const vel::diag::Exception& e) {
-            out += name + "!" + e.identifier() + "\n";
-        }
-    }
-    return out;
-}
-
 } // namespace testing_support

@@ -1,14 +1,27 @@
 #pragma once
 
-// What a code descriptor store holds, read with SQLite itself, past the
-// store's own classes.
+// What a code descriptor store holds, read and changed with SQLite itself,
+// past the store's own classes.
 
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <string>
 
 #include <sqlite3.h>
 
 namespace testing_support {
+
+// Runs SQL on a file directly, past the store; creates a missing file.
+inline void execSql(const std::filesystem::path& path, const std::string& sql) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
+    char* error = nullptr;
+    const int rc = sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &error);
+    const std::string message = error ? error : "";
+    sqlite3_free(error);
+    sqlite3_close(db);
+    ASSERT_EQ(SQLITE_OK, rc) << message;
+}
 
 // The rows of every table of the store, "table rows" a line. A pass writes
 // all its rows or none, so this tells a complete pass from a partial one.

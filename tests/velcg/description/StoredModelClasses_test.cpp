@@ -1,14 +1,12 @@
 // The field-backed model classes that descriptions are read into.
 #include <gtest/gtest.h>
 
+#include "DescriptorDump.hpp"
 #include "TempDir.hpp"
-#include "coder/Repository.hpp"
-#include "coder/descriptor/Dump.hpp"
 #include "vel/feature/Feature.hpp"
 #include "velcg/Features.hpp"
 #include "velcg/StoredCGModel.hpp"
 #include "velcg/StoredCoderDataGroup.hpp"
-#include "velcg/StoredSystem.hpp"
 #include "velcg/StoredVelType.hpp"
 #include "velcg/VarGroup.hpp"
 #include "velcg/VelCGType.hpp"
@@ -37,20 +35,6 @@ TEST(StoredVelType, AnswersLikeVelTypeUntilAFieldIsSet) {
     EXPECT_TRUE(type.isBus());
 }
 
-TEST(StoredSystem, AnswersTheIdentityQueriesFromItsFields) {
-    StoredSystem system("Sub");
-    EXPECT_EQ("", system.getSystemType());
-    EXPECT_FALSE(system.isRootSystem() || system.isAtomic() || system.isCalledByBlock() ||
-                 system.isReusableLibrarySubsystem());
-    system.setSystemType("atomic");
-    system.setIsAtomic(true);
-    system.setIsCalledByBlock(true);
-    EXPECT_EQ("Sub", system.getName());
-    EXPECT_EQ("atomic", system.getSystemType());
-    EXPECT_TRUE(system.isAtomic() && system.isCalledByBlock());
-    EXPECT_FALSE(system.isRootSystem());
-}
-
 TEST(StoredCGModel, ItsNameReachesTheCodeDescriptorEvenFromABackgroundPass) {
     for (int level : {1, 2}) {
         vel::feature::ScopedValue switchValue(VELFEAT_VelCGDirectEmitSerialize, level);
@@ -62,10 +46,7 @@ TEST(StoredCGModel, ItsNameReachesTheCodeDescriptorEvenFromABackgroundPass) {
             model.serializeModel(dir.path().wstring());
             // Destroyed while a pass at level 1 may still ask for the name.
         }
-        coder::RepositoryOptions options;
-        options.access = coder::RepositoryOptions::Access::ReadOnly;
-        coder::Repository repository(dir / CGModel::kCodeDescriptorFileName, options);
-        const std::string dump = coder::descriptor::dumpText(repository);
+        const std::string dump = testing_support::dumpOf(dir / CGModel::kCodeDescriptorFileName);
         EXPECT_NE(std::string::npos, dump.find("ModelName: \"plant\"\n  KordelVersion: \"11.0\"")) << dump;
     }
 }

@@ -24,7 +24,10 @@ TEST(CustomSection, CloneKeepsNameKindStateAndContent) {
     EXPECT_EQ("MyDecls_InUse", decls.getSectionToken());
 }
 
+// Text after an embedded NUL is dropped with a warning; a refused addition
+// warns about nothing.
 TEST(CustomContents, DeclarationsAreUniqueByNameAndMisuseIsDiagnosed) {
+    vel::diag::WarningCollector warnings;
     CustomContents cc("model.c");
     cc.addCustomSection("A", INCLUDES_SECTION);
     cc.addCustomSection("A", INCLUDES_SECTION);
@@ -34,7 +37,7 @@ TEST(CustomContents, DeclarationsAreUniqueByNameAndMisuseIsDiagnosed) {
     EXPECT_EQ("Brisk:codeGen:CustomContentPreviousAssociation(A, Functions, Includes)",
               diagnosticWithArgumentsOf([&] { cc.addCustomSection("A", FUNCTIONS_SECTION); }));
     EXPECT_EQ("Brisk:codeGen:CustomContentSectionDoesNotExist(model.c, B)",
-              diagnosticWithArgumentsOf([&] { cc.addContentToSection("B", "x"); }));
+              diagnosticWithArgumentsOf([&] { cc.addContentToSection("B", std::string("x\0y", 3)); }));
     EXPECT_EQ("VelCG:CustomContents:NullContent(model.c, A)", diagnosticWithArgumentsOf([&] {
                   cc.addContentToSection("A", static_cast<const char*>(nullptr));
               }));
@@ -58,6 +61,8 @@ TEST(CustomContents, DeclarationsAreUniqueByNameAndMisuseIsDiagnosed) {
     cc.addContentToSection("C", "more"); // allowed after retrieval, stays retrieved
     EXPECT_EQ("Brisk:codeGen:CustomContentSectionAlreadyRetrieved(C, second, C)",
               diagnosticWithArgumentsOf([&] { cc.getCustomSectionContent("C", "second"); }));
+    EXPECT_EQ((std::vector<std::string>{"VelCG:CustomContents:TextAfterNul(model.c, A, 4)"}),
+              files_testing::warningsOf(warnings));
 }
 
 TEST(CustomContents, AppendsUnplacedRequiredSectionsOnceInDeclarationOrder) {
@@ -101,19 +106,4 @@ TEST(CustomContents, AppendsUnplacedRequiredSectionsOnceInDeclarationOrder) {
     FileSection again;
     cc.appendMissingTokens(again, TYPEDEFS_SECTION);
     EXPECT_TRUE(again.isEmpty());
-}
-
-TEST(CustomContents, ContentAfterAnEmbeddedNulIsDroppedWithAWarning) {
-    CustomContents contents("m.c");
-    contents.addCustomSection("Decls", DECLARATIONS_SECTION);
-    vel::diag::WarningCollector warnings;
-    contents.addContentToSection("Decls", std::string("int a;\0int b;\n", 14));
-    contents.addContentToSection("Decls", std::string("int c;\n"));
-    EXPECT_EQ("int a;int c;\n", contents.getCustomSectionContent("Decls", "test"));
-    // A refused addition warns about nothing.
-    EXPECT_EQ("Brisk:codeGen:CustomContentSectionDoesNotExist(m.c, None)", diagnosticWithArgumentsOf([&] {
-                  contents.addContentToSection("None", std::string("x\0y", 3));
-              }));
-    EXPECT_EQ((std::vector<std::string>{"VelCG:CustomContents:TextAfterNul(m.c, Decls, 8)"}),
-              files_testing::warningsOf(warnings));
 }

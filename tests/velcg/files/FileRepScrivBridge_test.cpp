@@ -36,6 +36,7 @@ public:
 
 } // namespace
 
+// Sections read as string attributes give their text (test_bridge.py).
 TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
     const std::pair<const char*, const char*> settings[] = {
         {"Type", "source"},
@@ -84,12 +85,6 @@ TEST_F(FileRepScrivBridgeTest, SetsAndReadsAttributesWithTheirQuirks) {
     EXPECT_FALSE(bridge.getBooleanAttribute(1, "IsEmpty"));
     bridge.setAttribute(1, "IsEmpty", true);
     EXPECT_FALSE(generic.isEmpty());
-
-    // Sections read as string attributes give their current text.
-    bridge.addSectionContent(0, "Includes", text("#include \"model.h\"\n"));
-    EXPECT_STREQ(
-        "\n#include <stdio.h>\n\n#include \"common.h\"\n#include \"model.h\"\n\n#include \"util.h\"\n",
-        bridge.getStringAttribute(0, "Includes"));
 }
 
 // Every refused call says what is wrong and, for a name, which names it

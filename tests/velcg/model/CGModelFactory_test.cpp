@@ -16,28 +16,17 @@ using namespace VelCG;
 
 namespace {
 
-struct CountedRecord : StoredDataInterfaceRecord {
-    static int live;
-    CountedRecord() { ++live; }
-    ~CountedRecord() override { --live; }
-};
-int CountedRecord::live = 0;
-
 static_assert(std::is_abstract_v<CGModelFactory>);
 
-// What the factory's elements are to scripts, and the references they hold,
-// show in VelCGPackage_test.cpp and CGModel_test.cpp with the every-kind model.
-TEST(CGModelFactory, EachCallGivesANewFactoryWhoseElementsOwnTheirImplementation) {
-    std::unique_ptr<CGModelFactory> other(GetCGModelFactory());
-    CountedRecord::live = 0;
+// Each call gives a factory of its own, and each element owns its
+// implementation: the model tests build and destroy whole models under the
+// sanitizers, which report an element that deletes too little or twice.
+// What the elements are to scripts shows in VelCGPackage_test.cpp.
+TEST(CGModelFactory, ElementsWrapTheirImplementationAndRefuseNone) {
     std::unique_ptr<CGModelFactory> factory(GetCGModelFactory());
-    EXPECT_NE(other.get(), factory.get());
-    auto* impl = new CountedRecord();
-    DataInterfaceRecord* record = factory->createDataInterfaceRecord(impl);
+    auto* impl = new StoredDataInterfaceRecord();
+    std::unique_ptr<DataInterfaceRecord> record(factory->createDataInterfaceRecord(impl));
     EXPECT_EQ(impl, record->getImpl());
-    EXPECT_EQ(1, CountedRecord::live);
-    delete record;
-    EXPECT_EQ(0, CountedRecord::live);
     EXPECT_THROW(Parameter(nullptr), vel::diag::Exception);
     EXPECT_THROW(ModelParameterKorb(nullptr), vel::diag::Exception);
 }

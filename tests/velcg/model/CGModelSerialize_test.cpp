@@ -3,16 +3,15 @@
 // join points, and failures.
 #include <atomic>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
 
+#include "DescriptorDump.hpp"
 #include "DiagnosticTesting.hpp"
 #include "EveryKindModel.hpp"
+#include "ExpectedFile.hpp"
 #include "StartLatch.hpp"
 #include "TempDir.hpp"
-#include "coder/Repository.hpp"
-#include "coder/descriptor/Dump.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -22,9 +21,7 @@
 #include "velcg/PlexoModule.hpp"
 
 using namespace VelCG;
-using testing_support::diagnosticOf;
-using testing_support::EveryKindModel;
-using testing_support::TempDir;
+using namespace testing_support;
 
 namespace {
 
@@ -79,28 +76,15 @@ void addBlock(CGModel& model, GraphicalBlockIF* block) {
 
 std::filesystem::path storeIn(const TempDir& dir) { return dir / CGModel::kCodeDescriptorFileName; }
 
-std::string dumpOf(const std::filesystem::path& file) {
-    coder::RepositoryOptions options;
-    options.access = coder::RepositoryOptions::Access::ReadOnly;
-    coder::Repository repository(file, options);
-    return coder::descriptor::dumpText(repository);
-}
-
 bool holdsModel(const std::filesystem::path& file) {
     if (!std::filesystem::exists(file)) return false;
     return diagnosticOf([&] { dumpOf(file); }) != "coder:descriptor:NoModel";
 }
 
-// The expected dump at one level. Each line of the golden file starts with
-// the levels it belongs to ("1234", " 2 4", ...) and a '|'.
+// The expected dump at one level (CGModelSerialize_golden.txt).
 std::string expectedDump(int level) {
-    std::ifstream in(std::filesystem::path(__FILE__).replace_filename("CGModelSerialize_golden.txt"));
-    EXPECT_TRUE(in.good()) << "the golden file beside " << __FILE__;
-    std::string line, out;
-    while (std::getline(in, line))
-        if (line.size() >= 5 && line[4] == '|' && line.find(static_cast<char>('0' + level)) < 4)
-            out += line.substr(5) + "\n";
-    return out;
+    return testing_support::expectedDump(
+        testing_support::besideSource(__FILE__, "CGModelSerialize_golden.txt"), level);
 }
 
 // Both passes, as a code generator runs them; the model is destroyed before

@@ -57,10 +57,12 @@ std::vector<TextField> textFields() {
     };
 }
 
-// Text a field holds before one of them is changed: each field its own,
-// some of one byte per character, some beyond that.
-std::wstring baseline(std::size_t field) {
-    return field % 2 ? L"f" + std::to_wstring(field) : L"\u20ac" + std::to_wstring(field) + L"\u00e9";
+// Text field g holds before one of them is changed: each field its own,
+// some of one byte per character, some beyond that (not the narrow one).
+std::wstring baseline(const std::vector<TextField>& fields, std::size_t g) {
+    return g % 2 || std::string(fields[g].name) == "rlsCommentName"
+               ? L"f" + std::to_wstring(g)
+               : L"\u20ac" + std::to_wstring(g) + L"\u00e9";
 }
 
 TEST(StoredGraphicalBlock, EachTextFieldKeepsItsTextAndLeavesTheOthers) {
@@ -84,20 +86,16 @@ TEST(StoredGraphicalBlock, EachTextFieldKeepsItsTextAndLeavesTheOthers) {
         for (const std::wstring& value : narrowField ? byteValues : wideValues) {
             SCOPED_TRACE(std::string(fields[f].name) + ", value of length " + std::to_string(value.size()));
             StoredGraphicalBlock b;
-            for (std::size_t g = 0; g < fields.size(); ++g)
-                fields[g].set(b, std::string(fields[g].name) == "rlsCommentName" ? L"f" + std::to_wstring(g)
-                                                                                 : baseline(g));
+            for (std::size_t g = 0; g < fields.size(); ++g) fields[g].set(b, baseline(fields, g));
             fields[f].set(b, value);
             EXPECT_EQ(value, fields[f].get(b));
             fields[f].set(b, L"x");
             EXPECT_EQ(L"x", fields[f].get(b)) << "a value replaces a longer or shorter one";
             fields[f].set(b, value);
-            for (std::size_t g = 0; g < fields.size(); ++g) {
-                if (g == f) continue;
-                const std::wstring expected =
-                    std::string(fields[g].name) == "rlsCommentName" ? L"f" + std::to_wstring(g) : baseline(g);
-                EXPECT_EQ(expected, fields[g].get(b)) << fields[g].name << " changed";
-            }
+            for (std::size_t g = 0; g < fields.size(); ++g)
+                if (g != f) {
+                    EXPECT_EQ(baseline(fields, g), fields[g].get(b)) << fields[g].name << " changed";
+                }
             fields[f].set(b, L"");
             EXPECT_EQ(L"", fields[f].get(b));
         }
