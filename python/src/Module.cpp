@@ -109,6 +109,7 @@ void defineModule(py::module_& module) {
     defineObjects(module);
     defineBridge(module);
     defineGenerate(module);
+    state.defined = true;
 }
 
 } // namespace VelCG::python

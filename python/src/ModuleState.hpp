@@ -32,6 +32,10 @@ struct TypeNameSlot {
 };
 
 struct ModuleState {
+    // Set once defineModule has returned: another thread may meet the state
+    // while the module is being defined (Python code run by the definition
+    // lets it take the interpreter lock).
+    bool defined = false;
     // velcg.Error, and velcg.UnknownMemberError for unknown members.
     py::object errorClass;
     py::object unknownMemberClass;

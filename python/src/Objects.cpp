@@ -709,8 +709,10 @@ void requireLive(const vel::mi::HandleRef& ref) {
 
 py::object wrap(const vel::mi::HandleRef& ref) {
     if (!ref.identity()) return py::none();
-    // An embedding runtime may wrap its globals before a script imported the module.
-    if (!ModuleState::current()) py::module_::import("velcg");
+    // An embedding runtime may wrap its globals before a script imported the
+    // module, or while another thread imports it: the import waits for that.
+    const ModuleState* current = ModuleState::current();
+    if (!current || !current->defined) py::module_::import("velcg");
     if (PyObject* kept = keptObject(ref.scriptObjectSlot(), ref.lifetime().get())) {
         auto object = py::reinterpret_steal<py::object>(kept);
         requireLive(ref);
