@@ -30,8 +30,8 @@ enum class State { NotStarted, Running, Finalized };
 struct Interpreter {
     std::mutex mutex; // guards state and the start and end of the interpreter
     State state = State::NotStarted;
-    // The module that records what templates read, made on first use. Under
-    // the interpreter lock; dropped before the interpreter ends.
+    // The module that records what templates read, made on first use. Used
+    // under the GIL; dropped before the interpreter ends.
     py::object dependencyRecorder;
 };
 
