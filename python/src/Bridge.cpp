@@ -13,6 +13,7 @@
 #include <boost/make_shared.hpp>
 
 #include "Objects.hpp"
+#include "PybindInternals.hpp"
 #include "Values.hpp"
 #include "korb/Client.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -24,37 +25,6 @@
 #include "velcg/VelCGFileRepository.hpp"
 #include "velcg/VelCGFileSectionKind.hpp"
 #include "velcg/WholeFile.hpp"
-
-namespace VelCG::python {
-
-// A file index from Python: an int. A bool, which Python counts as an int,
-// is refused rather than taken for file 0 or 1.
-struct FileIndex {
-    std::int32_t value = 0;
-    operator std::int32_t() const { return value; }
-};
-
-} // namespace VelCG::python
-
-namespace pybind11::detail {
-
-template <>
-struct type_caster<VelCG::python::FileIndex> {
-    PYBIND11_TYPE_CASTER(VelCG::python::FileIndex, const_name("int"));
-
-    bool load(handle source, bool convert) {
-        if (PyBool_Check(source.ptr())) return false;
-        make_caster<std::int32_t> index;
-        if (!index.load(source, convert)) return false;
-        value.value = cast_op<std::int32_t>(index);
-        return true;
-    }
-    static handle cast(VelCG::python::FileIndex index, return_value_policy, handle) {
-        return PyLong_FromLong(index.value);
-    }
-};
-
-} // namespace pybind11::detail
 
 namespace VelCG::python {
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Module.hpp"
+#include "Objects.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/Generation.hpp"
 #include "velcg/ModelDescription.hpp"

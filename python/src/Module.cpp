@@ -3,9 +3,11 @@
 #include <pybind11/eval.h>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "Bridge.hpp"
 #include "Generate.hpp"
+#include "ModuleState.hpp"
 #include "Objects.hpp"
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
@@ -39,20 +41,17 @@ class UnknownMemberError(Error, AttributeError):
     """A name that is neither a property nor a method of the object's class."""
 )";
 
-py::object& errorClass() {
-    static auto* type = new py::object();
-    return *type;
-}
-
-py::object& unknownMemberClass() {
-    static auto* type = new py::object();
-    return *type;
-}
-
 void raisePython(const vel::diag::Exception& e) {
+    const ModuleState* state = ModuleState::current();
+    // A thread that outlived the module (one the interpreter has not yet
+    // stopped while it ends) gets the message without its class.
+    if (!state) {
+        PyErr_SetString(PyExc_RuntimeError, e.what());
+        return;
+    }
     const std::string& id = e.identifier();
     const bool unknownMember = id == "Korb:UnknownProperty" || id == "Korb:UnknownMethod";
-    py::object type = unknownMember ? unknownMemberClass() : errorClass();
+    py::object type = unknownMember ? state->unknownMemberClass : state->errorClass;
     py::list arguments;
     for (const std::string& a : e.arguments())
         arguments.append(py::bytes(a).attr("decode")("utf-8", "replace"));
@@ -68,8 +67,6 @@ korb::Client& client() {
     return publicClient;
 }
 
-py::object errorType() { return errorClass(); }
-
 const char* classDoc(const char* className) {
     for (const reference::ModuleClass& c : reference::moduleClasses())
         if (c.name == className) return c.summary.c_str();
@@ -82,26 +79,24 @@ const char* operationDoc(const char* className, const char* name) {
     return op->summary.c_str();
 }
 
-void releaseModule() {
-    releaseObjects();
-    errorClass() = py::object();
-    unknownMemberClass() = py::object();
-}
+void releaseModule() { delete std::exchange(ModuleState::current_, nullptr); }
 
 void defineModule(py::module_& module) {
     // The classes scripts see are those of the package; loading the module
     // loads the library the way the host does.
     PlexoInitialize_velcg();
+    delete std::exchange(ModuleState::current_, new ModuleState());
+    ModuleState& state = *ModuleState::current_;
 
     module.doc() = classDoc("");
     py::dict scope;
     scope["__name__"] = "velcg";
     scope["__builtins__"] = py::module_::import("builtins");
     py::exec(kErrorClasses, scope);
-    errorClass() = scope["Error"];
-    unknownMemberClass() = scope["UnknownMemberError"];
-    module.attr("Error") = errorClass();
-    module.attr("UnknownMemberError") = unknownMemberClass();
+    state.errorClass = scope["Error"];
+    state.unknownMemberClass = scope["UnknownMemberError"];
+    module.attr("Error") = state.errorClass;
+    module.attr("UnknownMemberError") = state.unknownMemberClass;
 
     py::register_exception_translator([](std::exception_ptr p) {
         try {
@@ -114,6 +109,7 @@ void defineModule(py::module_& module) {
     defineObjects(module);
     defineBridge(module);
     defineGenerate(module);
+    state.defined = true;
 }
 
 } // namespace VelCG::python

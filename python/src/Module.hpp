@@ -9,10 +9,6 @@
 #include <pybind11/pybind11.h>
 #include <string>
 
-namespace vel::mi {
-class HandleRef;
-}
-
 namespace korb {
 class Client;
 }
@@ -22,21 +18,17 @@ namespace VelCG::python {
 namespace py = pybind11;
 
 // Fills the module: its classes, functions and the translation of host
-// diagnostics into velcg.Error.
+// diagnostics into velcg.Error. Makes the module state (ModuleState), in
+// place of any earlier one.
 void defineModule(py::module_& module);
-// Drops every reference to the module's classes held outside the
-// interpreter, so that an embedding runtime that shuts the interpreter down
-// lets them be freed with it. The module cannot be used afterwards.
+// Frees the module state, dropping its references to the module's classes,
+// so that an embedding runtime that shuts the interpreter down lets them be
+// freed with it. The module's objects are refused afterwards (TypeError).
+// REQUIRES: the interpreter lock, before the interpreter ends.
 void releaseModule();
 
+// The object system's client that every call of the module goes through.
 korb::Client& client();
-
-// The Python object for a native object, of the Python class of its
-// object-system class; None for a null reference.
-py::object wrap(const vel::mi::HandleRef& ref);
-
-// The class velcg.Error, once the module is defined.
-py::object errorType();
 
 // The documentation of a class of the module of its own, and of its
 // operations (class "" for the module's functions), from the library's

@@ -1,17 +1,18 @@
 #include "Objects.hpp"
 
-#include <array>
 #include <atomic>
+#include <cassert>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <pybind11/stl.h>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "ModuleState.hpp"
+#include "PybindInternals.hpp"
 #include "Values.hpp"
 #include "korb/Binders.hpp"
 #include "korb/Client.hpp"
@@ -39,16 +40,6 @@
 
 namespace VelCG::python {
 
-// The Python class made for a class of the object system. Never freed:
-// objects point to it, and may outlive the module's references to its type.
-struct PythonClass {
-    std::string qualifiedName;
-    // The Python class's name, "velcg." and the short name; the type points
-    // into it.
-    std::string typeName;
-    py::object type;
-};
-
 const std::string& ObjectState::className() const { return cls->qualifiedName; }
 
 namespace {
@@ -58,41 +49,20 @@ struct ObjectInstance {
     ObjectState state;
 };
 
-// Python classes by qualified name, made on first use, and by the type-name
-// pointer of the native objects of the class (a pointer answered by
-// getFullyQualifiedKorbTypeName), for reads that meet an object. Both are
-// used under the interpreter lock only.
-std::unordered_map<std::string, PythonClass*>& classesByName() {
-    static auto* classes = new std::unordered_map<std::string, PythonClass*>();
-    return *classes;
-}
-
-struct TypeNameSlot {
-    const char* typeName = nullptr;
-    PythonClass* cls = nullptr;
+// A method of one object, as `obj.name` returns it; calling it calls the
+// native method.
+struct BoundMethod {
+    vel::mi::HandleRef ref;
+    std::string className;
+    std::string name;
+    std::string doc;
 };
-std::array<TypeNameSlot, 64>& classesByTypeName() {
-    static auto* slots = new std::array<TypeNameSlot, 64>();
-    return *slots;
-}
 
-// The module's types. Deliberately never freed: the interpreter may be gone
-// by the time static destructors run.
-py::object& objectBaseType() {
-    static auto* base = new py::object();
-    return *base;
-}
-
-// The type of property descriptors (velcg.PropertyDescriptor), made with
-// the module.
-py::object& propertyDescriptorType() {
-    static auto* type = new py::object();
-    return *type;
-}
-
-py::module_& moduleObject() {
-    static auto* module = new py::module_();
-    return *module;
+// The state of the defined module. REQUIRES: the module is defined.
+ModuleState& state() {
+    ModuleState* current = ModuleState::current();
+    assert(current && "the module velcg is not defined");
+    return *current;
 }
 
 std::string shortNameOf(const std::string& qualified) {
@@ -102,8 +72,11 @@ std::string shortNameOf(const std::string& qualified) {
 
 ObjectInstance* instanceOf(PyObject* object) { return reinterpret_cast<ObjectInstance*>(object); }
 
+// False for every object once the module state is gone, so that no object
+// reaches its PythonClass then.
 bool isObjectPointer(PyObject* object) {
-    PyObject* base = objectBaseType().ptr();
+    const ModuleState* current = ModuleState::current();
+    PyObject* base = current ? current->objectBaseType.ptr() : nullptr;
     return base && PyObject_TypeCheck(object, reinterpret_cast<PyTypeObject*>(base));
 }
 
@@ -134,24 +107,6 @@ std::string textSignature(const reference::MemberDoc* doc) {
     return out + (doc && !doc->argumentNames.empty() ? ", /)" : ")");
 }
 
-// Sets the Python error for the exception being handled, as pybind11 does
-// for its own functions (velcg.Error for host diagnostics).
-void raiseCurrentException() {
-    try {
-        throw;
-    } catch (py::error_already_set& e) {
-        e.restore();
-    } catch (...) {
-        if (py::detail::apply_exception_translators(
-                py::detail::get_local_internals().registered_exception_translators))
-            return;
-        if (py::detail::apply_exception_translators(
-                py::detail::get_internals().registered_exception_translators))
-            return;
-        PyErr_SetString(PyExc_SystemError, "Exception escaped from default exception translator!");
-    }
-}
-
 // Runs f, turning what it throws into the Python error; `failed` is what a
 // C slot returns then.
 template <class R, class F>
@@ -159,7 +114,7 @@ R guarded(R failed, F&& f) {
     try {
         return f();
     } catch (...) {
-        raiseCurrentException();
+        setCurrentPythonError();
         return failed;
     }
 }
@@ -186,7 +141,7 @@ void objectDealloc(PyObject* self);
 // getFullyQualifiedKorbTypeName answered); "Korb:UnknownClass" when no such
 // class is registered.
 PythonClass& pythonClassForTypeName(const char* typeName) {
-    auto& slots = classesByTypeName();
+    auto& slots = state().classesByTypeName;
     const auto bits = reinterpret_cast<std::uintptr_t>(typeName);
     TypeNameSlot& slot = slots[((bits >> 3) ^ (bits >> 9)) % slots.size()];
     if (slot.typeName == typeName && slot.cls) return *slot.cls;
@@ -473,7 +428,7 @@ py::object makePropertyDescriptorType() {
 }
 
 py::object makePropertyDescriptor(const std::string& name, const std::string& doc, Shape shape) {
-    auto* type = reinterpret_cast<PyTypeObject*>(propertyDescriptorType().ptr());
+    auto* type = reinterpret_cast<PyTypeObject*>(state().propertyDescriptorType.ptr());
     PyObject* self = type->tp_alloc(type, 0);
     if (!self) throw py::error_already_set();
     auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
@@ -491,22 +446,25 @@ py::object makePropertyDescriptor(const std::string& name, const std::string& do
 // of its superclass, or of velcg.Object. Its instances are not tracked by
 // the garbage collector: they refer to no Python object.
 PythonClass& pythonClassFor(const vel::mi::HandleClass& cls) {
-    auto& classes = classesByName();
+    ModuleState& module = state();
     const std::string& name = cls.getQualifiedName();
-    if (auto it = classes.find(name); it != classes.end() && it->second->type) return *it->second;
+    if (auto it = module.classesByName.find(name); it != module.classesByName.end()) return *it->second;
     // The host's own mixin classes ("plexo.mixin.Heterogeneous") have no
     // members; their subclasses derive from velcg.Object directly.
-    py::object base = objectBaseType();
+    py::object base = module.objectBaseType;
     const vel::mi::HandleClass* super = client().getSuperclass(cls);
     if (super && super->getQualifiedName().rfind("plexo.", 0) != 0) base = pythonClassFor(*super).type;
-    PythonClass*& python = classes[name];
-    if (!python) python = new PythonClass{name, "velcg." + shortNameOf(name), py::object()};
+    auto python = std::make_unique<PythonClass>(PythonClass{name, py::object()});
+    // The type keeps a copy of its name.
+    static_assert(PY_VERSION_HEX >= 0x030B0000,
+                  "before Python 3.11 a type points to the name it was made with");
+    const std::string typeName = "velcg." + shortNameOf(name);
     // The dealloc of velcg.Object itself, rather than the generic one of
     // heap types, which would look for it along the bases each time.
     PyType_Slot slots[] = {{Py_tp_doc, const_cast<char*>(cls.getDescription().c_str())},
                            {Py_tp_dealloc, reinterpret_cast<void*>(&objectDealloc)},
                            {0, nullptr}};
-    PyType_Spec typeShape = {python->typeName.c_str(), 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
+    PyType_Spec typeShape = {typeName.c_str(), 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
     PyObject* type = PyType_FromSpecWithBases(&typeShape, py::make_tuple(base).ptr());
     if (!type) throw py::error_already_set();
     py::object owned = py::reinterpret_steal<py::object>(type);
@@ -522,7 +480,7 @@ PythonClass& pythonClassFor(const vel::mi::HandleClass& cls) {
             py::cast(MethodDescriptor{m.name, doc ? doc->summary : "", textSignature(doc)});
     }
     python->type = std::move(owned);
-    return *python;
+    return *module.classesByName.emplace(name, std::move(python)).first->second;
 }
 
 [[noreturn]] void rethrowConversion(const WrongPythonType& e, const std::string& identifier,
@@ -647,7 +605,9 @@ void objectDealloc(PyObject* self) {
 // the object system, which knows it or raises velcg.UnknownMemberError.
 PyObject* objectGetAttr(PyObject* self, PyObject* name) {
     PyObject* found = PyObject_GenericGetAttr(self, name);
-    if (found || !PyErr_ExceptionMatches(PyExc_AttributeError) || PyErr_ExceptionMatches(errorType().ptr()))
+    const ModuleState* current = ModuleState::current();
+    if (found || !PyErr_ExceptionMatches(PyExc_AttributeError) ||
+        (current && PyErr_ExceptionMatches(current->errorClass.ptr())))
         return found;
     PyErr_Clear();
     return guarded<PyObject*>(nullptr, [&] {
@@ -749,8 +709,10 @@ void requireLive(const vel::mi::HandleRef& ref) {
 
 py::object wrap(const vel::mi::HandleRef& ref) {
     if (!ref.identity()) return py::none();
-    // An embedding runtime may wrap its globals before a script imported the module.
-    if (!objectBaseType()) py::module_::import("velcg");
+    // An embedding runtime may wrap its globals before a script imported the
+    // module, or while another thread imports it: the import waits for that.
+    const ModuleState* current = ModuleState::current();
+    if (!current || !current->defined) py::module_::import("velcg");
     if (PyObject* kept = keptObject(ref.scriptObjectSlot(), ref.lifetime().get())) {
         auto object = py::reinterpret_steal<py::object>(kept);
         requireLive(ref);
@@ -759,21 +721,9 @@ py::object wrap(const vel::mi::HandleRef& ref) {
     return py::reinterpret_steal<py::object>(objectFor(ref, typeNameOf(ref)));
 }
 
-void releaseObjects() {
-    for (auto& [name, cls] : classesByName()) cls->type = py::object();
-    classesByTypeName().fill({});
-    objectBaseType() = py::object();
-    propertyDescriptorType() = py::object();
-    moduleObject() = py::module_();
-}
-
 void defineObjects(py::module_& module) {
-    for (auto& [name, cls] : classesByName()) cls->type = py::object();
-    classesByTypeName().fill({});
-    moduleObject() = module;
-
-    objectBaseType() = makeObjectType();
-    module.attr("Object") = objectBaseType();
+    state().objectBaseType = makeObjectType();
+    module.attr("Object") = state().objectBaseType;
 
     py::class_<BoundMethod>(module, "Method", nativeInstancesOnly(),
                             "A method of one native object; call it with its arguments.")
@@ -833,8 +783,8 @@ void defineObjects(py::module_& module) {
         "classOf", [](py::handle obj) { return classOfRef(stateOf(obj).ref).getQualifiedName(); },
         py::arg("obj"), operationDoc("", "classOf"));
 
-    propertyDescriptorType() = makePropertyDescriptorType();
-    module.attr("PropertyDescriptor") = propertyDescriptorType();
+    state().propertyDescriptorType = makePropertyDescriptorType();
+    module.attr("PropertyDescriptor") = state().propertyDescriptorType;
     py::class_<MethodDescriptor> methodDescriptor(module, "MethodDescriptor", nativeInstancesOnly(),
                                                   "A method of an object-system class.");
     methodDescriptor

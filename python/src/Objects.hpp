@@ -19,17 +19,9 @@ struct PythonClass;
 // had, for messages about it.
 struct ObjectState {
     vel::mi::HandleRef ref;
-    const PythonClass* cls = nullptr; // null for an instance never initialized
+    // Owned by the module state; null for an instance never initialized.
+    const PythonClass* cls = nullptr;
     const std::string& className() const;
-};
-
-// A method of one object, as `obj.name` returns it; calling it calls the
-// native method.
-struct BoundMethod {
-    vel::mi::HandleRef ref;
-    std::string className;
-    std::string name;
-    std::string doc;
 };
 
 // Host values that are not objects of the object system, holding their own
@@ -65,8 +57,13 @@ vel::mi::Handle& live(const vel::mi::Access& access);
 // Raises "Korb:InvalidHandle" when the reference is dead.
 void requireLive(const vel::mi::HandleRef& ref);
 
+// The Python object for a native object, of the Python class of its
+// object-system class; None for a null reference. Defines the module first
+// when no script has imported it yet.
+py::object wrap(const vel::mi::HandleRef& ref);
+
+// Adds velcg.Object and the classes of the object system to the module.
+// REQUIRES: the module state is made (defineModule).
 void defineObjects(py::module_& module);
-// Drops the references to the module's classes that defineObjects keeps.
-void releaseObjects();
 
 } // namespace VelCG::python

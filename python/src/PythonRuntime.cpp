@@ -7,8 +7,11 @@
 #include <mutex>
 #include <pybind11/embed.h>
 #include <sstream>
+#include <utility>
 
 #include "Module.hpp"
+#include "Objects.hpp"
+#include "PybindInternals.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/mi/Handle.hpp"
 #include "vel/mi/Lifetime.hpp"
@@ -27,8 +30,13 @@ enum class State { NotStarted, Running, Finalized };
 struct Interpreter {
     std::mutex mutex; // guards state and the start and end of the interpreter
     State state = State::NotStarted;
+    // The module that records what templates read, made on first use. Used
+    // under the GIL; dropped before the interpreter ends.
+    py::object dependencyRecorder;
 };
 
+// Never freed: shutdown runs from atexit, and threads still running at exit
+// may ask for it after static destructors.
 Interpreter& interpreter() {
     static auto* instance = new Interpreter();
     return *instance;
@@ -75,7 +83,7 @@ void ensureStarted() {
     // pybind11 sets up its shared state on first use without a lock of its
     // own, and every template's GIL acquisition reads it: set it up here,
     // under the mutex that each run passes through first.
-    py::detail::get_internals();
+    python::setUpSharedState();
     PyEval_SaveThread();
     in.state = State::Running;
     std::atexit(&PythonRuntime::shutdown);
@@ -137,14 +145,14 @@ def finish(template):
                   and os.path.realpath(p) != template)
 )";
 
-py::module_ dependencyRecorder() {
-    static py::module_* recorder = nullptr; // under the interpreter lock; lives with the interpreter
+py::object dependencyRecorder() {
+    py::object& recorder = interpreter().dependencyRecorder;
     if (!recorder) {
         py::object m = py::module_::import("types").attr("ModuleType")("_velcg_dependencies");
         py::exec(kDependencyRecorder, m.attr("__dict__"));
-        recorder = new py::module_(py::reinterpret_borrow<py::module_>(m));
+        recorder = std::move(m);
     }
-    return *recorder;
+    return recorder;
 }
 
 } // namespace
@@ -212,7 +220,7 @@ void PythonRuntime::run(const std::string& source, const std::string& fileName, 
     auto finishRecording = [&] {
         if (!dependencies) return;
         try {
-            py::module_ recorder = dependencyRecorder();
+            py::object recorder = dependencyRecorder();
             dependencies->clear();
             for (py::handle file : recorder.attr("finish")(fileName))
                 dependencies->push_back(file.cast<std::string>());
@@ -334,6 +342,7 @@ void PythonRuntime::shutdown() {
     // state cannot be taken over. Never released: nothing is left to release
     // it to.
     PyGILState_Ensure();
+    in.dependencyRecorder = py::object();
     python::releaseModule();
     py::finalize_interpreter();
     in.state = State::Finalized;
