@@ -190,8 +190,6 @@ const std::vector<MessageEntry>& messageEntries() {
         {messages::Python::NotABinaryFile,
          "Section '{1}' can only be written to a file opened in binary mode, not to {2}.",
          "Open the file with open(path, \"wb\") (or use io.BytesIO).", kError},
-        {messages::Python::CannotWrite, "Cannot write section '{1}': {2}.",
-         "Open the file for writing; the reason says what failed.", kError},
         {messages::Python::CannotReadTemplate, "Cannot read the template '{1}': {2}.", nullptr, kError},
         {messages::Python::TemplateFailed, "The template '{1}' raised an exception:\n{2}",
          "The Python traceback that follows names the line of the template that raised.", kError},

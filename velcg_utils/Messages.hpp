@@ -65,8 +65,6 @@
     X(Python, NotAHandleCapsule)                                                                    \
     X(Python, InvalidArgument)                                                                      \
     X(Python, NotABinaryFile)                                                                       \
-    /* Being replaced by FileRepScrivBridge::WriteFailed; removed with its last raising site. */    \
-    X(Python, CannotWrite)                                                                          \
     X(Python, CannotReadTemplate)                                                                   \
     X(Python, TemplateFailed)                                                                       \
     X(Python, CannotStart)                                                                          \

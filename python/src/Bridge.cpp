@@ -12,6 +12,7 @@
 
 #include <boost/make_shared.hpp>
 
+#include "Messages.hpp"
 #include "Objects.hpp"
 #include "PybindInternals.hpp"
 #include "Values.hpp"
@@ -62,11 +63,11 @@ struct CustomContentsState {
 
 BridgeState makeBridge(py::handle repository) {
     if (!isObject(repository))
-        vel::diag::throwError("VelCG:Python:NotARepository", {describePython(repository)});
+        vel::diag::throwError(messages::Python::NotARepository, {describePython(repository)});
     const ObjectState& state = stateOf(repository);
     const vel::mi::Access access(state.ref);
     if (!dynamic_cast<VelCGFileRepository*>(&live(access)))
-        vel::diag::throwError("VelCG:Python:NotARepository", {state.className()});
+        vel::diag::throwError(messages::Python::NotARepository, {state.className()});
     return BridgeState{state.ref};
 }
 
@@ -87,7 +88,7 @@ std::string bytesOf(py::handle str) {
 }
 
 [[noreturn]] void wrongArgument(const char* operation, const char* expected, py::handle value) {
-    vel::diag::throwError("VelCG:Python:InvalidArgument", {operation, expected, describePython(value)});
+    vel::diag::throwError(messages::Python::InvalidArgument, {operation, expected, describePython(value)});
 }
 
 // Each operation first checks that its object is alive, so that a dead one
@@ -118,6 +119,13 @@ void addSectionContent(const BridgeState& self, FileIndex fileIndex, const std::
     self.withBridge([&](FileRepScrivBridge& b) { b.addSectionContent(fileIndex, section, fragment); });
 }
 
+// The name of the repository's file at fileIndex, for diagnostics.
+std::string fileNameOf(const BridgeState& self, std::int32_t fileIndex) {
+    std::string name;
+    self.withBridge([&](FileRepScrivBridge& b) { name = b.getStringAttribute(fileIndex, "Name"); });
+    return name;
+}
+
 // Writes through a C stream on a duplicate of the file's descriptor, so the
 // bytes go straight to the file; afterwards the Python file object is moved
 // to where the writing ended, so the script can go on writing its own bytes.
@@ -126,14 +134,17 @@ void writeToDescriptor(const BridgeState& self, std::int32_t fileIndex, const st
     file.attr("flush")();
     std::FILE* stream = vel::io::openDuplicateForWriting(fd);
     if (!stream)
-        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "the file is not open for writing"});
+        vel::diag::throwError(messages::FileRepScrivBridge::WriteFailed,
+                              {fileNameOf(self, fileIndex), section, "the file is not open for writing"});
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(stream, &std::fclose);
     self.withBridge([&](FileRepScrivBridge& b) { b.writeSection(fileIndex, section, stream); });
     if (std::fflush(stream) != 0 || std::ferror(stream))
-        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "the stream reported an error"});
+        vel::diag::throwError(messages::FileRepScrivBridge::WriteFailed,
+                              {fileNameOf(self, fileIndex), section, "the stream reported an error"});
     if (std::fclose(closer.release()) != 0)
-        vel::diag::throwError("VelCG:Python:CannotWrite",
-                              {section, "closing the duplicate descriptor failed"});
+        vel::diag::throwError(
+            messages::FileRepScrivBridge::WriteFailed,
+            {fileNameOf(self, fileIndex), section, "closing the duplicate descriptor failed"});
     if (file.attr("seekable")().cast<bool>()) {
         py::object os = py::module_::import("os");
         file.attr("seek")(os.attr("lseek")(fd, 0, os.attr("SEEK_CUR")));
@@ -145,14 +156,16 @@ void writeToDescriptor(const BridgeState& self, std::int32_t fileIndex, const st
 std::string sectionBytes(const BridgeState& self, std::int32_t fileIndex, const std::string& section) {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::tmpfile(), &std::fclose);
     if (!stream)
-        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "no temporary file can be created"});
+        vel::diag::throwError(messages::FileRepScrivBridge::WriteFailed,
+                              {fileNameOf(self, fileIndex), section, "no temporary file can be created"});
     self.withBridge([&](FileRepScrivBridge& b) { b.writeSection(fileIndex, section, stream.get()); });
     const long size = std::ftell(stream.get());
     std::string bytes(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
     std::rewind(stream.get());
     if (std::fread(bytes.data(), 1, bytes.size(), stream.get()) != bytes.size())
-        vel::diag::throwError("VelCG:Python:CannotWrite",
-                              {section, "the temporary file cannot be read back"});
+        vel::diag::throwError(
+            messages::FileRepScrivBridge::WriteFailed,
+            {fileNameOf(self, fileIndex), section, "the temporary file cannot be read back"});
     return bytes;
 }
 
@@ -160,10 +173,11 @@ void writeSection(const BridgeState& self, FileIndex fileIndex, const std::strin
     requireLive(self.repository);
     py::module_ io = py::module_::import("io");
     if (py::isinstance(file, io.attr("TextIOBase")) || !py::hasattr(file, "write"))
-        vel::diag::throwError("VelCG:Python:NotABinaryFile", {section, describePython(file)});
+        vel::diag::throwError(messages::Python::NotABinaryFile, {section, describePython(file)});
     const py::object closed = py::getattr(file, "closed", py::none());
     if (!closed.is_none() && PyObject_IsTrue(closed.ptr()) == 1)
-        vel::diag::throwError("VelCG:Python:CannotWrite", {section, "the file is closed"});
+        vel::diag::throwError(messages::FileRepScrivBridge::WriteFailed,
+                              {fileNameOf(self, fileIndex), section, "the file is closed"});
     int fd = -1;
     if (py::hasattr(file, "fileno")) {
         try {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "Messages.hpp"
 #include "Module.hpp"
 #include "Objects.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -26,7 +27,7 @@ struct Description {
 
     ModelDescription& get() {
         if (!description)
-            vel::diag::throwErrorText("VelCG:Python:DescriptionUsed",
+            vel::diag::throwErrorText(messages::Python::DescriptionUsed,
                                       "The description '" + path +
                                           "' has been generated already; load it again to generate again.");
         return *description;

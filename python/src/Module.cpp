@@ -10,6 +10,7 @@
 #include "ModuleState.hpp"
 #include "Objects.hpp"
 #include "korb/Client.hpp"
+#include "korb/Messages.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "velcg/PlexoModule.hpp"
@@ -50,7 +51,7 @@ void raisePython(const vel::diag::Exception& e) {
         return;
     }
     const std::string& id = e.identifier();
-    const bool unknownMember = id == "Korb:UnknownProperty" || id == "Korb:UnknownMethod";
+    const bool unknownMember = id == korb::messages::UnknownProperty || id == korb::messages::UnknownMethod;
     py::object type = unknownMember ? state->unknownMemberClass : state->errorClass;
     py::list arguments;
     for (const std::string& a : e.arguments())

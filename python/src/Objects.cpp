@@ -11,11 +11,13 @@
 #include <utility>
 #include <vector>
 
+#include "Messages.hpp"
 #include "ModuleState.hpp"
 #include "PybindInternals.hpp"
 #include "Values.hpp"
 #include "korb/Binders.hpp"
 #include "korb/Client.hpp"
+#include "korb/Messages.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "korb/ValueSink.hpp"
 #include "vel/diag/Diagnostic.hpp"
@@ -146,7 +148,7 @@ PythonClass& pythonClassForTypeName(const char* typeName) {
     TypeNameSlot& slot = slots[((bits >> 3) ^ (bits >> 9)) % slots.size()];
     if (slot.typeName == typeName && slot.cls) return *slot.cls;
     const vel::mi::HandleClass* cls = typeName ? client().findClass(typeName) : nullptr;
-    if (!cls) vel::diag::throwError("Korb:UnknownClass", {typeName ? typeName : ""});
+    if (!cls) vel::diag::throwError(korb::messages::UnknownClass, {typeName ? typeName : ""});
     PythonClass& python = pythonClassFor(*cls);
     slot = {typeName, &python};
     return python;
@@ -317,7 +319,7 @@ private:
     py::object objects() {
         // As the host array's objects would be: one that began to die is a
         // dead reference, which reading refuses.
-        if (dead_) vel::diag::throwError("Korb:InvalidHandle", {});
+        if (dead_) vel::diag::throwError(korb::messages::InvalidHandle, {});
         if (kind_ == Kind::One || shape_ == Shape::One || (shape_ == Shape::Generic && count_ == 1))
             return count_ == 0 ? py::none() : take(element(0));
         py::list list(count_);
@@ -486,7 +488,7 @@ PythonClass& pythonClassFor(const vel::mi::HandleClass& cls) {
 [[noreturn]] void rethrowConversion(const WrongPythonType& e, const std::string& identifier,
                                     std::vector<std::string> leading) {
     leading.push_back(
-        vel::diag::Diagnostic::fromCatalog("Korb:TypeMismatch", {e.expected, e.what}).message());
+        vel::diag::Diagnostic::fromCatalog(korb::messages::TypeMismatch, {e.expected, e.what}).message());
     vel::diag::throwError(identifier, std::move(leading));
 }
 
@@ -502,20 +504,20 @@ py::object getAttribute(py::handle target, const std::string& name) {
         const reference::MemberDoc* doc = memberDoc(cls, name);
         return py::cast(BoundMethod{self.ref, cls.getQualifiedName(), name, doc ? doc->summary : ""});
     }
-    vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
+    vel::diag::throwError(korb::messages::UnknownProperty, {name, cls.getQualifiedName()});
 }
 
 void setAttribute(const ObjectState& self, const std::string& name, py::handle value) {
     const vel::mi::HandleClass& cls = classOfRef(self.ref);
     const auto* property = client().findProperty(cls, name);
-    if (!property) vel::diag::throwError("Korb:UnknownProperty", {name, cls.getQualifiedName()});
+    if (!property) vel::diag::throwError(korb::messages::UnknownProperty, {name, cls.getQualifiedName()});
     // A read-only property: the client refuses any value with its own message.
     if (!property->setter) client().setProperty(self.ref, name, *tuvArray::empty());
     tuvArrayPtr converted;
     try {
         converted = fromPython(value, property->setter->hostTypeName());
     } catch (const WrongPythonType& e) {
-        rethrowConversion(e, "Korb:InvalidPropertyValue", {name, cls.getQualifiedName()});
+        rethrowConversion(e, korb::messages::InvalidPropertyValue, {name, cls.getQualifiedName()});
     }
     client().setProperty(self.ref, name, *converted);
 }
@@ -523,7 +525,7 @@ void setAttribute(const ObjectState& self, const std::string& name, py::handle v
 py::object callMethod(const BoundMethod& self, py::args args) {
     const vel::mi::HandleClass& cls = classOfRef(self.ref);
     const auto* method = client().findMethod(cls, self.name);
-    if (!method) vel::diag::throwError("Korb:UnknownMethod", {self.name, cls.getQualifiedName()});
+    if (!method) vel::diag::throwError(korb::messages::UnknownMethod, {self.name, cls.getQualifiedName()});
     const auto& types = method->binder->argumentTypes();
     std::vector<tuvArrayPtr> converted;
     converted.reserve(args.size());
@@ -534,7 +536,7 @@ py::object callMethod(const BoundMethod& self, py::args args) {
         try {
             converted.push_back(fromPython(args[i], type));
         } catch (const WrongPythonType& e) {
-            rethrowConversion(e, "Korb:InvalidMethodArgument",
+            rethrowConversion(e, korb::messages::InvalidMethodArgument,
                               {self.name, cls.getQualifiedName(), std::to_string(i + 1)});
         }
     }
@@ -558,9 +560,9 @@ py::object fromCapsule(py::handle given) {
     if (!PyCapsule_CheckExact(given.ptr())) throw py::type_error("velcg.Object takes a capsule");
     const auto capsule = py::reinterpret_borrow<py::capsule>(given);
     const std::string name = capsule.name() ? capsule.name() : "";
-    if (name != "vel.mi.Handle") vel::diag::throwError("VelCG:Python:NotAHandleCapsule", {name});
+    if (name != "vel.mi.Handle") vel::diag::throwError(messages::Python::NotAHandleCapsule, {name});
     auto* handle = static_cast<vel::mi::Handle*>(capsule.get_pointer());
-    if (!handle) vel::diag::throwError("Korb:InvalidHandle", {});
+    if (!handle) vel::diag::throwError(korb::messages::InvalidHandle, {});
     client().classOf(*handle);
     return wrap(handle->makeRef());
 }
@@ -699,12 +701,12 @@ py::custom_type_setup nativeInstancesOnly() {
 
 vel::mi::Handle& live(const vel::mi::Access& access) {
     vel::mi::Handle* object = access.object();
-    if (!object) vel::diag::throwError("Korb:InvalidHandle", {});
+    if (!object) vel::diag::throwError(korb::messages::InvalidHandle, {});
     return *object;
 }
 
 void requireLive(const vel::mi::HandleRef& ref) {
-    if (!ref) vel::diag::throwError("Korb:InvalidHandle", {});
+    if (!ref) vel::diag::throwError(korb::messages::InvalidHandle, {});
 }
 
 py::object wrap(const vel::mi::HandleRef& ref) {

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <utility>
 
+#include "Messages.hpp"
 #include "Module.hpp"
 #include "Objects.hpp"
 #include "PybindInternals.hpp"
@@ -61,7 +62,7 @@ std::string virtualEnvironmentPython() {
 void ensureStarted() {
     Interpreter& in = interpreter();
     std::lock_guard<std::mutex> lock(in.mutex);
-    if (in.state == State::Finalized) vel::diag::throwError("VelCG:Python:Finalized", {});
+    if (in.state == State::Finalized) vel::diag::throwError(messages::Python::Finalized, {});
     if (in.state == State::Running) return;
     // Signal handlers stay with the host process. Inside a virtual
     // environment (VIRTUAL_ENV, as its activate script sets it) the
@@ -76,7 +77,7 @@ void ensureStarted() {
         const PyStatus status = PyConfig_SetBytesString(&config, &config.program_name, environment.c_str());
         if (PyStatus_Exception(status)) {
             PyConfig_Clear(&config);
-            vel::diag::throwError("VelCG:Python:CannotStart", {"VIRTUAL_ENV=" + environment});
+            vel::diag::throwError(messages::Python::CannotStart, {"VIRTUAL_ENV=" + environment});
         }
     }
     py::initialize_interpreter(&config, 0, nullptr, /*add_program_dir_to_path=*/false);
@@ -276,7 +277,7 @@ void PythonRuntime::run(const std::string& source, const std::string& fileName, 
         finishRecording();
         if (pathAdded) path.attr("remove")(py::str(directory));
         globals.clear();
-        vel::diag::throwError("VelCG:Python:TemplateFailed", {fileName, text});
+        vel::diag::throwError(messages::Python::TemplateFailed, {fileName, text});
     }
     finishRecording();
     if (pathAdded) path.attr("remove")(py::str(directory));
@@ -288,10 +289,10 @@ namespace {
 
 std::string readTemplate(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) vel::diag::throwError("VelCG:Python:CannotReadTemplate", {path, "it cannot be opened"});
+    if (!in) vel::diag::throwError(messages::Python::CannotReadTemplate, {path, "it cannot be opened"});
     std::ostringstream source;
     source << in.rdbuf();
-    if (in.bad()) vel::diag::throwError("VelCG:Python:CannotReadTemplate", {path, "reading it failed"});
+    if (in.bad()) vel::diag::throwError(messages::Python::CannotReadTemplate, {path, "reading it failed"});
     return source.str();
 }
 

@@ -162,7 +162,7 @@ WRONG_TYPE = "VelCG:FileRepScrivBridge:WrongAttributeType"
 READ_ONLY = "VelCG:FileRepScrivBridge:ReadOnlyAttribute"
 ARGUMENT = "VelCG:Python:InvalidArgument"
 BUILTIN = "Brisk:codeGen:CustomContentInvalidBuiltin"
-WRITE = "VelCG:Python:CannotWrite"
+WRITE = "VelCG:FileRepScrivBridge:WriteFailed"
 
 
 @pytest.mark.parametrize(
@@ -184,7 +184,11 @@ WRITE = "VelCG:Python:CannotWrite"
         (lambda b, out: b.addCustomSection(SOURCE, "typedefs", "Mine"), BUILTIN, ["Mine", "typedefs"]),
         (lambda b, out: b.setAttribute(SOURCE, "Type", 1), ARGUMENT, None),
         (lambda b, out: b.addSectionContent(SOURCE, "Defines", None), ARGUMENT, None),
-        (lambda b, out: b.writeSection(SOURCE, "Includes", closed_sink()), WRITE, ["Includes", "the file is closed"]),
+        (
+            lambda b, out: b.writeSection(SOURCE, "Includes", closed_sink()),
+            WRITE,
+            ["every_kind.c", "Includes", "the file is closed"],
+        ),
     ],
 )
 def test_bad_indices_names_and_values_are_refused_without_writing(
@@ -255,7 +259,7 @@ def test_a_file_open_for_reading_cannot_be_written(bridge, tmp_path):
     path = tmp_path / "in.c"
     path.write_bytes(b"kept\n")
     bridge.addSectionContent(SOURCE, "Defines", "#define X 1\n")
-    with open(path, "rb") as out, raises_diagnostic("VelCG:Python:CannotWrite"):
+    with open(path, "rb") as out, raises_diagnostic("VelCG:FileRepScrivBridge:WriteFailed"):
         bridge.writeSection(SOURCE, "Defines", out)
     assert path.read_bytes() == b"kept\n"
 
