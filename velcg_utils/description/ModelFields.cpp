@@ -610,6 +610,23 @@ void addRecordList(ModelTable& t, const char* key, Get get, Add add) {
         });
 }
 
+// A list of objects the model owns as they are read: each written against a
+// default-constructed Default, read into a new Made that add hands over.
+template <class Made, class Default = Made, class Get, class Fields, class Add>
+void addOwnedList(ModelTable& t, const char* key, Get get, Fields fields, Add add) {
+    t.list(
+        key, get,
+        [fields](DescriptionWriter& w, const auto* element, const Place& p) {
+            const Default defaults;
+            return fields().write(w, *element, defaults, p);
+        },
+        [fields, add](DescriptionReader& r, JsonValue v, const Place& p, StoredCGModel& model) {
+            auto element = std::make_unique<Made>();
+            fields().read(r, v, p, *element);
+            std::invoke(add, model, std::move(element));
+        });
+}
+
 // The model's own attributes: its names and versions, build attributes,
 // C++ configuration and string map.
 void addModelAttributes(ModelTable& t) {
@@ -702,67 +719,28 @@ void addSystems(ModelTable& t) {
 }
 
 void addVelTypes(ModelTable& t) {
-    using S = StoredCGModel;
-    using M = CGModel;
-    t.list(
-        "velTypes", &M::getVelTypes,
-        [](DescriptionWriter& w, const VelType* type, const Place& p) {
-            const StoredVelType defaults;
-            return velTypeFields().write(w, *type, defaults, p);
-        },
-        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-            auto type = std::make_unique<StoredVelType>();
-            velTypeFields().read(r, v, p, *type);
-            model.addVelType(std::move(type));
-        });
+    addOwnedList<StoredVelType>(
+        t, "velTypes", &CGModel::getVelTypes, velTypeFields,
+        [](StoredCGModel& m, std::unique_ptr<StoredVelType> type) { m.addVelType(std::move(type)); });
 }
 
 void addCGTypes(ModelTable& t) {
-    using S = StoredCGModel;
-    using M = CGModel;
-    t.list(
-        "cgTypes", &M::getVelCGTypes,
-        [](DescriptionWriter& w, const VelCGType* type, const Place& p) {
-            const VelCGType defaults;
-            return cgTypeFields().write(w, *type, defaults, p);
-        },
-        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-            auto type = std::make_unique<VelCGType>();
-            cgTypeFields().read(r, v, p, *type);
-            model.addVelCGType(std::move(type));
-        });
+    addOwnedList<VelCGType>(
+        t, "cgTypes", &CGModel::getVelCGTypes, cgTypeFields,
+        [](StoredCGModel& m, std::unique_ptr<VelCGType> type) { m.addVelCGType(std::move(type)); });
 }
 
 void addVarGroups(ModelTable& t) {
-    using S = StoredCGModel;
-    using M = CGModel;
-    t.list(
-        "varGroups", &M::getVarGroups,
-        [](DescriptionWriter& w, const VarGroup* group, const Place& p) {
-            const VarGroup defaults;
-            return varGroupFields().write(w, *group, defaults, p);
-        },
-        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-            auto group = std::make_unique<VarGroup>();
-            varGroupFields().read(r, v, p, *group);
-            model.addVarGroup(std::move(group));
-        });
+    addOwnedList<VarGroup>(
+        t, "varGroups", &CGModel::getVarGroups, varGroupFields,
+        [](StoredCGModel& m, std::unique_ptr<VarGroup> group) { m.addVarGroup(std::move(group)); });
 }
 
 void addExternalInputs(ModelTable& t) {
-    using S = StoredCGModel;
-    using M = CGModel;
-    t.list(
-        "externalInputs", [](const M& model) -> const auto& { return model.getExternalInputs(); },
-        [](DescriptionWriter& w, const ExternalInput* input, const Place& p) {
-            const ExternalInput defaults;
-            return externalInputFields().write(w, *input, defaults, p);
-        },
-        [](DescriptionReader& r, JsonValue v, const Place& p, S& model) {
-            auto input = std::make_unique<ExternalInput>();
-            externalInputFields().read(r, v, p, *input);
-            model.addExternalInput(std::move(input));
-        });
+    addOwnedList<ExternalInput>(
+        t, "externalInputs", [](const CGModel& model) -> const auto& { return model.getExternalInputs(); },
+        externalInputFields,
+        [](StoredCGModel& m, std::unique_ptr<ExternalInput> input) { m.addExternalInput(std::move(input)); });
 }
 
 void addModelParameters(ModelTable& t) {
