@@ -29,6 +29,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -37,6 +38,7 @@
 #include "korb/Client.hpp"
 #include "korb/HostTraits.hpp"
 #include "korb/ObjectSystem.hpp"
+#include "korb/ValueSink.hpp"
 #include "vel/diag/Diagnostic.hpp"
 #include "vel/feature/Feature.hpp"
 #include "velcg/Features.hpp"
@@ -83,6 +85,52 @@ std::vector<HandleRef> heldRefs(const tuvArray& value) {
         take(value);
     return refs;
 }
+
+// What a read through Client::readProperty delivered, with the first breach
+// of the sink's protocol (one call, or objects(n) followed by n objects).
+class RecordingSink final : public korb::ValueSink {
+public:
+    void logical(bool) override { one(); }
+    void integer(std::int64_t) override { one(); }
+    void real(double) override { one(); }
+    void text(std::string_view) override { one(); }
+    void text(std::wstring_view) override { one(); }
+    void objects(std::size_t count) override {
+        one();
+        pending_ = count;
+    }
+    void object(const vel::mi::Handle* object) override {
+        if (pending_ > 0)
+            --pending_;
+        else
+            one();
+        // Inside the read's access: the reference belongs to its lifetime.
+        if (object) refs.push_back(object->makeRef());
+    }
+    void array(tuvArrayPtr value) override {
+        one();
+        if (!value) breach = "a null array";
+        if (value) held = heldRefs(*value);
+    }
+
+    // Null when the calls kept to the protocol.
+    const char* protocolBreach() const {
+        if (breach) return breach;
+        if (calls_ != 1) return "no call";
+        return pending_ ? "fewer objects than announced" : nullptr;
+    }
+
+    std::vector<HandleRef> refs; // the objects delivered one by one
+    std::vector<HandleRef> held; // those of an array delivered whole
+    const char* breach = nullptr;
+
+private:
+    void one() {
+        if (++calls_ > 1 && !breach) breach = "more than one call";
+    }
+    int calls_ = 0;
+    std::size_t pending_ = 0;
+};
 
 // Whether `read` holds what `written` became through a setter converting
 // from `type`: both converted alike compare equal.
@@ -163,8 +211,10 @@ public:
             switch (op) {
                 case 0:
                 case 1:
-                case 2:
                     get();
+                    break;
+                case 2:
+                    readThroughSink();
                     break;
                 case 3:
                 case 4:
@@ -562,6 +612,41 @@ private:
             if (!required && e.identifier() == "Korb:UnknownProperty") fail("get " + name + ": " + e.what());
         } catch (const std::exception& e) {
             fail("get " + name + ": non-diagnostic exception: " + e.what());
+        }
+    }
+
+    // The same read through a sink: it fails alike, keeps to the protocol
+    // and delivers the objects the host array holds.
+    void readThroughSink() {
+        // A copy: adding the objects read may move the entries.
+        const Entry e = pickEntry();
+        const std::string name = pickName(e.ref.get() ? membersOf(client_, *e.ref.get()).propertyNames
+                                                      : std::vector<std::string>{});
+        const char* required = !e.ref.get()                               ? "Korb:InvalidHandle"
+                               : !client_.hasProperty(*e.ref.get(), name) ? "Korb:UnknownProperty"
+                                                                          : nullptr;
+        RecordingSink sink;
+        try {
+            client_.readProperty(e.ref, name, sink);
+            requireFailure(required, "read " + name);
+        } catch (const vel::diag::Exception& ex) {
+            expectFailure(ex, required, "read " + name);
+            return;
+        } catch (const std::exception& ex) {
+            fail("read " + name + ": non-diagnostic exception: " + ex.what());
+        }
+        if (const char* breach = sink.protocolBreach()) fail("read " + name + ": " + breach);
+        std::vector<HandleRef> delivered = sink.held;
+        delivered.insert(delivered.end(), sink.refs.begin(), sink.refs.end());
+        const tuvArrayPtr whole = client_.getProperty(e.ref, name);
+        const std::vector<HandleRef> expected = heldRefs(*whole);
+        if (delivered.size() != expected.size())
+            fail("read " + name + " delivered " + std::to_string(delivered.size()) +
+                 " object(s), the host array holds " + std::to_string(expected.size()));
+        for (std::size_t i = 0; i < delivered.size(); ++i) {
+            if (delivered[i].get() != expected[i].get())
+                fail("read " + name + ": object " + std::to_string(i) + " differs");
+            add(delivered[i], e.group);
         }
     }
 
