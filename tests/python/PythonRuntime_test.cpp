@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <memory>
+#include <pybind11/pybind11.h>
 #include <string>
 #include <thread>
 #include <vector>
@@ -175,3 +176,11 @@ TEST(PythonRuntime, ARaisingTemplateReportsItsTraceback) {
 }
 
 } // namespace
+
+// The module reaches into pybind11's internal API (python/src/PybindInternals),
+// which may change in any pybind11 release.
+TEST(PybindInternals, WrittenForThisPybind11Version) {
+    EXPECT_EQ(PYBIND11_VERSION_MAJOR * 100 + PYBIND11_VERSION_MINOR, 210)
+        << "re-check setUpSharedState, setCurrentPythonError and the FileIndex caster in "
+           "python/src/PybindInternals.cpp against this pybind11, then update this test";
+}
