@@ -10,42 +10,41 @@
 
 namespace testing_support {
 
-// The identifier of the diagnostic that f raises, or "no diagnostic". Other
+// render(e) of the diagnostic e that f raises, or "no diagnostic". Other
 // exceptions propagate and fail the test.
-template <class F>
-std::string diagnosticOf(F&& f) {
+template <class F, class Render>
+std::string renderedDiagnosticOf(F&& f, Render render) {
     try {
         std::forward<F>(f)();
     } catch (const vel::diag::Exception& e) {
-        return e.identifier();
+        return render(e);
     }
     return "no diagnostic";
 }
 
-// "identifier(arg1, arg2, ...)" of the diagnostic that f raises, or
-// "no diagnostic": checks identifier and argument order in one comparison.
+// The identifier of the diagnostic that f raises.
+template <class F>
+std::string diagnosticOf(F&& f) {
+    return renderedDiagnosticOf(std::forward<F>(f),
+                                [](const vel::diag::Exception& e) { return e.identifier(); });
+}
+
+// "identifier(arg1, arg2, ...)": identifier and argument order in one
+// comparison.
 template <class F>
 std::string diagnosticWithArgumentsOf(F&& f) {
-    try {
-        std::forward<F>(f)();
-    } catch (const vel::diag::Exception& e) {
+    return renderedDiagnosticOf(std::forward<F>(f), [](const vel::diag::Exception& e) {
         std::string out = e.identifier() + "(";
         for (std::size_t i = 0; i < e.arguments().size(); ++i) out += (i ? ", " : "") + e.arguments()[i];
         return out + ")";
-    }
-    return "no diagnostic";
+    });
 }
 
-// What the diagnostic that f raises says, "identifier: message" as what()
-// renders it, or "no diagnostic".
+// What the diagnostic says, "identifier: message" as what() renders it.
 template <class F>
 std::string diagnosticTextOf(F&& f) {
-    try {
-        std::forward<F>(f)();
-    } catch (const vel::diag::Exception& e) {
-        return e.what();
-    }
-    return "no diagnostic";
+    return renderedDiagnosticOf(std::forward<F>(f),
+                                [](const vel::diag::Exception& e) { return std::string(e.what()); });
 }
 
 } // namespace testing_support
