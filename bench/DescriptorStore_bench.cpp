@@ -121,12 +121,13 @@ void writeThroughStore(Repository& repository, int blocks) {
 }
 
 // A connection to a store file for the raw writers: every statement
-// prepared once, texts bound without copying, as the store does. Any
-// failure ends the process.
+// prepared once, texts bound without copying, no locking by SQLite (one
+// thread uses it), as the store does. Any failure ends the process.
 class RawSqlite {
 public:
     explicit RawSqlite(const path& file) {
-        if (sqlite3_open_v2(file.c_str(), &db_, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) fail("open");
+        if (sqlite3_open_v2(file.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
+            fail("open");
     }
     ~RawSqlite() {
         for (sqlite3_stmt* statement : statements_) sqlite3_finalize(statement);
