@@ -263,8 +263,8 @@ int report(const Options& options, const fs::path& directory, const VelCG::Gener
     return 0;
 }
 
-// The generation of a single run, never destroyed (see generate).
-VelCG::Generation* keptUntilExit = nullptr;
+// The model of a single run, never destroyed (see generate).
+VelCG::ModelDescription* keptUntilExit = nullptr;
 
 // One generation from the description to the committed output directory.
 // Returns the exit status; failures are thrown.
@@ -300,8 +300,7 @@ int generate(const Options& options, Progress& progress, const int& passStatus, 
     if (loadFailure) std::rethrow_exception(loadFailure);
     const Clock::time_point loaded = Clock::now();
     // Starts the first pass.
-    auto owned = std::make_unique<VelCG::Generation>(std::move(*description), settings);
-    VelCG::Generation& run = *owned;
+    VelCG::Generation run(std::move(*description), settings);
     const Clock::time_point firstPass = Clock::now();
 
     progress.phase("running " + options.templatePath);
@@ -328,12 +327,11 @@ int generate(const Options& options, Progress& progress, const int& passStatus, 
         std::fprintf(stderr, "velcg-gen: load %.3f s, template %.3f s, write %.3f s, serialize %.3f s\n",
                      seconds(loaded - start), seconds(templated - firstPass), seconds(result.writing),
                      seconds((firstPass - loaded) + result.serializing));
-    // The last run of the process leaves its model to the end of the
-    // process: freeing it object by object takes longer than anything after
-    // the commit (about a tenth of a run at 100,000 blocks), and the system
-    // takes the memory back at once. Both passes have ended and the outputs
-    // are committed; the directory's lock goes with the process.
-    if (options.repeat == 1) keptUntilExit = owned.release();
+    // A single run leaves its model to the end of the process: freeing it
+    // object by object takes longer than anything after the commit (about a
+    // tenth of a run at 100,000 blocks), and the system takes the memory back
+    // at once. Both passes have ended and the outputs are committed.
+    if (options.repeat == 1) keptUntilExit = new VelCG::ModelDescription(run.releaseDescription());
     return status;
 }
 

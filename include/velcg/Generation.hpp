@@ -57,6 +57,7 @@ public:
     Generation(const Generation&) = delete;
     Generation& operator=(const Generation&) = delete;
 
+    // Both raise "VelCG:Generation:Completed" after releaseDescription().
     CGModel& model();
     VelCGFileRepository& repository();
     const ModelDescription& description() const { return description_; }
@@ -74,6 +75,13 @@ public:
     // complete(), then commit(). Failures raise diagnostics; the output
     // directory then stays as it was.
     Result finish();
+    // Hands over the model and the rest of the description once the run is
+    // committed: destroying the run then only unlocks the output directory
+    // (and removes a check's staging directory). A tool about to exit may
+    // leave the model to the system rather than free it object by object.
+    // Raises "VelCG:Generation:NotCompleted" before commit(), and
+    // "VelCG:Generation:Completed" when called again.
+    ModelDescription releaseDescription();
 
     // Writes every file of the repository that is neither written nor
     // filtered out into `directory` (writeWholeFile), and marks it written.

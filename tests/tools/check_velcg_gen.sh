@@ -123,15 +123,18 @@ check 0 "velcg-gen again on sensor_bus" -- env VEL_FEATURE_VelCGDirectEmitSerial
 expect_output "velcg-gen: 0 file(s) written, 4 unchanged, 0 removed; descriptor unchanged (level 4, 15 blocks)" \
   "velcg-gen again on sensor_bus"
 expect_unchanged "$out" "$work/sensor_bus.snapshot" "a second run"
+# A check stages in the system's temporary directory and leaves nothing there.
+mkdir "$work/tmp"
 check 0 "velcg-gen --check on a current directory" -- env VEL_FEATURE_VelCGDirectEmitSerialize=4 \
-  "$gen" --check "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
+  TMPDIR="$work/tmp" "$gen" --check "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
 printf '/* edited */\n' >>"$out/sensor_bus.c"
 snapshot "$out" >"$work/edited.snapshot"
 check 1 "velcg-gen --check on an edited file" -- env VEL_FEATURE_VelCGDirectEmitSerialize=4 \
-  "$gen" --check "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
+  TMPDIR="$work/tmp" "$gen" --check "$examples/sensor_bus/model.json" "$examples/sensor_bus/template.py" -o "$out"
 expect_output "$out/sensor_bus.c would be written
 velcg-gen: $out: out of date" "velcg-gen --check on an edited file"
 expect_unchanged "$out" "$work/edited.snapshot" "velcg-gen --check"
+[ -z "$(ls -A "$work/tmp")" ] || fail "velcg-gen --check left $(ls -A "$work/tmp") in the temporary directory"
 
 # --- options reach the template; files of earlier runs that are no longer
 # generated are removed, and nothing else

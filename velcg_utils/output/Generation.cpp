@@ -50,8 +50,22 @@ Generation::Generation(ModelDescription description, Settings settings)
 
 Generation::~Generation() = default;
 
-CGModel& Generation::model() { return *description_.model; }
-VelCGFileRepository& Generation::repository() { return *repository_; }
+namespace {
+[[noreturn]] void released() {
+    vel::diag::throwErrorText(messages::Generation::Completed,
+                              "The generation has released its model already.");
+}
+} // namespace
+
+CGModel& Generation::model() {
+    if (!description_.model) released();
+    return *description_.model;
+}
+
+VelCGFileRepository& Generation::repository() {
+    if (!repository_) released();
+    return *repository_;
+}
 const fs::path& Generation::outputDirectory() const { return output_->path(); }
 const fs::path& Generation::stagingDirectory() const { return output_->staging(); }
 
@@ -83,6 +97,16 @@ Generation::Result Generation::commit() {
     result.serializing = serializing_;
     result.changes = settings_.check ? output_->compare() : output_->commit();
     return result;
+}
+
+ModelDescription Generation::releaseDescription() {
+    if (stage_ != Stage::Committed)
+        vel::diag::throwErrorText(messages::Generation::NotCompleted,
+                                  "The generation has not been committed yet.");
+    if (!description_.model) released();
+    // The files may refer to the model: they go first, as in the destructor.
+    repository_.reset();
+    return std::move(description_);
 }
 
 Generation::Result Generation::finish() {
