@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -155,14 +156,15 @@ public:
               const std::vector<std::string>& alsoKnown = {}) const {
         const JsonObject object = reader.object(value, place);
         // First every key is matched with its field, so that an unknown key
-        // is reported before any field is read. The search for a key starts
-        // after the field of the key before it: keys mostly come in table
-        // order.
+        // is reported before any field is read; the value of each is kept
+        // for the reading. The search for a key starts after the field of
+        // the key before it: keys mostly come in table order.
         std::bitset<kMaxFields + kMaxAlsoKnown> seen;
-        // The field of each key in turn; each key is known and named once.
-        std::uint8_t fieldOfKey[kMaxFields + kMaxAlsoKnown];
-        std::size_t keys = 0;
-        bool inTableOrder = true;
+        // Left unset but for the fields seen.
+        union Slot {
+            Slot() {}
+            JsonValue value;
+        } values[kMaxFields];
         std::size_t next = 0;
         for (auto it = object.begin(); it != object.end(); ++it) {
             const std::string_view name = it.key();
@@ -171,31 +173,18 @@ public:
             if (f == kNone) reader.unknownField(place, name, knownNames(alsoKnown));
             if (seen[f]) reader.fail(messages::ModelDescription::DuplicateField, place / name);
             seen[f] = true;
-            fieldOfKey[keys++] = static_cast<std::uint8_t>(f);
             if (f >= fields_.size()) continue;
-            if (f < next) inTableOrder = false;
+            new (&values[f].value) JsonValue(it.value());
             next = f + 1;
         }
-        // Then the fields are read in table order: as the keys come when
-        // they come in that order, otherwise each looked up.
-        auto it = object.begin();
-        std::size_t k = 0;
+        // Then the fields are read in table order.
         for (std::size_t f = 0; f < fields_.size(); ++f) {
             const Field& field = fields_[f];
             if (!seen[f]) {
                 if (field.required) reader.required(value, place, field.key);
                 continue;
             }
-            JsonValue fieldValue;
-            if (inTableOrder) {
-                for (; fieldOfKey[k] != f; ++k) ++it;
-                fieldValue = it.value();
-                ++it;
-                ++k;
-            } else {
-                DescriptionReader::find(value, {field.key, field.length}, fieldValue);
-            }
-            field.set(reader, fieldValue, place / std::string_view(field.key, field.length), target);
+            field.set(reader, values[f].value, place / std::string_view(field.key, field.length), target);
         }
     }
 
