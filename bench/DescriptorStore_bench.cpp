@@ -126,7 +126,8 @@ void writeThroughStore(Repository& repository, int blocks) {
 class RawSqlite {
 public:
     explicit RawSqlite(const path& file) {
-        if (sqlite3_open_v2(file.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
+        if (sqlite3_open_v2(file.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) !=
+            SQLITE_OK)
             fail("open");
     }
     ~RawSqlite() {

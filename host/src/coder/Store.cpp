@@ -61,7 +61,8 @@ Store::Store(const std::filesystem::path& path, const RepositoryOptions& options
         vel::diag::throwError(coder::messages::Repository::CannotOpen,
                               {shown, "the path holds a NUL character"});
     }
-    int flags = (readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) | SQLITE_OPEN_NOMUTEX;
+    int flags =
+        (readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) | SQLITE_OPEN_NOMUTEX;
     try {
         db_ = std::make_unique<SQLite::Database>(pathText_, flags, options.busyTimeoutMs);
     } catch (const SQLite::Exception& e) {
