@@ -6,14 +6,19 @@
 #include <string>
 #include <vector>
 
+#include "DiagnosticTesting.hpp"
 #include "TempDir.hpp"
 #include "vel/diag/Diagnostic.hpp"
+#include "velcg/CGModel.hpp"
+#include "velcg/Generation.hpp"
+#include "velcg/ModelDescription.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
 using VelCG::OutputDirectory;
 using Kind = OutputDirectory::Change::Kind;
+using testing_support::diagnosticOf;
 
 void write(const fs::path& path, const std::string& text) {
     fs::create_directories(path.parent_path());
@@ -110,3 +115,31 @@ TEST(OutputDirectory, RefusesHostileLists) {
 }
 
 } // namespace
+
+// A committed run hands over its model and refuses any later use of it;
+// destroying the run still removes a check's staging directory.
+TEST(Generation, HandsOverItsModelOnlyOnceCommitted) {
+    testing_support::TempDir dir;
+    auto described = [] {
+        return VelCG::ModelDescription::parse(
+            R"({"format": "velcg-model-description", "formatVersion": 1, "name": "m",
+                "files": [{"kind": "Generic", "name": "m.c"}]})",
+            "m.json");
+    };
+    VelCG::ModelDescription kept;
+    fs::path staging;
+    {
+        VelCG::Generation check(described(), {dir.path() / "out", true, true, {}});
+        staging = check.stagingDirectory();
+        EXPECT_EQ(diagnosticOf([&] { check.releaseDescription(); }), "VelCG:Generation:NotCompleted");
+        check.complete();
+        check.commit();
+        kept = check.releaseDescription();
+        ASSERT_NE(kept.model, nullptr);
+        EXPECT_EQ(diagnosticOf([&] { check.model(); }), "VelCG:Generation:Completed");
+        EXPECT_EQ(diagnosticOf([&] { check.repository(); }), "VelCG:Generation:Completed");
+        EXPECT_EQ(diagnosticOf([&] { check.releaseDescription(); }), "VelCG:Generation:Completed");
+    }
+    EXPECT_FALSE(fs::exists(staging));
+    EXPECT_EQ(kept.model->getName(), L"m");
+}
