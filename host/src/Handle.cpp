@@ -131,12 +131,15 @@ void freeAnchor(void* p, std::size_t size) {
 
 // The allocator of anchors and their shared counts. std::allocate_shared
 // rebinds it to the one type it allocates, so that every anchor of the pool
-// has the same size.
+// has the same size: that of the type rounded to its own alignment (and to
+// a free-list node's), not to the heap's, so that the 40 bytes of an anchor
+// with its counts take 40 rather than 48.
 template <class T>
 struct AnchorAllocator {
     using value_type = T;
-    static constexpr std::size_t kSize =
-        (sizeof(T) + alignof(std::max_align_t) - 1) / alignof(std::max_align_t) * alignof(std::max_align_t);
+    static constexpr std::size_t kAlign = alignof(T) > alignof(FreeAnchor) ? alignof(T) : alignof(FreeAnchor);
+    static constexpr std::size_t kSize = (sizeof(T) + kAlign - 1) / kAlign * kAlign;
+    static_assert(sizeof(FreeAnchor) <= kSize && kAlign <= alignof(std::max_align_t));
     AnchorAllocator() = default;
     template <class U>
     AnchorAllocator(const AnchorAllocator<U>&) {}
