@@ -38,6 +38,8 @@ def timed(command, env=None):
 
 def phases(stderr):
     m = re.search(r"load ([0-9.]+) s, template ([0-9.]+) s, write ([0-9.]+) s(?:, serialize ([0-9.]+) s)?", stderr)
+    if not m:
+        return {"template": float(re.search(r"floor: template ([0-9.]+) s", stderr).group(1))}
     return {k: float(v) for k, v in zip(("load", "template", "write", "serialize"), m.groups()) if v is not None}
 
 
@@ -49,7 +51,10 @@ def measure(blocks, build_dir, repetitions, work):
     gen = os.path.join(build_dir, "tools", "velcg-gen")
     env = dict(os.environ)
     env.pop("VEL_FEATURE_VelCGDirectEmitSerialize", None)
-    runs = {"velcg-gen": [], "plain": []}
+    # The module of bench/floor_chain.py, built with the Python module.
+    floor_dir = os.path.join(build_dir, "bench")
+    has_floor = any(f.startswith("velcg_floor.") for f in os.listdir(floor_dir))
+    runs = {"velcg-gen": [], "plain": [], **({"floor": []} if has_floor else {})}
     for i in range(repetitions):
         # A fresh directory each time: both write every file.
         out_gen, out_plain = os.path.join(work, f"gen{i}"), os.path.join(work, f"plain{i}")
@@ -62,6 +67,14 @@ def measure(blocks, build_dir, repetitions, work):
                 raise RuntimeError(f"{name} differs between velcg-gen and the plain script at {blocks} blocks")
         if not os.path.exists(os.path.join(out_gen, "codedescriptor.strata")):
             raise RuntimeError("velcg-gen wrote no descriptor")
+        if has_floor:
+            statements = os.path.join(work, "floor.txt")
+            runs["floor"].append(timed([sys.executable, os.path.join(HERE, "floor_chain.py"), floor_dir, description,
+                                        statements]))
+            with open(statements, encoding="utf-8") as made, open(os.path.join(out_plain, "chain.c"),
+                                                                   encoding="utf-8") as plain:
+                if made.read() not in plain.read():
+                    raise RuntimeError(f"the floor's statements differ from the plain script's at {blocks} blocks")
         subprocess.run(["rm", "-rf", out_gen, out_plain], check=True)
     result = {}
     for who, samples in runs.items():
@@ -82,6 +95,11 @@ def add_rows(report, blocks, result):
     t = gen["phases"]["template"] / plain["phases"]["template"]
     report.add(f"template phase, {label} blocks", f"{t:.2f}x", "<= 2x", t <= 2,
                f"{gen['phases']['template']:.3f} s / plain loop {plain['phases']['template']:.3f} s")
+    if "floor" in result:
+        floor = result["floor"]["phases"]["template"]
+        report.add(f"template phase over the floor, {label} blocks", f"{gen['phases']['template'] / floor:.2f}x", "-",
+                   True, f"floor {floor:.3f} s (bare-pointer wrappers, bench/floor_chain.py); "
+                   f"plain loop {plain['phases']['template'] / floor:.2f}x of it")
     detail = ", ".join(f"{k} {v:.3f} s" for k, v in gen["phases"].items())
     report.add(f"velcg-gen phases, {label} blocks", f"{gen['wall']:.2f} s", "-", True,
                f"{detail}; plain: " + ", ".join(f"{k} {v:.3f} s" for k, v in plain["phases"].items()))
