@@ -8,6 +8,7 @@
 #include <pybind11/stl.h>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -363,18 +364,23 @@ struct PropertyDescriptorObject {
     std::string* doc;
     std::string_view nameView; // of *name, read without reaching it
     Shape shape;
+    // What reading the property learnt of the last object's class; used
+    // under the interpreter lock only.
+    korb::Client::ReadCache cache;
 };
+static_assert(std::is_trivially_destructible_v<korb::Client::ReadCache>,
+              "the descriptor's memory is freed without destroying its cache");
 
 PyObject* propertyGet(PyObject* self, PyObject* target, PyObject*) {
     if (!target || target == Py_None) {
         Py_INCREF(self);
         return self;
     }
-    const auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
+    auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
     return guarded<PyObject*>(nullptr, [&] {
         const ObjectState& state = stateOf(target);
         Reader reader(state.ref.lifetime(), d->shape);
-        client().readProperty(state.ref, d->nameView, reader);
+        client().readProperty(state.ref, d->nameView, d->cache, reader);
         return reader.value().release().ptr();
     });
 }
@@ -435,6 +441,7 @@ py::object makePropertyDescriptor(const std::string& name, const std::string& do
     if (!self) throw py::error_already_set();
     auto* d = reinterpret_cast<PropertyDescriptorObject*>(self);
     d->shape = shape;
+    new (&d->cache) korb::Client::ReadCache();
     d->name = nullptr;
     d->doc = nullptr;
     py::object owned = py::reinterpret_steal<py::object>(self);

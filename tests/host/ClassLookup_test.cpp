@@ -1,8 +1,10 @@
 // Members found by name through the client's resolved class entries: every
 // name finds its own member and only it, objects reach their native class
 // whatever their layout, and registry changes reach lookups made before.
+#include <cstdint>
 #include <functional>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -15,6 +17,7 @@
 #include "korb/Client.hpp"
 #include "korb/ObjectSystem.hpp"
 #include "korb/PackageInfo.hpp"
+#include "korb/ValueSink.hpp"
 #include "vel/mi/Handle.hpp"
 
 namespace {
@@ -50,6 +53,36 @@ std::unique_ptr<korb::GetterBinder> constant(int n) {
 int readInt(const korb::Client& client, const vel::mi::Handle& object, const std::string& name) {
     return client.getProperty(object.makeRef(), name)->int32Value();
 }
+
+// Reads an integer through a read cache kept by the caller, as a script
+// runtime's property descriptor keeps one per name.
+class IntegerSink final : public korb::ValueSink {
+public:
+    void logical(bool) override { fail(); }
+    void integer(std::int64_t value) override { read = value; }
+    void real(double) override { fail(); }
+    void text(std::string_view) override { fail(); }
+    void text(std::wstring_view) override { fail(); }
+    void object(const vel::mi::Handle*) override { fail(); }
+    void objects(std::size_t) override { fail(); }
+    void array(tuvArrayPtr) override { fail(); }
+    std::int64_t read = -1;
+
+private:
+    static void fail() { ADD_FAILURE() << "an integer property delivered something else"; }
+};
+
+// One cache per name, for the whole test: registry changes between reads
+// must reach it as they reach readInt.
+struct CachedReads {
+    const korb::Client& client;
+    std::map<std::string, korb::Client::ReadCache> caches;
+    std::int64_t operator()(const vel::mi::Handle& object, const std::string& name) {
+        IntegerSink sink;
+        client.readProperty(object.makeRef(), name, caches[name], sink);
+        return sink.read;
+    }
+};
 
 TEST(ClassLookup, EveryNameFindsItsOwnMemberAndNoOther) {
     // Names of every length, alike in their first, middle and last
@@ -123,9 +156,16 @@ TEST(ClassLookup, RegistryChangesReachLookupsMadeBefore) {
         }));
     }));
     Named root("LkBase.Root"), leaf("LkLeaf.Leaf");
+    CachedReads cached{client, {}};
     EXPECT_EQ(1, readInt(client, root, "Shared"));
     EXPECT_EQ(2, readInt(client, leaf, "Shared"));
     EXPECT_EQ(10, readInt(client, leaf, "Inherited"));
+    // One cache meets objects of two classes in turn.
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(1, cached(root, "Shared"));
+        EXPECT_EQ(2, cached(leaf, "Shared"));
+    }
+    EXPECT_EQ(10, cached(leaf, "Inherited"));
 
     // The superclass goes: its objects are unknown, and the subclass keeps
     // only its own members.
@@ -134,6 +174,10 @@ TEST(ClassLookup, RegistryChangesReachLookupsMadeBefore) {
     EXPECT_EQ(2, readInt(client, leaf, "Shared"));
     EXPECT_EQ("Korb:UnknownProperty", diagnosticOf([&] { readInt(client, leaf, "Inherited"); }));
     EXPECT_EQ(nullptr, client.findProperty(client.classOf(leaf), "Inherited"));
+    // The caches hold the entries the change freed.
+    EXPECT_EQ("Korb:UnknownClass", diagnosticOf([&] { cached(root, "Shared"); }));
+    EXPECT_EQ("Korb:UnknownProperty", diagnosticOf([&] { cached(leaf, "Inherited"); }));
+    EXPECT_EQ(2, cached(leaf, "Shared"));
 
     // A package that failed is added again with other members.
     Named again("LkAgain.Thing");
@@ -148,6 +192,7 @@ TEST(ClassLookup, RegistryChangesReachLookupsMadeBefore) {
     EXPECT_EQ("Korb:UnknownClass", diagnosticOf([&] { readInt(client, again, "Value"); }));
     system.addPackage(thing(4, false));
     EXPECT_EQ(4, readInt(client, again, "Value"));
+    EXPECT_EQ(4, cached(again, "Value"));
 }
 
 } // namespace

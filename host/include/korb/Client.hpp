@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "korb/Value.hpp"
@@ -18,6 +20,9 @@ namespace korb {
 
 class ObjectSystem;
 class ValueSink;
+namespace detail {
+struct ClassEntry;
+}
 
 // A property of a class as the client resolves it along the class chain.
 struct PropertyInfo {
@@ -87,6 +92,20 @@ class VELHOST_API Client {
 public:
     explicit Client(ObjectSystem& system) : system_(system) {}
 
+    // What a read of one property name learnt from the class of the last
+    // object it read (see readProperty): reading objects of that class again
+    // skips the lookups by class and name. Any change of the registry makes
+    // it learn again. It belongs to its caller, who uses it on one thread at
+    // a time.
+    class ReadCache {
+    private:
+        friend class Client;
+        const char* typeName_ = nullptr;
+        const detail::ClassEntry* entry_ = nullptr;
+        const vel::mi::HandleClass::Property* property_ = nullptr;
+        std::uint64_t registryVersion_ = 0;
+    };
+
     ObjectSystem& getObjectSystem() const { return system_; }
 
     const vel::mi::HandleClass* findClass(const std::string& qualifiedName) const;
@@ -127,6 +146,10 @@ public:
     // The same read as getProperty, into sink inside the read's access,
     // without a host array where the getter can do without (see ValueSink).
     void readProperty(const vel::mi::HandleRef& object, std::string_view name, ValueSink& sink) const;
+    // The same, for a caller that reads `name` again and again, through its
+    // own cache; a read that fails leaves the cache as it was.
+    void readProperty(const vel::mi::HandleRef& object, std::string_view name, ReadCache& cache,
+                      ValueSink& sink) const;
     void setProperty(const vel::mi::HandleRef& object, const std::string& name, const tuvArray& value) const;
     tuvArrayPtr callMethod(const vel::mi::HandleRef& object, const std::string& name,
                            const std::vector<tuvArrayPtr>& args = {}) const;
@@ -145,6 +168,10 @@ private:
     // read; raises UnknownClass or UnknownProperty.
     const vel::mi::HandleClass::Property& propertyToRead(vel::mi::Handle& object,
                                                          std::string_view name) const;
+    // The class entry for an object's type name and its property by name;
+    // raises UnknownClass or UnknownProperty.
+    std::pair<const detail::ClassEntry*, const vel::mi::HandleClass::Property*> resolveRead(
+        const char* typeName, std::string_view name) const;
     // Runs the access guard of the object's class (see
     // vel::mi::HandleClass::setAccessGuard), if it has one, before a read
     // (`reading`) or a write.

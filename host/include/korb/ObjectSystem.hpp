@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -73,6 +75,9 @@ private:
     std::unique_ptr<Impl> impl_;
     // Read by the client inline; see entryForTypeName.
     std::unique_ptr<detail::TypeNameCache> typeNames_;
+    // Counts the changes of the registry, after which the client's read
+    // caches (Client::ReadCache) resolve again.
+    std::atomic<std::uint64_t> version_{0};
 };
 
 } // namespace korb

@@ -192,15 +192,21 @@ const std::string& Client::getPropertyType(const vel::mi::Handle& object, const 
     return requireProperty(*this, object, name).getter->hostTypeName();
 }
 
-// The property of the object by name, through its class's resolved entry,
-// its guard run for a read.
-const vel::mi::HandleClass::Property& Client::propertyToRead(vel::mi::Handle& object,
-                                                             std::string_view name) const {
-    const char* typeName = object.getFullyQualifiedKorbTypeName();
+// Through the entry remembered for the type-name pointer, or found by name.
+std::pair<const detail::ClassEntry*, const vel::mi::HandleClass::Property*> Client::resolveRead(
+    const char* typeName, std::string_view name) const {
     const auto* entry = system_.typeNames_->find(typeName);
     if (!entry && !(entry = system_.entryForTypeName(typeName))) unknownClass(typeName);
     const auto* property = entry->properties.find(name);
     if (!property) unknownProperty(std::string(name), *entry->cls);
+    return {entry, property};
+}
+
+// The property of the object by name, through its class's resolved entry,
+// its guard run for a read.
+const vel::mi::HandleClass::Property& Client::propertyToRead(vel::mi::Handle& object,
+                                                             std::string_view name) const {
+    const auto [entry, property] = resolveRead(object.getFullyQualifiedKorbTypeName(), name);
     entry->enter(true);
     return *property;
 }
@@ -215,6 +221,24 @@ void Client::readProperty(const vel::mi::HandleRef& ref, std::string_view name, 
     const vel::mi::Access access(ref);
     vel::mi::Handle& object = live(access);
     propertyToRead(object, name).getter->read(object, sink);
+}
+
+void Client::readProperty(const vel::mi::HandleRef& ref, std::string_view name, ReadCache& cache,
+                          ValueSink& sink) const {
+    const vel::mi::Access access(ref);
+    vel::mi::Handle& object = live(access);
+    // A type name stands for one class entry until the registry changes.
+    const char* typeName = object.getFullyQualifiedKorbTypeName();
+    const std::uint64_t version = system_.version_.load(std::memory_order_acquire);
+    if (!cache.entry_ || typeName != cache.typeName_ || version != cache.registryVersion_) {
+        const auto [entry, property] = resolveRead(typeName, name);
+        cache.typeName_ = typeName;
+        cache.entry_ = entry;
+        cache.property_ = property;
+        cache.registryVersion_ = version;
+    }
+    cache.entry_->enter(true);
+    cache.property_->getter->read(object, sink);
 }
 
 void Client::enter(const vel::mi::Handle& object, bool reading) const {

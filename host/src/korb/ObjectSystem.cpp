@@ -135,6 +135,7 @@ void ObjectSystem::resolveEntries(const vel::mi::HandleClass* added, bool all) {
         impl_->entries[&cls] = std::move(entry);
     };
     typeNames_->clear();
+    version_.fetch_add(1, std::memory_order_release);
     if (all) {
         impl_->entries.clear();
         impl_->entriesByName.clear();
