@@ -54,8 +54,7 @@ int readInt(const korb::Client& client, const vel::mi::Handle& object, const std
     return client.getProperty(object.makeRef(), name)->int32Value();
 }
 
-// Reads an integer through a read cache kept by the caller, as a script
-// runtime's property descriptor keeps one per name.
+// Takes the integer a read delivers; anything else fails the test.
 class IntegerSink final : public korb::ValueSink {
 public:
     void logical(bool) override { fail(); }
@@ -72,8 +71,9 @@ private:
     static void fail() { ADD_FAILURE() << "an integer property delivered something else"; }
 };
 
-// One cache per name, for the whole test: registry changes between reads
-// must reach it as they reach readInt.
+// Reads through one cache per name for the whole test, as a script
+// runtime's property descriptor keeps one: registry changes between reads
+// must reach the caches as they reach readInt.
 struct CachedReads {
     const korb::Client& client;
     std::map<std::string, korb::Client::ReadCache> caches;
