@@ -18,6 +18,7 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -160,7 +161,8 @@ public:
         // for the reading. The search for a key starts after the field of
         // the key before it: keys mostly come in table order.
         std::bitset<kMaxFields + kMaxAlsoKnown> seen;
-        // Left unset but for the fields seen.
+        // Left unset but for the fields seen, and never destroyed.
+        static_assert(std::is_trivially_destructible_v<JsonValue>);
         union Slot {
             Slot() {}
             JsonValue value;

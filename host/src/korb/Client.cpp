@@ -218,9 +218,8 @@ tuvArrayPtr Client::getProperty(const vel::mi::HandleRef& ref, const std::string
 }
 
 void Client::readProperty(const vel::mi::HandleRef& ref, std::string_view name, ValueSink& sink) const {
-    const vel::mi::Access access(ref);
-    vel::mi::Handle& object = live(access);
-    propertyToRead(object, name).getter->read(object, sink);
+    ReadCache once;
+    readProperty(ref, name, once, sink);
 }
 
 void Client::readProperty(const vel::mi::HandleRef& ref, std::string_view name, ReadCache& cache,
